@@ -1,0 +1,237 @@
+/*
+ * Orvane: runs a card-script language one statement at a time, drives card readers of many makes
+ * behind one interface, and converts between octets and text.
+ *
+ * How the calls go together: RunScript turns a statement into a code and a text. Where the text is
+ * a finished command, the host sends it with SendCommand and puts what later statements should see
+ * into variables with SetVarValue. The script engine never touches a reader by itself.
+ *
+ * Rules for all functions:
+ *  - Texts are zero-terminated bytes. The engine's own messages are UTF-8.
+ *  - Every buffer belongs to the caller and is only used during the call. No function is told the
+ *    size of an output buffer: each comment says how much room it needs.
+ *  - Pointers are not checked; unless a comment says otherwise they must not be null.
+ *  - Hexadecimal text is two digits an octet, high digit first. It is written in upper case without
+ *    separators, and read in either case with blanks (0x20) skipped.
+ *  - There are no threads and no locks. Use the script functions from one thread at a time, and the
+ *    reader functions from one thread at a time.
+ */
+#ifndef ORVANE_H
+#define ORVANE_H
+
+#include <stdint.h>
+
+#if defined(_WIN32) && !defined(ORVANE_BUILDING)
+#define ORVANE_API __declspec(dllimport)
+#elif !defined(_WIN32) && defined(__GNUC__)
+#define ORVANE_API __attribute__((visibility("default")))
+#else
+#define ORVANE_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Scripts ---------------------------------------------------------------------------------
+ *
+ * A statement is one line without its line end:
+ *
+ *   %NAME = operands        an assignment; NAME = operands stores under a name without the %
+ *   operands                an expression, most often a card command
+ *   $ anything              a line for the host, handed back by its code alone
+ *   ; or / and anything     a comment
+ *
+ * Operands stand side by side and are joined: %NAME is a variable, @name(argument, ...) a command,
+ * any other word stands for itself. Names of variables and commands are the same in either case.
+ */
+
+/* What a statement turned out to be: the codes of RunScript for a statement that ran to its end. */
+enum StatementKind {
+  KindAssignment = 0, /* stored; text: the stored value. Also a statement of blanks alone */
+  KindExpression = 1, /* text: the operands' values joined, in upper case */
+  KindSetReader = 2,  /* @setreader(reader); text: the argument */
+  KindSetSlot = 3,    /* @setslot(slot); text: the argument */
+  KindReset = 4,      /* @reset(); text: empty when it stands alone */
+  KindDollar = 5,     /* the statement begins with $; nothing of it was evaluated; text: empty */
+  KindStop = 6,       /* @stop(); text: empty when it stands alone */
+  KindCompare = 7,    /* @compare(left, right, expected); text: "1" as expected, "0" not */
+  KindOpenReader = 8  /* @OPENREADER(reader); text: the argument */
+};
+
+/* The other codes of RunScript, SetVarValue and GetVarValue. Code 1 of RunScript is also a failure:
+ * a statement that begins with "(", ")" or "," (text: empty), and an operand that names an
+ * undefined variable (text: the message `var "%NAME" not define ` with its last blank, whose lower
+ * case no finished expression can have). */
+enum ScriptCode {
+  ScriptNoEngine = -1,      /* out of memory for the engine; the next call tries again */
+  ScriptDone = 0,           /* SetVarValue: stored. GetVarValue: the variable exists */
+  ScriptNothingToRun = 100, /* an empty statement or a comment; text: empty */
+  ScriptUndefinedVariable = 1001,
+  ScriptEmptyName = 1002,
+  ScriptException = 1024 /* out of memory, or a text that result cannot hold */
+};
+
+/* Runs one statement and gives its code.
+ *   script  the statement; null counts as the empty text
+ *   result  room for 512 bytes; all of them are written, the text and zeros behind it. The text has
+ *           at most 511 bytes: an assignment of a longer value stores the whole value and hands
+ *           over its first 511 bytes; any other longer text gives ScriptException and the empty
+ *           text. On ScriptNoEngine result is untouched.
+ * A failed statement changes no variable. When a command has set one of the kinds 2 to 8, nothing
+ * behind it is evaluated, nothing is stored, and the text keeps its case. */
+ORVANE_API int32_t RunScript(const char* script, char* result);
+
+/* Stores value under name, whole and in its own case. The % of a script's variable is part of the
+ * name: a script reads SetVarValue("%SW", "9000") as %SW. Variables live until the process ends.
+ * Gives ScriptDone, ScriptEmptyName, ScriptException or ScriptNoEngine. */
+ORVANE_API int32_t SetVarValue(const char* name, const char* value);
+
+/* Tells whether a variable exists: ScriptDone, ScriptUndefinedVariable, ScriptEmptyName,
+ * ScriptException or ScriptNoEngine. To read a value, run the variable's name as a statement. */
+ORVANE_API int32_t GetVarValue(const char* name);
+
+/* ---- Readers ---------------------------------------------------------------------------------
+ *
+ * Sixteen readers can be open side by side, numbered 0 to 15. SetReader picks the one that the
+ * other functions mean. The card slot is another number: which card interface inside that reader.
+ *
+ * Order of calls: SetReader if the reader is not the current one; OpenReader or OpenReaderA;
+ * ChangeSlot if the reader has several card interfaces; Reset; SendCommand any number of times;
+ * CloseReader. The functions give 1 for success and 0 for failure, with no further code. They block
+ * for as long as the reader maker's library does.
+ */
+
+/* What stands behind a reader. A library is looked for by this name: the file NAME.dll on Windows,
+ * libNAME.so elsewhere, first by the bare name, then in the folder of this library. A library that
+ * the host has already loaded is the one that is used. */
+enum ReaderKind {
+  ReaderKindTyUsb = 1,    /* tykeyint.dll */
+  ReaderKindTyCom = 2,    /* tyreader.dll */
+  ReaderKindPcsc = 3,     /* winscard.dll: any PC/SC reader */
+  ReaderKindWd = 4,       /* wdcrwx.dll */
+  ReaderKindD8 = 5,       /* dcrf32.dll */
+  ReaderKindFm8201 = 6,   /* no library and no reader: never opens, and answers commands with "" */
+  ReaderKindS5009 = 7,    /* S5009.dll */
+  ReaderKindS5009Ats = 8, /* S5009.dll; Reset gives the ATS */
+  ReaderKindTcp = 10,     /* an encryption machine; its name is IPv4-ADDRESS:PORT */
+  ReaderKindIcr = 11,     /* sdtapi.dll: identity cards */
+  ReaderKindBsit = 12     /* STJZZ_BSIT.dll */
+};
+
+/* One line of a reader list: 272 octets, back to back, without gaps. */
+typedef struct ReaderInfo {
+  int32_t kind;     /* as the driver reports it: ReaderKindS5009 for both S5009 kinds */
+  int32_t hasPort;  /* 1: port opens this reader through OpenReader. 0: only the name does */
+  int32_t port;     /* 0 if hasPort is 0 */
+  char name[256];   /* zero-terminated; opens this reader through OpenReaderA */
+  int32_t reserved; /* 0 */
+} ReaderInfo;
+
+/* Lists the readers of one kind and gives the number of records written; 0 for a kind that does not
+ * exist, or when the library behind it can't be had. Open readers are not disturbed.
+ *   list   room for max records if max is above 0 and the kind honours it (1, 2, 3, 7, 8, 11), else
+ *          for count + 1 records or 16, whichever is more
+ *   count  how many ports to offer, for the kinds whose ports can't be asked for (2, 5, 7, 8, 10,
+ *          11); 5 and 10 stop at 16 records, 5 and 11 add one record for their USB reader
+ *   max    the most records wanted, if above 0; 3 takes 16 otherwise */
+ORVANE_API int32_t GetReaderList(int32_t kind, ReaderInfo* list, int32_t count, int32_t max);
+
+/* Makes the reader with this number the current one. 0 if it is above 15: nothing has changed. */
+ORVANE_API int32_t SetReader(uint32_t index);
+
+/* Opens the current reader by port. The baud rate is not read by any driver: pass 9600.
+ * Opening a kind other than the one in place closes what was open first; opening the same kind
+ * again does not. A kind that does not exist empties the place and gives 0. */
+ORVANE_API int32_t OpenReader(int32_t port, int32_t kind, int32_t baud);
+
+/* Opens the current reader by name, as GetReaderList gives it. Otherwise like OpenReader. A PC/SC
+ * reader opens without a card; Reset then finds a card that comes later. */
+ORVANE_API int32_t OpenReaderA(const char* name, int32_t kind);
+
+/* Closes the current reader. 1 if it is closed now, also if it was before; 0 if it never was opened
+ * or its library refuses. */
+ORVANE_API int32_t CloseReader(void);
+
+/* Brings up the card and gives its ATR (ISO/IEC 7816-3) as hexadecimal text.
+ *   atrHex  room for 1,025 characters; zero-terminated; the empty text for a reader without ATR;
+ *           untouched when the result is 0 */
+ORVANE_API int32_t Reset(char* atrHex);
+
+/* Chooses the card slot of the current reader: slotHex is hexadecimal text, of which the first two
+ * characters count ("0C" is slot 12, "1" is slot 16). What a slot means is up to the reader. On a
+ * reader that was never opened it does nothing. */
+ORVANE_API void ChangeSlot(const char* slotHex);
+
+/* Sends a command APDU (ISO/IEC 7816-4) to the card and gives its response.
+ *   cmdHex   hexadecimal text of at most 8,192 characters
+ *   hexLen   its length in characters. Half of it, rounded down, is the number of octets sent: what
+ *            blanks take away goes out as trailing zeros, so pass the text without blanks. Below 0
+ *            counts as 0; above 8,192 gives 0 and the empty text
+ *   respHex  room for 8,193 characters; zero-terminated and written in every case
+ * 1 on status word 9000. A status word 61xx is followed up with one GET RESPONSE. With any other
+ * status word the result is 0 and respHex holds that word; it is empty when there was no answer.
+ * After success the kinds 3, 5 and 12 give the data without the status word, or 9000 where there is
+ * no data; the kinds 4, 7 and 8 give the data and the status word; 1 and 2 give what their library
+ * replied. */
+ORVANE_API int32_t SendCommand(const char* cmdHex, int32_t hexLen, char* respHex);
+
+/* ---- Conversions -----------------------------------------------------------------------------
+ *
+ * In these names Hex stands for octets and Ascii or HexStr for their hexadecimal text. None of them
+ * writes a terminator: clear the buffer first where a terminated text is wanted. A count or length
+ * below 1 stands for no octets and no text.
+ */
+
+/* Escapes every byte but ASCII letters and digits as %XX (RFC 3986).
+ *   out  room for three times the length of text; the length written is not told */
+ORVANE_API void URLEncode(const char* text, char* out);
+
+/* Undoes URLEncode; a + becomes a blank. Escapes are not validated: a digit 0-9 counts as its
+ * value, any other character as its code less 55, and the low eight bits of (first * 16) | second
+ * are the byte. So upper-case digits are right in both places, lower-case ones in the first only.
+ * A % with fewer than two characters behind it stands for itself, and so do those characters.
+ *   out  room for the length of text; the length written is not told */
+ORVANE_API void URLDecode(const char* text, char* out);
+
+/* Turns count octets into 2 * count upper-case digits.
+ *   text  room for 2 * count characters */
+ORVANE_API void HexToAscii(const unsigned char* octets, char* text, int32_t count);
+
+/* Turns length characters of hexadecimal text into octets. 1, or 0 on a character that is neither
+ * digit nor blank: what stands before it is written. An odd last digit becomes a high half.
+ *   octets  room for half as many octets as there are digits, rounded up */
+ORVANE_API int32_t AsciiToHex(const char* text, unsigned char* octets, int32_t length);
+
+/* Puts \x before every two characters, which are not examined. 1 if length is even and not zero,
+ * else 0; an odd last character gets its own \x.
+ *   out  room for 4 * ((length + 1) / 2) characters */
+ORVANE_API int32_t AsciiToHexStr(const char* text, char* out, int32_t length);
+
+/* 0 if all characters are digits 0-9 (or, with allowHex not 0, hexadecimal digits), else the
+ * position of the first that is not, counted from 1. Blanks are not digits. */
+ORVANE_API int32_t CheckAsciiNum(const char* text, int32_t allowHex, int32_t length);
+
+/* Stores the number that the hexadecimal text stands for, most significant digit first. 1, or 0
+ * with value untouched on a bad character or a length below 2 or above 9. An odd last digit does
+ * not count. A text with blanks reads as if zeros stood behind it to length / 2 octets. */
+ORVANE_API int32_t HexStrToInt(const char* text, int32_t* value, int32_t length);
+
+/* Stores the number that 1 to 4 octets form, most significant first. 1, or 0 with value untouched
+ * on any other count. */
+ORVANE_API int32_t HexToInt(const unsigned char* octets, int32_t* value, int32_t count);
+
+/* Writes the 1 to 4 significant octets of value, most significant first, at the right-hand end of
+ * out: they begin at out + 4 - *count. The bytes before them are untouched. Always 1.
+ *   out  four octets */
+ORVANE_API int32_t IntToHex(unsigned char* out, int32_t value, int32_t* count);
+
+/* Writes the same octets as 2, 4, 6 or 8 digits from out[0] on. Always 1.
+ *   out  room for eight characters */
+ORVANE_API int32_t IntToHexStr(char* out, int32_t value, int32_t* length);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

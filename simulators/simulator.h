@@ -1,0 +1,52 @@
+/*
+ * What every simulated vendor module exports beside the vendor's own functions: a journal of the
+ * calls that it got, answers that stand in for the virtual card's, and the card itself.
+ *
+ * A program puts a simulator in a vendor library's place by loading it before the library looks for
+ * the vendor's name. Plain C, so that these functions can be found by name.
+ */
+#ifndef ORVANE_SIMULATOR_H
+#define ORVANE_SIMULATOR_H
+
+#include <stdint.h>
+
+#ifndef SIMULATOR_API /* set by the build where a module exports these functions */
+#define SIMULATOR_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* As length: report the true length of the data. */
+#define SIMULATOR_TRUE_LENGTH INT64_MIN
+
+/* Puts everything back to the start: no journal, no prepared answers, a fresh card inserted. */
+SIMULATOR_API void SimulatorRestart(void);
+
+/* The calls since the start or the last SimulatorRestart, one line each, every line ended by '\n':
+ *   FUNCTION(argument, argument, ...) = result
+ * Octets are upper-case hexadecimal without blanks, texts stand in double quotes, numbers are
+ * decimal unless the vendor's interface speaks of them in hexadecimal. Areas that are only written
+ * to are not listed as arguments; what was written to them stands behind the result. The text is
+ * valid until the next call into the module. */
+SIMULATOR_API const char* SimulatorJournal(void);
+
+/* Prepares the answer to a coming call of one function: the first answer prepared for a function
+ * goes to its next call, and so on; after that the virtual card answers again.
+ *   result  what the function returns
+ *   data    hexadecimal text of what goes to its output area, never more than the area holds; null
+ *           writes nothing
+ *   length  what it reports as that data's length, however wrong, or SIMULATOR_TRUE_LENGTH */
+SIMULATOR_API void SimulatorAnswer(const char* function, int64_t result, const char* data,
+                                   int64_t length);
+
+/* 0 pulls the card out, anything else puts it in. A card that comes in anew has forgotten what was
+ * selected and verified. */
+SIMULATOR_API void SimulatorInsertCard(int32_t present);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,94 @@
+#include "engine/executor.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "commands/builtin.h"
+#include "engine/engine.h"
+#include "engine/tokeniser.h"
+
+namespace orvane {
+namespace {
+
+constexpr std::int32_t kFailedOperand = 1;
+
+bool IsAssignment(const ScriptEngine& engine) {
+  const TokenClass target = ClassifyToken(TokenAt(engine, 0));
+  return (target == ClassVariable || target == ClassLiteral) && engine.tokens.size() > 2 &&
+         ClassifyToken(TokenAt(engine, 1)) == ClassEquals;
+}
+
+/// Evaluates one operand. Unlike inside an argument, a call that fails is an operand all the same,
+/// and a token that is none contributes nothing.
+bool EvaluateStatementOperand(ScriptEngine& engine, std::string& value, std::size_t& position) try {
+  value.clear();
+  const std::string_view token = TokenAt(engine, position);
+  switch (ClassifyToken(token)) {
+    case ClassVariable:
+      return GetVariable(engine, token, value) == ScriptDone;
+    case ClassLiteral:
+      value = token;
+      return true;
+    case ClassCall:
+      RunBuiltin(engine, value, position);
+      return true;
+    default:
+      return true;
+  }
+} catch (...) {
+  return false;
+}
+
+/// Where the value of the next operand goes: a command may have changed the kind.
+std::string* Collector(ScriptEngine& engine, std::string& assigned) {
+  switch (engine.statementKind) {
+    case KindAssignment:
+      return &assigned;
+    case KindExpression:
+      return &engine.resultText;
+    default:
+      return nullptr;
+  }
+}
+
+std::int32_t Finish(ScriptEngine& engine, std::string_view target, std::string& assigned) {
+  if (engine.statementKind == KindAssignment) {
+    // A statement without tokens has no target, and SetVariable stores nothing under no name.
+    if (SetVariable(engine, target, assigned) == ScriptException) return ScriptException;
+    engine.resultText = std::move(assigned);
+  } else if (engine.statementKind == KindExpression) {
+    UpperCase(engine.resultText);
+  }
+  return ScriptDone;
+}
+
+}  // namespace
+
+std::int32_t ExecuteTokens(ScriptEngine& engine) try {
+  std::string_view target;
+  std::string value;
+  std::string assigned;
+  std::size_t position = 0;
+  if (IsAssignment(engine)) {
+    target = TokenAt(engine, 0);
+    position = 2;
+  } else if (!engine.tokens.empty()) {
+    engine.statementKind =
+        ClassifyToken(TokenAt(engine, 0)) == ClassDollar ? KindDollar : KindExpression;
+  }
+  for (; position < engine.tokens.size(); ++position) {
+    std::string* const collector = Collector(engine, assigned);
+    if (collector == nullptr) break;
+    if (!EvaluateStatementOperand(engine, value, position)) {
+      engine.resultText = std::move(value);
+      return kFailedOperand;
+    }
+    *collector += value;
+  }
+  return Finish(engine, target, assigned);
+} catch (...) {
+  return ScriptException;
+}
+
+}  // namespace orvane

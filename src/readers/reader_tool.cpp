@@ -1,0 +1,69 @@
+#include "readers/reader_tool.h"
+
+#include "readers/tool_selection.h"
+
+namespace orvane {
+namespace {
+
+template <typename Operation>
+std::int32_t Guarded(Operation operation) try {
+  return operation();
+} catch (...) {
+  return 0;
+}
+
+}  // namespace
+
+CReaderTool::~CReaderTool() { CReaderTool::Close(); }
+
+std::int32_t CReaderTool::OpenByName(const char* name, std::int32_t kind) {
+  if (SelectTool(kind) == 0) return 0;
+  return Guarded([&] { return m_pTool->OpenByName(name, kind); });
+}
+
+std::int32_t CReaderTool::OpenByPort(std::int32_t port, std::int32_t kind, std::int32_t baud) {
+  if (SelectTool(kind) == 0) return 0;
+  return Guarded([&] { return m_pTool->OpenByPort(port, kind, baud); });
+}
+
+std::int32_t CReaderTool::Close() {
+  if (!m_pTool) return 0;
+  return Guarded([&] { return m_pTool->Close(); });
+}
+
+void CReaderTool::SetSlot(std::uint32_t slot) {
+  if (!m_pTool) return;
+  Guarded([&] {
+    m_pTool->SetSlot(slot);
+    return 1;
+  });
+}
+
+std::int32_t CReaderTool::ResetCard(std::uint8_t* atr, std::uint32_t* atrLen) {
+  if (!m_pTool) return 0;
+  return Guarded([&] { return m_pTool->ResetCard(atr, atrLen); });
+}
+
+std::int32_t CReaderTool::Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen,
+                                   std::uint8_t* resp, std::uint32_t* respLen) {
+  if (!m_pTool) return 0;
+  return Guarded([&] { return m_pTool->Transmit(cmd, cmdLen, resp, respLen); });
+}
+
+std::int32_t CReaderTool::SelectTool(std::int32_t kind) {
+  return Guarded([&] {
+    if (m_pTool && m_pTool->GetKind() == kind) return 1;
+    m_pTool.reset();
+    m_pTool = MakeTool(kind);
+    return m_pTool ? 1 : 0;
+  });
+}
+
+std::int32_t CReaderTool::ListReaders(std::int32_t kind, ReaderInfo* list, std::int32_t count,
+                                      std::int32_t max) {
+  SelectTool(kind);
+  if (!m_pTool) return 0;
+  return Guarded([&] { return m_pTool->ListReaders(kind, list, count, max); });
+}
+
+}  // namespace orvane

@@ -1,0 +1,44 @@
+#include "readers/tool_selection.h"
+
+#include "readers/bsit_reader_tool.h"
+#include "readers/d8_reader_tool.h"
+#include "readers/fm8201_reader_tool.h"
+#include "readers/icr_tool.h"
+#include "readers/pcsc_reader_tool.h"
+#include "readers/s5009_reader_tool.h"
+#include "readers/sjl_tool.h"
+#include "readers/ty_com_reader_tool.h"
+#include "readers/ty_usb_reader_tool.h"
+#include "readers/wd_reader_tool.h"
+
+namespace orvane {
+
+std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
+  switch (kind) {
+    case ReaderKindTyUsb:
+      return std::make_unique<CTYUSBReaderTool>();
+    case ReaderKindTyCom:
+      return std::make_unique<CTYCOMReaderTool>();
+    case ReaderKindPcsc:
+      return std::make_unique<CPCSCReaderTool>();
+    case ReaderKindWd:
+      return std::make_unique<CWDReaderTool>();
+    case ReaderKindD8:
+      return std::make_unique<CD8ReaderTool>();
+    case ReaderKindFm8201:
+      return std::make_unique<CFM8201ReaderTool>();
+    case ReaderKindS5009:
+    case ReaderKindS5009Ats:
+      return std::make_unique<CS5009ReaderTool>();
+    case ReaderKindTcp:
+      return std::make_unique<CSJLTool>();
+    case ReaderKindIcr:
+      return std::make_unique<CICRTool>();
+    case ReaderKindBsit:
+      return std::make_unique<CBSITReaderTool>();
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace orvane
