@@ -55,13 +55,14 @@ ScriptEngine* EnsureEngine() {
 
 std::int32_t RunStatement(ScriptEngine& engine, std::string_view script, char* result) {
   engine.resultText.clear();
-  std::memset(result, 0, kResultSize);
   engine.tokenCount = 0;
   engine.statementKind = KindAssignment;
   engine.tokens.clear();
   engine.callDepth = 0;
   const std::int32_t code = FitResult(engine, RunToCode(engine, script));
-  std::memcpy(result, engine.resultText.data(), engine.resultText.size());
+  const std::size_t length = engine.resultText.size();
+  std::memcpy(result, engine.resultText.data(), length);
+  std::memset(result + length, 0, kResultSize - length);
   return code == ScriptDone ? engine.statementKind : code;
 }
 

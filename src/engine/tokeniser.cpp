@@ -1,6 +1,6 @@
 #include "engine/tokeniser.h"
 
-#include <algorithm>
+#include <array>
 
 #include "engine/engine.h"
 #include "engine/executor.h"
@@ -10,77 +10,85 @@ namespace {
 
 constexpr std::int32_t kRefused = 1;
 
-/// The words and separators of a statement, written over its own text from the front.
-class TokenWriter {
- public:
-  explicit TokenWriter(ScriptEngine& engine)
-      : engine_(engine), word_(engine.statement.data()), end_(word_) {}
+constexpr std::array<TokenClass, 256> MakeTokenClasses() {
+  std::array<TokenClass, 256> classes;
+  classes.fill(ClassLiteral);
+  classes['%'] = ClassVariable;
+  classes['@'] = ClassCall;
+  classes[','] = ClassComma;
+  classes['('] = ClassOpen;
+  classes[')'] = ClassClose;
+  classes['='] = ClassEquals;
+  classes['$'] = ClassDollar;
+  return classes;
+}
 
-  bool AtStart() const { return engine_.tokenCount == 0 && word_ == end_; }
-  void Append(char c) { *end_++ = c; }
+constexpr auto kTokenClasses = MakeTokenClasses();
 
-  void Flush() {
-    if (word_ == end_) return;
-    engine_.tokens.emplace_back(word_, static_cast<std::size_t>(end_ - word_));
-    word_ = end_;
-  }
+constexpr std::array<bool, 256> MakeWordCharacters() {
+  std::array<bool, 256> characters;
+  characters.fill(true);
+  for (const unsigned char c : {' ', '\t', '=', '(', ')', ',', '/', ';'}) characters[c] = false;
+  return characters;
+}
 
-  void AddSeparator(char c) {
-    Flush();
-    Append(c);
-    Flush();
-  }
-
- private:
-  ScriptEngine& engine_;
-  char* word_;
-  char* end_;
-};
+/// Characters that do nothing but lengthen a word, wherever they stand.
+constexpr auto kWordCharacters = MakeWordCharacters();
 
 /// Fills engine.tokens, or gives the code that ends the statement before anything is executed.
 std::int32_t Split(ScriptEngine& engine) {
-  TokenWriter writer(engine);
+  char* word = engine.statement.data();
+  char* end = word;  // of the word, which is written over the statement's own text
+  const auto flush = [&] {
+    if (word == end) return;
+    engine.tokens.push_back({word, static_cast<std::size_t>(end - word)});
+    word = end;
+  };
+  const auto addSeparator = [&](char c) {
+    flush();
+    *end++ = c;
+    flush();
+  };
+  const auto atStart = [&] { return engine.tokenCount == 0 && word == end; };
+
   for (const char c : engine.statement) {
-    engine.tokenCount = static_cast<std::int32_t>(engine.tokens.size());
-    if (c == ' ') {
-      writer.Flush();
-    } else if (c == '=' && engine.tokenCount <= 1) {
-      writer.AddSeparator(c);
-    } else if (c == '(' || c == ')' || c == ',') {
-      if (writer.AtStart()) return kRefused;
-      writer.AddSeparator(c);
-    } else if ((c == '/' || c == ';') && writer.AtStart()) {
-      return ScriptNothingToRun;
-    } else {
-      writer.Append(c);
+    if (kWordCharacters[static_cast<unsigned char>(c)]) {
+      *end++ = c;
+      continue;
     }
+    engine.tokenCount = static_cast<std::int32_t>(engine.tokens.size());
+    switch (c) {
+      case ' ':
+      case '\t':
+        flush();
+        continue;
+      case '=':
+        if (engine.tokenCount > 1) break;
+        addSeparator(c);
+        continue;
+      case '(':
+      case ')':
+      case ',':
+        if (atStart()) return kRefused;
+        addSeparator(c);
+        continue;
+      case '/':
+      case ';':
+        if (atStart()) return ScriptNothingToRun;
+        break;
+      default:
+        break;
+    }
+    *end++ = c;
   }
-  writer.Flush();
+  flush();
   return ScriptDone;
 }
 
 }  // namespace
 
 TokenClass ClassifyToken(std::string_view token) {
-  if (token.empty()) return ClassEmpty;
-  switch (token.front()) {
-    case '%':
-      return ClassVariable;
-    case '@':
-      return ClassCall;
-    case ',':
-      return ClassComma;
-    case '(':
-      return ClassOpen;
-    case ')':
-      return ClassClose;
-    case '=':
-      return ClassEquals;
-    case '$':
-      return ClassDollar;
-    default:
-      return ClassLiteral;
-  }
+  return token.empty() ? ClassEmpty : kTokenClasses[static_cast<unsigned char>(token.front())];
 }
 
 std::string_view TokenAt(const ScriptEngine& engine, std::size_t position) {
@@ -88,7 +96,6 @@ std::string_view TokenAt(const ScriptEngine& engine, std::size_t position) {
 }
 
 std::int32_t Tokenise(ScriptEngine& engine) {
-  std::replace(engine.statement.begin(), engine.statement.end(), '\t', ' ');
   if (engine.statement.empty()) return ScriptNothingToRun;
   const std::int32_t code = Split(engine);
   if (code != ScriptDone) return code;
