@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "engine/script_host.h"
+#include "support/small_stack.h"
+
+namespace orvane_test {
+namespace {
+
+std::string Nested(int depth, const std::string& innermost) {
+  std::string statement;
+  for (int i = 0; i < depth; ++i) statement += "@strlen(";
+  statement += innermost;
+  statement.append(static_cast<std::size_t>(depth), ')');
+  return statement;
+}
+
+TEST(Nesting, Runs128DeepAndFailsDeeper) {
+  EXPECT_EQ(RunOne("%X = " + Nested(128, "ABCDEFGHIJ")), (Outcome{0, "1"}));
+  // The call at level 129 fails all those around it; the statement goes on inside it.
+  EXPECT_EQ(RunOne("%X = " + Nested(129, "ABCDEFGHIJ")), (Outcome{0, "ABCDEFGHIJ"}));
+  EXPECT_EQ(RunOne("%X = " + Nested(1, "AB")), (Outcome{0, "2"}));
+}
+
+TEST(Nesting, HoldsInASmallStack) {
+  RunInSmallStack(256 * 1024, [] {
+    RunOne(Nested(128, "@xor(@strmidh(%U,1,2),FF)"));
+    RunOne(Nested(5000, "AB"));
+  });
+}
+
+TEST(Statements, OfAnyKindDoNoHarm) {
+  const char* const pieces[] = {"%A",       "%u",
+                                "%",        "@strlen",
+                                "@strmid",  "@strmidh",
+                                "@compare", "@xor",
+                                "@ASC2HEX", "@HEX2ASC",
+                                "@reset",   "@stop",
+                                "@setslot", "@nosuch",
+                                "@",        "@des",
+                                "00",       "A4G",
+                                "-1",       "99999999999",
+                                " ",        "\t",
+                                "(",        ")",
+                                ",",        "=",
+                                "$",        "/",
+                                ";",        "\"",
+                                "\x80\xFF", "((((",
+                                "))))",     "@strlen(@strmid(%A,0,"};
+  std::mt19937 random(20);
+  const auto below = [&](std::size_t bound) { return random() % bound; };
+  for (int i = 0; i < 200'000; ++i) {
+    std::string statement;
+    for (std::size_t n = below(24); n > 0; --n) statement += pieces[below(std::size(pieces))];
+    if (i % 1000 == 0) statement = Nested(static_cast<int>(below(400)), statement);
+    const Outcome outcome = RunOne(statement);
+    ASSERT_TRUE((outcome.code >= 0 && outcome.code <= 8) || outcome.code == 100 ||
+                outcome.code == 1024)
+        << statement;
+  }
+}
+
+TEST(Statements, OfAnySizeAreRead) {
+  EXPECT_EQ(RunOne("%BIG = " + std::string(10 << 20, 'A')).code, 0);
+  EXPECT_EQ(RunOne("@strlen(%BIG)"), (Outcome{1, "10485760"}));
+  EXPECT_EQ(RunOne("%BIG = @ASC2HEX(%BIG)").code, 0);
+  EXPECT_EQ(RunOne("@strlenh(%BIG)"), (Outcome{1, "10485760"}));
+  EXPECT_EQ(RunOne("%BIG = " + std::string(1 << 20, ' ') + "1"), (Outcome{0, "1"}));
+}
+
+}  // namespace
+}  // namespace orvane_test

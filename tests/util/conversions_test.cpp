@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "orvane.h"
+
+namespace {
+
+constexpr char kUntouched = '\x55';
+
+/// Room that shows what was written: behind the last written byte it is untouched.
+struct Area {
+  std::string bytes = std::string(64, kUntouched);
+  char* Text() { return bytes.data(); }
+  unsigned char* Octets() { return reinterpret_cast<unsigned char*>(bytes.data()); }
+  std::string Written() const { return bytes.substr(0, bytes.find_last_not_of(kUntouched) + 1); }
+};
+
+std::string operator""_octets(const char* text, std::size_t size) { return {text, size}; }
+
+int Length(const std::string& text) { return static_cast<int>(text.size()); }
+
+TEST(Conversions, EscapeAndUnescape) {
+  const struct {
+    const char* text;
+    const char* escaped;
+  } rows[] = {{"", ""},
+              {"a b", "a%20b"},
+              {"a.b-_~", "a%2Eb%2D%5F%7E"},
+              {"09AZaz", "09AZaz"},
+              {"\x80\xFF\x01", "%80%FF%01"},
+              {"%", "%25"}};
+  for (const auto& row : rows) {
+    Area escaped, text;
+    URLEncode(row.text, escaped.Text());
+    EXPECT_EQ(escaped.Written(), row.escaped);
+    URLDecode(row.escaped, text.Text());
+    EXPECT_EQ(text.Written(), row.text);
+  }
+}
+
+TEST(Conversions, UnescapeWithoutValidation) {
+  const struct {
+    const char* text;
+    std::string expected;
+  } rows[] = {{"a+b%21", "a b!"},     {"%4a", "\x6A"}, {"%a4", "\xA4"},
+              {"%00x", "\0x"_octets}, {"%zz", "\x73"}, {"%", "%"},
+              {"%4", "%4"},           {"x%4", "x%4"},  {"%%41", "\xE4\x31"}};
+  for (const auto& row : rows) {
+    Area out;
+    URLDecode(row.text, out.Text());
+    EXPECT_EQ(out.Written(), row.expected) << row.text;
+  }
+}
+
+TEST(Conversions, BetweenOctetsAndHexadecimalText) {
+  const struct {
+    const char* text;
+    int result;
+    std::string octets;
+  } rows[] = {{"", 1, ""},
+              {"1 2 3", 1, "\x12\x30"_octets},
+              {"1G", 0, "\x10"_octets},
+              {"12G4", 0, "\x12"_octets},
+              {"G", 0, ""},
+              {"   ", 1, ""},
+              {" aB  Cd ", 1, "\xAB\xCD"_octets},
+              {"aBc", 1, "\xAB\xC0"_octets},
+              {"00 A4 04 00", 1, "\x00\xA4\x04\x00"_octets},
+              {"00 A4 04 0", 1, "\x00\xA4\x04\x00"_octets},
+              {"00 A 4 04\t00", 0, "\x00\xA4\x04"_octets},
+              {"12:34", 0, "\x12"_octets},
+              {"1/", 0, "\x10"_octets},
+              {"@1", 0, ""},
+              {"12`", 0, "\x12"_octets},
+              {"12\xB1", 0, "\x12"_octets}};
+  for (const auto& row : rows) {
+    Area octets;
+    EXPECT_EQ(AsciiToHex(row.text, octets.Octets(), Length(row.text)), row.result) << row.text;
+    EXPECT_EQ(octets.Written(), row.octets) << row.text;
+  }
+  Area octets;
+  EXPECT_EQ(AsciiToHex("12", octets.Octets(), -1), 1);
+  HexToAscii(octets.Octets(), octets.Text(), -1);
+  HexToAscii(octets.Octets(), octets.Text(), 0);
+  EXPECT_EQ(octets.Written(), "");
+}
+
+TEST(Conversions, OfEveryOctetAtEveryLengthGoBothWays) {
+  std::mt19937 random(51);
+  for (std::size_t size = 1; size <= 300; ++size) {
+    std::vector<unsigned char> octets(size);
+    for (auto& octet : octets) octet = static_cast<unsigned char>(random());
+    std::string text(2 * size, ' '), expected;
+    char digits[3];
+    for (const unsigned char octet : octets) {
+      std::snprintf(digits, sizeof digits, "%02X", octet);
+      expected += digits;
+    }
+    HexToAscii(octets.data(), text.data(), static_cast<int>(size));
+    ASSERT_EQ(text, expected);
+    // Blanks may stand anywhere.
+    for (int blanks = static_cast<int>(random() % 4); blanks > 0; --blanks) {
+      text.insert(random() % text.size(), random() % 3, ' ');
+    }
+    std::vector<unsigned char> decoded(size);
+    ASSERT_EQ(AsciiToHex(text.data(), decoded.data(), Length(text)), 1) << text;
+    ASSERT_EQ(decoded, octets) << text;
+    // In one area, as a host may do.
+    ASSERT_EQ(AsciiToHex(text.data(), reinterpret_cast<unsigned char*>(text.data()), Length(text)),
+              1);
+    ASSERT_EQ(std::memcmp(text.data(), octets.data(), size), 0);
+  }
+}
+
+TEST(Conversions, ToEscapesOfASourceText) {
+  const struct {
+    const char* text;
+    int result;
+    const char* expected;
+  } rows[] = {{"ABCD", 1, "\\xAB\\xCD"}, {"ABC", 0, "\\xAB\\xC"}, {"", 0, ""}, {"? ", 1, "\\x? "}};
+  for (const auto& row : rows) {
+    Area out;
+    EXPECT_EQ(AsciiToHexStr(row.text, out.Text(), Length(row.text)), row.result);
+    EXPECT_EQ(out.Written(), row.expected);
+  }
+}
+
+TEST(Conversions, TellTheFirstCharacterThatIsNoDigit) {
+  const struct {
+    const char* text;
+    int allowHex;
+    int expected;
+  } rows[] = {{"12a4", 0, 3}, {"12a4", 1, 0}, {"09", 0, 0}, {"afAF09", 2, 0}, {"afg", -1, 3},
+              {" 1", 1, 1},   {"", 0, 0},     {"1:", 0, 2}, {"1/", 1, 2}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(CheckAsciiNum(row.text, row.allowHex, Length(row.text)), row.expected) << row.text;
+  }
+  EXPECT_EQ(CheckAsciiNum("x", 0, -1), 0);
+}
+
+TEST(Conversions, FromHexadecimalTextToIntegers) {
+  constexpr int kNotWritten = 0x5A5A5A5A;
+  const struct {
+    const char* text;
+    int result;
+    int value;
+  } rows[] = {{"0012", 1, 0x12},
+              {"12", 1, 0x12},
+              {"1", 0, kNotWritten},
+              {"", 0, kNotWritten},
+              {"ABC", 1, 0xAB},
+              {"fFfFfFfF", 1, -1},
+              {"123456789", 1, 0x12345678},
+              {"1234567890", 0, kNotWritten},
+              {"12 34 56", 1, 0x12345600},
+              {"  ", 1, 0},
+              {"12G4", 0, kNotWritten},
+              {"12345678G", 0, kNotWritten}};
+  for (const auto& row : rows) {
+    int value = kNotWritten;
+    EXPECT_EQ(HexStrToInt(row.text, &value, Length(row.text)), row.result) << row.text;
+    EXPECT_EQ(value, row.value) << row.text;
+  }
+}
+
+TEST(Conversions, BetweenOctetsAndIntegers) {
+  const unsigned char octets[] = {0x12, 0x34, 0x56, 0x78, 0x9A};
+  const struct {
+    int count;
+    int result;
+    int value;
+  } rows[] = {{1, 1, 0x12}, {2, 1, 0x1234}, {3, 1, 0x123456}, {4, 1, 0x12345678},
+              {5, 0, -7},   {0, 0, -7},     {-1, 0, -7}};
+  for (const auto& row : rows) {
+    int value = -7;
+    EXPECT_EQ(HexToInt(octets, &value, row.count), row.result) << row.count;
+    EXPECT_EQ(value, row.value) << row.count;
+  }
+}
+
+TEST(Conversions, FromIntegersToOctetsAndText) {
+  const struct {
+    int value;
+    std::string octets;  // all four, with those before the number untouched
+    const char* text;
+  } rows[] = {{0, "UUU\0"_octets, "00"},
+              {0xFF, "UUU\xFF"_octets, "FF"},
+              {0x100, "UU\x01\x00"_octets, "0100"},
+              {0x12345, "U\x01\x23\x45"_octets, "012345"},
+              {0x1000000, "\x01\x00\x00\x00"_octets, "01000000"},
+              {-1, "\xFF\xFF\xFF\xFF"_octets, "FFFFFFFF"}};
+  for (const auto& row : rows) {
+    Area octets, text;
+    int count = 0, length = 0;
+    EXPECT_EQ(IntToHex(octets.Octets(), row.value, &count), 1);
+    EXPECT_EQ(octets.bytes.substr(0, 4), row.octets);
+    EXPECT_EQ(IntToHexStr(text.Text(), row.value, &length), 1);
+    EXPECT_EQ(text.Written(), row.text);
+    EXPECT_EQ(length, 2 * count);
+    EXPECT_EQ(length, static_cast<int>(std::strlen(row.text)));
+  }
+}
+
+}  // namespace
