@@ -5,7 +5,7 @@ namespace {
 
 #define PCSC(name) ORVANE_ENTRY_POINT(PcscEntryPoints, name)
 
-constexpr EntryPoint kEntryPoints[] = {
+constexpr platform::EntryPoint kEntryPoints[] = {
     PCSC(SCardEstablishContext), PCSC(SCardReleaseContext),   PCSC(SCardListReadersA),
     PCSC(SCardFreeMemory),       PCSC(SCardConnectA),         PCSC(SCardDisconnect),
     PCSC(SCardTransmit),         PCSC(SCardGetAttrib),        PCSC(SCardControl),
@@ -19,6 +19,6 @@ constexpr EntryPoint kEntryPoints[] = {
 
 }  // namespace
 
-std::span<const EntryPoint> PcscEntryPoints::EntryPoints() { return kEntryPoints; }
+std::span<const platform::EntryPoint> PcscEntryPoints::EntryPoints() { return kEntryPoints; }
 
 }  // namespace orvane

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "readers/vendor_library.h"
+#include "platform/library.h"
 
 namespace orvane {
 
@@ -46,7 +46,7 @@ constexpr DWORD SCARD_CTL_CODE(DWORD code) { return 0x31U << 16 | code << 2; }
 
 struct PcscEntryPoints {
   static constexpr char kFileName[] = "winscard.dll";
-  static std::span<const EntryPoint> EntryPoints();
+  static std::span<const platform::EntryPoint> EntryPoints();
 
   LONG(*SCardEstablishContext)
   (DWORD scope, const void* reserved1, const void* reserved2, SCARDCONTEXT* context) = nullptr;

@@ -34,7 +34,7 @@ class CPCSCReaderTool final : public CReaderToolBase {
   LONG ReconnectAndReadAtr(Reply& atr);
   bool CardIsPresent();
 
-  VendorLibrary<PcscEntryPoints> m_winscard;
+  platform::Library<PcscEntryPoints> m_winscard;
 };
 
 }  // namespace orvane

@@ -1,15 +1,14 @@
-#include "readers/vendor_library.h"
+#include "platform/library.h"
 
 #include <cstring>
 
-namespace orvane {
+namespace orvane::platform {
 
-void BindEntryPoints(const platform::Module& module, std::span<const EntryPoint> names,
-                     void* table) {
+void BindEntryPoints(const Module& module, std::span<const EntryPoint> names, void* table) {
   for (const EntryPoint& entry : names) {
     void* const address = module.Find(entry.name);
     std::memcpy(static_cast<char*>(table) + entry.offset, &address, sizeof address);
   }
 }
 
-}  // namespace orvane
+}  // namespace orvane::platform
