@@ -27,9 +27,10 @@ SIMULATOR_API void SimulatorRestart(void);
 /* The calls since the start or the last SimulatorRestart, one line each, every line ended by '\n':
  *   FUNCTION(argument, argument, ...) = result
  * Octets are upper-case hexadecimal without blanks, texts stand in double quotes, numbers are
- * decimal unless the vendor's interface speaks of them in hexadecimal. Areas that are only written
- * to are not listed as arguments; what was written to them stands behind the result. The text is
- * valid until the next call into the module. */
+ * decimal unless the vendor's interface speaks of them in hexadecimal (0x1F; 0 stays 0), a null
+ * pointer is null. Areas that are only written to are not listed as arguments; what was written to
+ * them stands behind the result, each with a blank before it. Lengths of areas are not listed. The
+ * text is valid until the next call into the module. */
 SIMULATOR_API const char* SimulatorJournal(void);
 
 /* Prepares the answer to a coming call of one function: the first answer prepared for a function
@@ -37,7 +38,9 @@ SIMULATOR_API const char* SimulatorJournal(void);
  *   result  what the function returns
  *   data    hexadecimal text of what goes to its output area, never more than the area holds; null
  *           writes nothing
- *   length  what it reports as that data's length, however wrong, or SIMULATOR_TRUE_LENGTH */
+ *   length  what it reports as that data's length, however wrong, or SIMULATOR_TRUE_LENGTH
+ * Where a function writes more than one thing, the head of its module's source tells what the data
+ * and the length stand for. */
 SIMULATOR_API void SimulatorAnswer(const char* function, int64_t result, const char* data,
                                    int64_t length);
 

@@ -47,12 +47,13 @@ inline std::vector<std::string> List(int kind, int count, int max) {
   const int written = GetReaderList(kind, records.get(), count, max);
   std::vector<std::string> lines;
   for (int i = 0; i < written; ++i) {
-    const ReaderInfo& record = records[i];
+    const ReaderInfo& record = records[static_cast<std::size_t>(i)];
     EXPECT_EQ(record.reserved, 0);
     lines.push_back(std::to_string(record.kind) + ' ' + std::to_string(record.hasPort) + ' ' +
                     std::to_string(record.port) + ' ' + record.name);
   }
-  EXPECT_EQ(records[written].kind, 0x55555555) << "written behind the last record";
+  EXPECT_EQ(records[static_cast<std::size_t>(written)].kind, 0x55555555)
+      << "written behind the last record";
   return lines;
 }
 

@@ -1,0 +1,43 @@
+// The files of the virtual card and what stands in them when it is new.
+#ifndef ORVANE_SIMULATORS_COMMON_CARD_FILES_H
+#define ORVANE_SIMULATORS_COMMON_CARD_FILES_H
+
+#include "common/octets.h"
+
+namespace simulator {
+
+// An elementary file (EF): either records or one transparent string of octets.
+struct ElementaryFile {
+  uint16_t identifier;
+  uint8_t shortIdentifier;
+  std::vector<Octets> records;  // empty in a transparent EF
+  Octets content;               // of a transparent EF
+
+  bool IsTransparent() const { return records.empty(); }
+  Octets ControlInformation() const;
+};
+
+// A dedicated file (DF): the master file or an application.
+struct DedicatedFile {
+  uint16_t identifier;
+  Octets name;                // the AID of an application
+  Octets controlInformation;  // FCI, a template 6F
+  Octets processingOptions;   // answer to GET PROCESSING OPTIONS; empty: there is none
+  std::vector<ElementaryFile> files;
+};
+
+constexpr uint16_t kMasterFile = 0x3F00;
+
+// The master file first, then the application:
+//
+//   3F00             master file
+//     2F00  SFI 30   EF.DIR, records: the application's AID and label
+//     1001           payment application F04F5256414E4501
+//       0101  SFI 1  records: track 2 and cardholder; primary account number and dates
+//       0102  SFI 2  records: what the terminal has to give, how to verify the cardholder
+//       0105  SFI 5  transparent, 64 octets: anybody reads it, a verified cardholder writes it
+std::vector<DedicatedFile> NewFiles();
+
+}  // namespace simulator
+
+#endif

@@ -1,0 +1,27 @@
+// Octets and their hexadecimal text.
+#ifndef ORVANE_SIMULATORS_COMMON_OCTETS_H
+#define ORVANE_SIMULATORS_COMMON_OCTETS_H
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simulator {
+
+using Octets = std::vector<uint8_t>;
+
+// Reads hexadecimal text in either case, blanks skipped, up to the first other character. An odd
+// last digit does not count.
+Octets FromHex(std::string_view text);
+
+// Upper-case digits without blanks.
+std::string ToHex(std::span<const uint8_t> octets);
+
+// The characters of text as octets.
+Octets FromText(std::string_view text);
+
+}  // namespace simulator
+
+#endif

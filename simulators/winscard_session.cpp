@@ -1,0 +1,55 @@
+#include "winscard_session.h"
+
+#include "common/module.h"
+
+namespace winscard {
+
+// A context fills all its 64 bits: one that was cut to 32 is not known again.
+Context Session::Establish() {
+  const Context context = 0xCD01000000000000 + ++established_;
+  contexts_.insert(context);
+  return context;
+}
+
+bool Session::Release(Context context) {
+  std::erase_if(connections_, [&](const auto& entry) { return entry.second.context == context; });
+  return contexts_.erase(context) != 0;
+}
+
+// A handle is worth 32 bits, widened with its sign. Every other one is negative, so that a caller
+// who widens it in another way is found out.
+Handle Session::Connect(Context context, Dword protocol) {
+  const uint32_t sign = ++connected_ % 2 == 1 ? 0x80000000 : 0;
+  const auto value = static_cast<int32_t>(sign | 0x6A010000 | (connected_ & 0xFFFF));
+  const auto handle = static_cast<Handle>(int64_t{value});
+  connections_[handle] = {context, protocol, simulator::CardMovements()};
+  return handle;
+}
+
+void Session::ForgetConnections() {
+  connections_.clear();
+  connected_ = 0;
+}
+
+uint32_t Session::Check(Handle handle) const {
+  const auto found = connections_.find(handle);
+  if (found == connections_.end()) return kInvalidHandle;
+  const bool same = found->second.cardMovements == simulator::CardMovements();
+  return same && simulator::CardPresent() ? kSuccess : kRemovedCard;
+}
+
+Dword Session::Protocol(Handle handle) const {
+  const auto found = connections_.find(handle);
+  return found == connections_.end() ? 0 : found->second.protocol;
+}
+
+uint8_t* Session::Allocate(size_t size) {
+  auto memory = std::make_unique<uint8_t[]>(size);
+  uint8_t* const start = memory.get();
+  memory_[start] = std::move(memory);
+  return start;
+}
+
+bool Session::Free(const void* memory) { return memory_.erase(memory) != 0; }
+
+}  // namespace winscard

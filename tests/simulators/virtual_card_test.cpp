@@ -1,0 +1,292 @@
+#include "common/virtual_card.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace simulator {
+namespace {
+
+constexpr const char* kSelect = "00A4040008F04F5256414E450100";
+constexpr const char* kVerify = "0020008008241234FFFFFFFFFF";
+constexpr const char* kWrongPin = "0020008008240000FFFFFFFFFF";
+
+std::string Send(VirtualCard& card, const std::string& command) {
+  return ToHex(card.Transmit(FromHex(command)));
+}
+
+struct Step {
+  std::string command;
+  std::string response;  // "*" and an end stands for any response data before it
+};
+
+struct Sequence {
+  const char* name;
+  std::vector<Step> steps;
+};
+
+void PrintTo(const Sequence& sequence, std::ostream* out) { *out << sequence.name; }
+
+class VirtualCardSequence : public testing::TestWithParam<Sequence> {};
+
+TEST_P(VirtualCardSequence, AnswersEveryStep) {
+  VirtualCard card;
+  for (const auto& [command, expected] : GetParam().steps) {
+    std::string response = Send(card, command);
+    if (expected[0] == '*' && response.size() > 4) response.replace(0, response.size() - 4, "*");
+    EXPECT_EQ(response, expected) << command;
+  }
+}
+
+const Sequence kSequences[] = {
+    {"NoCommand", {{"", "6700"}, {"00", "6700"}, {"00A4", "6700"}, {"00A404", "6700"}}},
+    {"WrongLengths",
+     {{"00A4040008F04F5256414E45", "6700"},        // Lc beyond the data
+      {"00A4040008", "6700"},                      // Lc and no data
+      {"00A4040008F04F5256414E45010000", "6700"},  // an octet behind Le
+      {"00A40400000008F04F5256414E4501", "6700"},  // extended Lc
+      {"00B08500000100", "6700"},                  // extended Le
+      {"00A40400", "6700"},                        // no name
+      {"00A4000001 3F", "6700"},                   // half an identifier
+      {"00B0850001 00", "6700"},                   // data where none belongs
+      {"00D6850000", "6700"}}},                    // no data where some belongs
+    {"UnknownClassAndInstruction",
+     {{"90A4040008F04F5256414E4501", "6E00"},
+      {"FFFFFFFF", "6E00"},
+      {"0070000000", "6D00"},
+      {"80A40400", "6D00"},
+      {"00A8000006830400000000", "6D00"}}},
+    {"SelectParameters",
+     {{"00A4020002 3F00", "6A86"},
+      {"00A4040108F04F5256414E4501", "6A86"},
+      {"00A4040007F04F5256414E45", "6A82"},  // a part of a name is not a name
+      {"00A4040009F04F5256414E450100", "6A82"},
+      {"00A4000002 0101", "6A82"}}},  // a file of another directory
+    {"SelectByIdentifier",
+     {{"00A40000023F00", "6109"},
+      {"00C0000009", "6F0782013883023F009000"},
+      {"00A4000000", "6F0782013883023F009000"},  // no identifier: the master file
+      {"00A40000022F00", "610C"},
+      {"00C000000C", "6F0A82010483022F008801F09000"},
+      {"00B2010400", "*9000"},  // the record of the current file
+      {"00A40000021001", "612B"},
+      {"00A40000020105", "6110"},
+      {"00C0000000", "6F0E80020040820101830201058801289000"},
+      {"00B0003F01", "009000"}}},
+    {"FailedSelectChangesNothing",
+     {{kSelect, "612B"},
+      {"00A40000020105", "6110"},
+      {"00A40000029999", "6A82"},
+      {"00A4040001AA", "6A82"},
+      {"00B0000001", "009000"}}},
+    {"SelectWithoutResponse", {{"00A4040C08F04F5256414E4501", "9000"}, {"00C0000000", "6985"}}},
+    {"ResponseWaits",
+     {{kSelect, "612B"},
+      {"00C000002C", "6C2B"},  // too much: the right length, nothing lost
+      {"00C0000102", "6A86"},
+      {"00C0000002", "6F296129"},  // a part
+      {"00C0000029", "*9000"},
+      {"00C0000000", "6985"}}},
+    {"ResponseIsDropped",
+     {{kSelect, "612B"},
+      {"00840000", "*9000"},
+      {"00C000002B", "6985"},
+      {kSelect, "612B"},
+      {"00", "6700"},
+      {"00C000002B", "6985"}}},
+    {"ReadRecord",
+     {{"00B2010C00", "6A82"},  // no such file in the master file
+      {"00B2010400", "6986"},
+      {kSelect, "612B"},
+      {"00B2010C22", "6C23"},
+      {"00B2010C24", "6C23"},
+      {"00B2010C23", "*9000"},
+      {"00B2010C", "*9000"},
+      {"00B2020400", "*9000"},  // the file is the current one now
+      {"00B2030C00", "6A83"},
+      {"00B2000C00", "6A83"},
+      {"00B2010D00", "6A86"},
+      {"00B2012C00", "6981"},
+      {"00B2011C00", "6A82"}}},
+    {"ReadBinary",
+     {{kSelect, "612B"},
+      {"00B0000000", "6986"},
+      {"00B0850041", "6C40"},
+      {"00B0850040", std::string(128, '0') + "9000"},
+      {"00B0850000", std::string(128, '0') + "9000"},
+      {"00B0003E00", "00009000"},
+      {"00B0003E03", "6C02"},
+      {"00B0004000", "6B00"},
+      {"00B07FFF00", "6B00"},
+      {"00B0A50000", "6A86"},
+      {"00B0830000", "6A82"},
+      {"00B0810000", "6981"}}},
+    {"UpdateBinaryNeedsThePin",
+     {{kSelect, "612B"},
+      {"00D6850002 1122", "6982"},
+      {kWrongPin, "63C2"},
+      {"00D6850002 1122", "6982"},
+      {kVerify, "9000"},
+      {"00D6850002 1122", "9000"},
+      {"00D6003F02 3344", "6A84"},  // would run over the end: nothing written
+      {"00D6004001 55", "6B00"},
+      {"00D6003F01 66", "9000"},
+      {"00D6810001 00", "6981"},
+      {"00B0850002", "11229000"},
+      {"00B0003F01", "669000"},
+      {kSelect, "612B"},  // selecting ends the verification
+      {"00D6850001 77", "6982"}}},
+    {"WrongPinAfterTheRightOne",
+     {{kSelect, "612B"}, {kVerify, "9000"}, {kWrongPin, "63C2"}, {"00D6850001 11", "6982"}}},
+    {"TriesRunOut",
+     {{"00200080", "6985"},  // the PIN belongs to the application
+      {kSelect, "612B"},
+      {"00200080", "63C3"},
+      {kWrongPin, "63C2"},
+      {"0020008000", "63C2"},
+      {kVerify, "9000"},
+      {"0020008000", "9000"},
+      {kWrongPin, "63C2"},
+      {kWrongPin, "63C1"},
+      {kWrongPin, "63C0"},
+      {kVerify, "6983"},
+      {"0020008000", "6983"}}},
+    {"BadPinBlockCostsNoTry",
+     {{kSelect, "612B"},
+      {"0020008008141234FFFFFFFFFF", "6A80"},  // another format
+      {"0020008008251234FFFFFFFFFF", "6A80"},  // five digits announced, four there
+      {"002000800823123FFFFFFFFFFF", "6A80"},  // too few digits
+      {"00200080082F1234567890123456", "6A80"},
+      {"0020008008241234FFFFFFFFF0", "6A80"},  // bad filler
+      {"0020008007241234FFFFFFFF", "6700"},
+      {"0020000108241234FFFFFFFFFF", "6A86"},
+      {"0020008000", "63C3"}}},
+    {"GetProcessingOptions",
+     {{"80A8000006830409990999", "6985"},
+      {kSelect, "612B"},
+      {"80A8000006830409990999", "6110"},
+      {"00C0000010", "770E82021000940808010201100102009000"},
+      {"80A80000028300", "6700"},
+      {"80A8000006810409990999", "6A80"},
+      {"80A8010006830409990999", "6A86"}}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Commands, VirtualCardSequence, testing::ValuesIn(kSequences),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(VirtualCard, AtrHasTheOctetsThatItAnnounces) {
+  const Octets atr = VirtualCard().Atr();
+  ASSERT_GE(atr.size(), 2u);
+  EXPECT_EQ(atr[0], 0x3B);
+  size_t interfaceBytes = 0;
+  for (int bit = 4; bit < 7; ++bit) interfaceBytes += atr[1] >> bit & 1;
+  EXPECT_EQ(atr[1] & 0x80, 0) << "no TD1: T=0 alone, and no TCK";
+  EXPECT_EQ(atr.size(), 2 + interfaceBytes + (atr[1] & 0x0F));
+}
+
+TEST(VirtualCard, EveryChallengeIsFreshAndEveryNewCardBeginsAnew) {
+  VirtualCard card, another;
+  const std::string first = Send(card, "0084000008");
+  EXPECT_EQ(first.size(), 20u);
+  EXPECT_EQ(first.substr(16), "9000");
+  EXPECT_EQ(Send(another, "0084000000"), first);
+  card.Reset();
+  EXPECT_NE(Send(card, "0084000008"), first);
+  EXPECT_EQ(Send(card, "0084000004").size(), 12u);
+}
+
+TEST(VirtualCard, ResetForgetsTheSessionAndKeepsWhatWasWritten) {
+  VirtualCard card;
+  for (const char* command : {kSelect, kWrongPin, kVerify, "00D6850001AB", kWrongPin, kSelect}) {
+    Send(card, command);
+  }
+  card.Reset();
+  EXPECT_EQ(Send(card, "00C000002B"), "6985");
+  EXPECT_EQ(Send(card, "00B0850001"), "6A82");
+  Send(card, kSelect);
+  EXPECT_EQ(Send(card, "00B0850001"), "AB9000");
+  EXPECT_EQ(Send(card, "00D6850001CD"), "6982");
+  EXPECT_EQ(Send(card, "0020008000"), "63C2");
+}
+
+// Runs every instruction with every P3 and every number of octets behind it.
+TEST(VirtualCard, EveryFormOfCommandGetsAStatusWord) {
+  VirtualCard card;
+  for (const char* head : {"00200080", "00840000", "00A40400", "00A40000", "00B08500", "00B2010C",
+                           "00C00000", "00D68500", "80A80000"}) {
+    Octets command = FromHex(head);
+    command.push_back(0);
+    for (size_t length = 0; length <= 262; ++length, command.push_back(0x3F)) {
+      for (const size_t p3 : {size_t{0}, length, length + 1, length - 1, size_t{255}}) {
+        command[4] = static_cast<uint8_t>(p3);
+        const Octets response = card.Transmit(command);
+        ASSERT_GE(response.size(), 2u);
+        ASSERT_LE(response.size(), 258u);
+        ASSERT_TRUE(response[response.size() - 2] == 0x90 ||
+                    response[response.size() - 2] >> 4 == 6)
+            << ToHex(command);
+      }
+    }
+  }
+}
+
+// Walks data objects, also inside constructed ones, and notes the primitive ones by their tag.
+// False if a tag or length runs over the end or a length could have been shorter.
+bool Walk(std::span<const uint8_t> octets, std::map<std::string, std::string>& found) {
+  size_t at = 0;
+  const auto more = [&] { return at < octets.size(); };
+  while (more()) {
+    const size_t tag = at;
+    const bool constructed = octets[at] & 0x20;
+    if ((octets[at++] & 0x1F) == 0x1F) {
+      while (more() && octets[at] & 0x80) ++at;
+      ++at;
+    }
+    if (!more()) return false;
+    const std::string name = ToHex(octets.subspan(tag, at - tag));
+    size_t length = octets[at++];
+    if (length > 0x81) return false;  // nothing in here is longer than 255 octets
+    if (length == 0x81 && (!more() || (length = octets[at++]) < 0x80)) return false;
+    if (length > octets.size() - at) return false;
+    const auto value = octets.subspan(at, length);
+    if (constructed && !Walk(value, found)) return false;
+    if (!constructed) found[name] = ToHex(value);
+    at += length;
+  }
+  return true;
+}
+
+TEST(VirtualCard, GivesConsistentDataObjects) {
+  VirtualCard card;
+  std::map<std::string, std::string> found;
+  const auto collect = [&](const char* command) {
+    Octets response = card.Transmit(FromHex(command));
+    ASSERT_EQ(ToHex(std::span(response).last(2)), "9000") << command;
+    response.resize(response.size() - 2);
+    EXPECT_TRUE(Walk(response, found)) << ToHex(response);
+  };
+  collect("00B201F400");
+  EXPECT_EQ(found["4F"], "F04F5256414E4501");
+  Send(card, kSelect);
+  collect("00C0000000");
+  EXPECT_EQ(found["84"], found["4F"]);
+  EXPECT_EQ(found["9F38"], "9F1A025F2A02");
+  for (const char* record : {"00B2010C00", "00B2020C00", "00B2011400", "00B2021400"}) {
+    collect(record);
+  }
+  for (const char* tag : {"50", "87", "57", "5F20", "5F24", "8C", "8D", "8E"}) {
+    EXPECT_FALSE(found[tag].empty()) << tag;
+  }
+  const std::string account = found["5A"];
+  EXPECT_EQ(found["57"].find(account + "D" + found["5F24"].substr(0, 4)), 0u)
+      << "both records speak of one account and one date";
+  int sum = 0;
+  for (size_t i = 0; i < account.size(); ++i) {
+    const int digit = account[i] - '0';
+    sum += i % 2 == 1 ? digit : digit * 2 - (digit > 4 ? 9 : 0);
+  }
+  EXPECT_EQ(sum % 10, 0) << "the account number's check digit";
+}
+
+}  // namespace
+}  // namespace simulator

@@ -1,0 +1,26 @@
+// Loads, finds and unloads modules.
+#ifndef ORVANE_TESTS_SUPPORT_MODULE_LOADING_H
+#define ORVANE_TESTS_SUPPORT_MODULE_LOADING_H
+
+#include <filesystem>
+#include <string>
+
+namespace support {
+
+// The file of a module asked for by this name: libwinscard.so or winscard.dll for "winscard".
+std::string ModuleFileName(const std::string& name);
+
+// Null if the file can't be loaded; why then says it.
+void* LoadModule(const std::filesystem::path& file, std::string& why);
+
+// The module that stands loaded under this bare file name, or null. It is not kept loaded by this.
+void* FindLoadedModule(const std::string& fileName);
+
+// Null if the module exports no such name.
+void* FindExport(void* module, const char* name);
+
+void UnloadModule(void* module);
+
+}  // namespace support
+
+#endif

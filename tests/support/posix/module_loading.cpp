@@ -1,0 +1,25 @@
+#include "support/module_loading.h"
+
+#include <dlfcn.h>
+
+namespace support {
+
+std::string ModuleFileName(const std::string& name) { return "lib" + name + ".so"; }
+
+void* LoadModule(const std::filesystem::path& file, std::string& why) {
+  void* const module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!module) why = dlerror();
+  return module;
+}
+
+void* FindLoadedModule(const std::string& fileName) {
+  void* const module = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
+  if (module) dlclose(module);
+  return module;
+}
+
+void* FindExport(void* module, const char* name) { return dlsym(module, name); }
+
+void UnloadModule(void* module) { dlclose(module); }
+
+}  // namespace support
