@@ -1,0 +1,168 @@
+// The exports that speak to a card.
+//
+// On Windows the handle of a removed card answers SCARD_W_REMOVED_CARD until it is reconnected or
+// disconnected, and a program may drop it and connect anew as often as cards come and go. pcsc-lite
+// counts such a handle as open and refuses the 201st. So the first call that hears of the removal
+// gives pcsc-lite's handle back, and the caller's number stands for a removed card from then on.
+
+#include <algorithm>
+#include <memory>
+
+#include "cards.h"
+#include "translation.h"
+
+namespace winscard {
+namespace {
+
+// Connects a card that has no handle. To connect to an empty reader is the same failure on Windows
+// as to use a removed card; pcsc-lite tells the two apart.
+LONG Connect(const PcscLite& lite, Card& card, uint32_t shareMode, uint32_t protocols,
+             DWORD* active) {
+  SCARDHANDLE handle = 0;
+  const LONG code = lite.connect(card.context, card.reader.c_str(), shareMode,
+                                 ToLiteProtocols(protocols), &handle, active);
+  if (code == SCARD_S_SUCCESS) card.handle = handle;
+  return code == SCARD_E_NO_SMARTCARD ? SCARD_W_REMOVED_CARD : code;
+}
+
+// Runs a call on the pcsc-lite handle behind a number.
+template <typename Call>
+int32_t WithCard(Handle number, Call call) {
+  return WithPcscLite([&](const PcscLite& lite) {
+    const std::shared_ptr<Card> card = FindCard(number);
+    if (card == nullptr) return SCARD_E_INVALID_HANDLE;
+    SCARDHANDLE handle = card->handle;
+    if (handle == 0) return SCARD_W_REMOVED_CARD;
+    const LONG code = call(lite, handle);
+    if (code == SCARD_W_REMOVED_CARD && card->handle.compare_exchange_strong(handle, 0)) {
+      lite.disconnect(handle, SCARD_LEAVE_CARD);
+    }
+    return code;
+  });
+}
+
+}  // namespace
+
+extern "C" {
+
+// A caller may as well pass a header of its own: it is known by its fields, not by its address.
+extern WINSCARD_API const IoRequest g_rgSCardT0Pci{kProtocolT0, sizeof(IoRequest)};
+extern WINSCARD_API const IoRequest g_rgSCardT1Pci{kProtocolT1, sizeof(IoRequest)};
+extern WINSCARD_API const IoRequest g_rgSCardRawPci{kProtocolRaw, sizeof(IoRequest)};
+
+WINSCARD_API int32_t SCardConnectA(Context context, const char* reader, uint32_t shareMode,
+                                   uint32_t protocols, Handle* number, uint32_t* activeProtocol) {
+  return WithPcscLite([&](const PcscLite& lite) {
+    if (reader == nullptr || number == nullptr || activeProtocol == nullptr) {
+      return SCARD_E_INVALID_PARAMETER;
+    }
+    const auto card = std::make_shared<Card>(static_cast<SCARDCONTEXT>(context), reader);
+    const Handle added = AddCard(card);
+    DWORD active = 0;
+    const LONG code = Connect(lite, *card, shareMode, protocols, &active);
+    if (code == SCARD_S_SUCCESS) {
+      *number = added;
+      *activeProtocol = ToWindowsProtocol(active);
+    } else {
+      RemoveCard(added);
+    }
+    return code;
+  });
+}
+
+WINSCARD_API int32_t SCardReconnect(Handle number, uint32_t shareMode, uint32_t protocols,
+                                    uint32_t initialization, uint32_t* activeProtocol) {
+  return WithPcscLite([&](const PcscLite& lite) {
+    const std::shared_ptr<Card> card = FindCard(number);
+    if (card == nullptr) return SCARD_E_INVALID_HANDLE;
+    if (activeProtocol == nullptr) return SCARD_E_INVALID_PARAMETER;
+    DWORD active = 0;
+    LONG code = SCARD_S_SUCCESS;
+    if (card->handle == 0) code = Connect(lite, *card, shareMode, protocols, &active);
+    if (code == SCARD_S_SUCCESS) {
+      code = lite.reconnect(card->handle, shareMode, ToLiteProtocols(protocols), initialization,
+                            &active);
+    }
+    if (code == SCARD_S_SUCCESS) *activeProtocol = ToWindowsProtocol(active);
+    return code == SCARD_E_NO_SMARTCARD ? SCARD_W_REMOVED_CARD : code;
+  });
+}
+
+WINSCARD_API int32_t SCardDisconnect(Handle number, uint32_t disposition) {
+  return WithPcscLite([&](const PcscLite& lite) {
+    const std::shared_ptr<Card> card = FindCard(number);
+    if (card == nullptr) return SCARD_E_INVALID_HANDLE;
+    const SCARDHANDLE handle = card->handle;
+    const LONG code = handle == 0 ? SCARD_S_SUCCESS : lite.disconnect(handle, disposition);
+    if (code == SCARD_S_SUCCESS) RemoveCard(number);
+    return code;
+  });
+}
+
+WINSCARD_API int32_t SCardBeginTransaction(Handle number) {
+  return WithCard(number, [](const PcscLite& lite, SCARDHANDLE handle) {
+    return lite.beginTransaction(handle);
+  });
+}
+
+WINSCARD_API int32_t SCardEndTransaction(Handle number, uint32_t disposition) {
+  return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
+    return lite.endTransaction(handle, disposition);
+  });
+}
+
+WINSCARD_API int32_t SCardStatusA(Handle number, char* readerName, uint32_t* nameLength,
+                                  uint32_t* state, uint32_t* protocol, uint8_t* atr,
+                                  uint32_t* atrLength) {
+  return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
+    DWORD wideState = 0;
+    DWORD wideProtocol = 0;
+    const LONG code = lite.status(handle, readerName, WideLength(nameLength), &wideState,
+                                  &wideProtocol, atr, WideLength(atrLength));
+    if (state != nullptr) *state = ToWindowsCardState(wideState);
+    if (protocol != nullptr) *protocol = ToWindowsProtocol(wideProtocol);
+    return code;
+  });
+}
+
+WINSCARD_API int32_t SCardTransmit(Handle number, const IoRequest* sendHeader,
+                                   const uint8_t* command, uint32_t commandLength,
+                                   IoRequest* receiveHeader, uint8_t* reply,
+                                   uint32_t* replyLength) {
+  return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
+    if (sendHeader == nullptr) return SCARD_E_INVALID_PARAMETER;
+    const SCARD_IO_REQUEST sent{ToLiteProtocols(sendHeader->protocol), sizeof(SCARD_IO_REQUEST)};
+    SCARD_IO_REQUEST received = sent;
+    const LONG code = lite.transmit(handle, &sent, command, commandLength, &received, reply,
+                                    WideLength(replyLength));
+    if (receiveHeader != nullptr) receiveHeader->protocol = ToWindowsProtocol(received.dwProtocol);
+    return code;
+  });
+}
+
+// pcsc-lite runs control codes whatever became of the card, so the card is asked for first.
+WINSCARD_API int32_t SCardControl(Handle number, uint32_t controlCode, const void* in,
+                                  uint32_t inLength, void* out, uint32_t outLength,
+                                  uint32_t* returned) {
+  return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
+    const LONG code = lite.status(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    if (code == SCARD_W_REMOVED_CARD) return code;
+    return lite.control(handle, ToLiteControlCode(controlCode), in, inLength, out,
+                        std::min<DWORD>(outLength, MAX_BUFFER_SIZE_EXTENDED), WideNumber(returned));
+  });
+}
+
+// Not every driver answers for the ATR, but the service has it always.
+WINSCARD_API int32_t SCardGetAttrib(Handle number, uint32_t attribute, uint8_t* value,
+                                    uint32_t* length) {
+  return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
+    if (attribute == SCARD_ATTR_ATR_STRING) {
+      return lite.status(handle, nullptr, nullptr, nullptr, nullptr, value, WideLength(length));
+    }
+    return lite.getAttrib(handle, attribute, value, WideLength(length, MAX_BUFFER_SIZE));
+  });
+}
+
+}  // extern "C"
+
+}  // namespace winscard

@@ -1,0 +1,41 @@
+#include "cards.h"
+
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace winscard {
+namespace {
+
+std::mutex mutex;
+std::map<Handle, std::shared_ptr<Card>> cards;
+Handle lastNumber = 0;
+
+}  // namespace
+
+Handle AddCard(std::shared_ptr<Card> card) {
+  const std::lock_guard lock(mutex);
+  do {
+    lastNumber = lastNumber % 0x7FFFFFFF + 1;
+  } while (cards.contains(lastNumber));
+  cards.emplace(lastNumber, std::move(card));
+  return lastNumber;
+}
+
+std::shared_ptr<Card> FindCard(Handle number) {
+  const std::lock_guard lock(mutex);
+  const auto found = cards.find(number);
+  return found == cards.end() ? nullptr : found->second;
+}
+
+void RemoveCard(Handle number) {
+  const std::lock_guard lock(mutex);
+  cards.erase(number);
+}
+
+void RemoveCardsOf(SCARDCONTEXT context) {
+  const std::lock_guard lock(mutex);
+  std::erase_if(cards, [&](const auto& entry) { return entry.second->context == context; });
+}
+
+}  // namespace winscard

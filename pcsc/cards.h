@@ -1,0 +1,31 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "pcsc_lite.h"
+#include "windows_types.h"
+
+namespace winscard {
+
+// One connection to a reader. Its pcsc-lite handle is 0 while there is none: before it is
+// connected, and after its card was removed.
+struct Card {
+  Card(SCARDCONTEXT context, const char* reader) : context(context), reader(reader) {}
+
+  const SCARDCONTEXT context;
+  const std::string reader;
+  std::atomic<SCARDHANDLE> handle = 0;
+};
+
+// The connections under the numbers that callers know as card handles. A number lies between 1 and
+// 0x7FFFFFFF, so that it survives a caller that keeps 32 bits of it and extends their sign. All
+// functions may be called from any thread.
+Handle AddCard(std::shared_ptr<Card> card);
+std::shared_ptr<Card> FindCard(Handle number);  // null if there is none
+void RemoveCard(Handle number);
+void RemoveCardsOf(SCARDCONTEXT context);
+
+}  // namespace winscard

@@ -1,0 +1,61 @@
+#pragma once
+
+// pcsc-lite's header declares functions and data under the very names that this module exports, but
+// in other widths. Here those get the prefix PcscLite: declared for their types, never linked.
+#define SCardEstablishContext PcscLiteEstablishContext
+#define SCardReleaseContext PcscLiteReleaseContext
+#define SCardFreeMemory PcscLiteFreeMemory
+#define SCardReconnect PcscLiteReconnect
+#define SCardDisconnect PcscLiteDisconnect
+#define SCardBeginTransaction PcscLiteBeginTransaction
+#define SCardEndTransaction PcscLiteEndTransaction
+#define SCardTransmit PcscLiteTransmit
+#define SCardControl PcscLiteControl
+#define SCardGetAttrib PcscLiteGetAttrib
+#define g_rgSCardT0Pci pcscLiteT0Pci
+#define g_rgSCardT1Pci pcscLiteT1Pci
+#define g_rgSCardRawPci pcscLiteRawPci
+#include <reader.h>
+#include <winscard.h>
+#undef SCardEstablishContext
+#undef SCardReleaseContext
+#undef SCardFreeMemory
+#undef SCardReconnect
+#undef SCardDisconnect
+#undef SCardBeginTransaction
+#undef SCardEndTransaction
+#undef SCardTransmit
+#undef SCardControl
+#undef SCardGetAttrib
+#undef g_rgSCardT0Pci
+#undef g_rgSCardT1Pci
+#undef g_rgSCardRawPci
+
+namespace winscard {
+
+// The functions of pcsc-lite's client library that this module calls.
+struct PcscLite {
+  decltype(&PcscLiteEstablishContext) establishContext;
+  decltype(&PcscLiteReleaseContext) releaseContext;
+  decltype(&SCardListReaders) listReaders;
+  decltype(&PcscLiteFreeMemory) freeMemory;
+  decltype(&SCardGetStatusChange) getStatusChange;
+  decltype(&SCardConnect) connect;
+  decltype(&PcscLiteReconnect) reconnect;
+  decltype(&PcscLiteDisconnect) disconnect;
+  decltype(&PcscLiteBeginTransaction) beginTransaction;
+  decltype(&PcscLiteEndTransaction) endTransaction;
+  decltype(&SCardStatus) status;
+  decltype(&PcscLiteTransmit) transmit;
+  decltype(&PcscLiteControl) control;
+  decltype(&PcscLiteGetAttrib) getAttrib;
+};
+
+// The client library, loaded by the first call and kept until the process ends; null if it, or one
+// of its functions, is not to be had.
+//
+// Every function is looked up in that library alone. Whatever this module exports, and however
+// widely a process has made that visible, it can thus never be taken for pcsc-lite's own.
+const PcscLite* LoadPcscLite();
+
+}  // namespace winscard

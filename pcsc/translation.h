@@ -1,0 +1,77 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <new>
+
+#include "pcsc_lite.h"
+#include "windows_types.h"
+
+// Between Windows' widths and numbers and pcsc-lite's. Codes of failure are the same 32 bits on
+// both sides.
+namespace winscard {
+
+// A number in the caller's memory, lent to pcsc-lite as a wider one for the length of a call. A
+// caller's null pointer stays a null pointer.
+class WideNumber {
+ public:
+  explicit WideNumber(uint32_t* number) : number_(number), wide_(number ? *number : 0) {}
+  ~WideNumber() {
+    if (number_ != nullptr) *number_ = static_cast<uint32_t>(wide_);
+  }
+  WideNumber(const WideNumber&) = delete;
+  WideNumber& operator=(const WideNumber&) = delete;
+
+  operator DWORD*() { return number_ != nullptr ? &wide_ : nullptr; }
+
+ protected:
+  uint32_t* const number_;
+  DWORD wide_;
+};
+
+// The length of an area. pcsc-lite refuses areas that are larger than it can fill: it is then told
+// the most that it takes.
+class WideLength : public WideNumber {
+ public:
+  explicit WideLength(uint32_t* length, DWORD most = MAX_BUFFER_SIZE_EXTENDED)
+      : WideNumber(length) {
+    if (wide_ == kAutoAllocate) {
+      wide_ = SCARD_AUTOALLOCATE;
+    } else if (wide_ > most) {
+      wide_ = most;
+    }
+  }
+};
+
+inline DWORD ToLiteProtocols(uint32_t protocols) {
+  return (protocols & (kProtocolT0 | kProtocolT1)) |
+         ((protocols & kProtocolRaw) != 0 ? SCARD_PROTOCOL_RAW : 0);
+}
+
+inline uint32_t ToWindowsProtocol(DWORD protocol) {
+  return protocol == SCARD_PROTOCOL_RAW ? kProtocolRaw : static_cast<uint32_t>(protocol);
+}
+
+// Windows builds the code of function n as device type 0x31, then n in the bits from 2 on.
+inline DWORD ToLiteControlCode(uint32_t code) {
+  const bool windowsForm = (code & 0xFFFF0003) == 0x00310000;
+  return windowsForm ? SCARD_CTL_CODE((code & 0xFFFF) >> 2) : DWORD{code};
+}
+
+// Windows counts a card's states up from "unknown" to "specific"; pcsc-lite sets one bit for each
+// that holds, and counts events in the upper half.
+inline uint32_t ToWindowsCardState(DWORD state) {
+  const auto reached = static_cast<uint32_t>(std::bit_width(state & 0x7F));
+  return reached == 0 ? 0 : reached - 1;
+}
+
+// Runs a call that needs pcsc-lite, and gives its code in the caller's width.
+template <typename Call>
+int32_t WithPcscLite(Call call) noexcept try {
+  const PcscLite* lite = LoadPcscLite();
+  return static_cast<int32_t>(lite != nullptr ? call(*lite) : SCARD_E_NO_SERVICE);
+} catch (const std::bad_alloc&) {
+  return static_cast<int32_t>(SCARD_E_NO_MEMORY);
+}
+
+}  // namespace winscard

@@ -1,0 +1,148 @@
+// The library's PC/SC readers through its exports, down to a card behind the real service.
+
+#include <chrono>
+#include <iostream>
+#include <string>
+
+#include "orvane.h"
+#include "service_test.h"
+#include "wait.h"
+
+namespace {
+
+constexpr char kSelectApplication[] = "00A4040008F04F5256414E4501";
+constexpr char kSelectUnknown[] = "00A4040003A00000";
+constexpr char kGetChallenge[] = "0084000008";
+
+struct Response {
+  int32_t result;
+  std::string text;
+};
+
+Response Send(const std::string& command) {
+  char text[8193];
+  const int32_t result = SendCommand(command.c_str(), static_cast<int32_t>(command.size()), text);
+  return {result, text};
+}
+
+/// The ATR, or "no card" where Reset fails.
+std::string ResetText() {
+  char atr[1025];
+  return Reset(atr) == 1 ? atr : "no card";
+}
+
+class PcscReader : public ServiceTest {
+ protected:
+  void TearDown() override { CloseReader(); }
+
+  bool ResetBecomes(const std::string& expected) {
+    return WaitUntil([&] { return ResetText() == expected; });
+  }
+
+  void ExpectExchanges() {
+    const Response selected = Send(kSelectApplication);
+    EXPECT_EQ(selected.result, 1);
+    EXPECT_EQ(selected.text.substr(0, 2), "6F");
+    EXPECT_NE(selected.text.find("8408F04F5256414E4501"), std::string::npos) << selected.text;
+  }
+};
+
+TEST_F(PcscReader, IsListedAndOpensByPlaceAndName) {
+  ReaderInfo readers[16];
+  const int32_t count = GetReaderList(ReaderKindPcsc, readers, 0, 0);
+  ASSERT_GE(count, 2);
+  for (int32_t i = 0; i < count; i++) {
+    EXPECT_EQ(readers[i].kind, ReaderKindPcsc);
+    EXPECT_EQ(readers[i].hasPort, 0);
+    EXPECT_EQ(readers[i].port, 0);
+    EXPECT_EQ(OpenReader(i + 1, ReaderKindPcsc, 9600), 1) << readers[i].name;
+    EXPECT_EQ(OpenReaderA(readers[i].name, ReaderKindPcsc), 1) << readers[i].name;
+  }
+  EXPECT_EQ(OpenReader(0, ReaderKindPcsc, 9600), 0);
+  EXPECT_EQ(OpenReader(count + 1, ReaderKindPcsc, 9600), 0);
+  EXPECT_EQ(OpenReaderA("No such reader", ReaderKindPcsc), 0);
+  EXPECT_EQ(GetReaderList(ReaderKindPcsc, readers, 0, 1), 1);
+}
+
+TEST_F(PcscReader, OpensByPlaceTheReaderOfThatPlace) {
+  ASSERT_TRUE(card_.Insert());
+  ReaderInfo readers[16];
+  const int32_t count = GetReaderList(ReaderKindPcsc, readers, 0, 16);
+  for (int32_t i = 0; i < count; i++) {
+    const std::string name = readers[i].name;
+    if (name != kReader && name != kEmptyReader) continue;
+    ASSERT_EQ(OpenReader(i + 1, ReaderKindPcsc, 9600), 1);
+    EXPECT_TRUE(ResetBecomes(name == kReader ? card_.Atr() : "no card")) << name;
+  }
+}
+
+TEST_F(PcscReader, ExchangesCommands) {
+  ASSERT_TRUE(card_.Insert());
+  ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1);
+  ASSERT_TRUE(ResetBecomes(card_.Atr()));
+
+  ExpectExchanges();
+  const auto commands = card_.Commands();
+  ASSERT_EQ(commands.size(), 2U);
+  EXPECT_EQ(commands[0], kSelectApplication);
+  EXPECT_EQ(commands[1].substr(0, 8), "00C00000");
+
+  const Response unknown = Send(kSelectUnknown);
+  EXPECT_EQ(unknown.result, 0);
+  EXPECT_EQ(unknown.text, "6A82");
+
+  constexpr int kExchanges = 500;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < kExchanges; i++) {
+    const Response challenge = Send(kGetChallenge);
+    ASSERT_EQ(challenge.result, 1);
+    ASSERT_EQ(challenge.text.size(), 16U);
+  }
+  const std::chrono::duration<double, std::micro> taken = std::chrono::steady_clock::now() - start;
+  std::cout << "  " << taken.count() / kExchanges << " microseconds an exchange\n";
+}
+
+TEST_F(PcscReader, FindsACardThatWasPulledAndPutBack) {
+  ASSERT_TRUE(card_.Insert());
+  ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1);
+  ASSERT_TRUE(ResetBecomes(card_.Atr()));
+  for (int round = 0; round < 2; round++) {
+    card_.Pull();
+    EXPECT_EQ(Send(kGetChallenge).result, 0);
+    EXPECT_TRUE(ResetBecomes("no card"));
+    EXPECT_EQ(Send(kGetChallenge).result, 0);
+
+    ASSERT_TRUE(card_.Insert());
+    EXPECT_TRUE(ResetBecomes(card_.Atr()));
+    ExpectExchanges();
+  }
+}
+
+TEST_F(PcscReader, OpensEmptyAndFindsALaterCard) {
+  ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1);
+  EXPECT_EQ(ResetText(), "no card");
+  const Response none = Send(kGetChallenge);
+  EXPECT_EQ(none.result, 0);
+  EXPECT_EQ(none.text, "");
+
+  ASSERT_TRUE(card_.Insert());
+  EXPECT_TRUE(ResetBecomes(card_.Atr()));
+  ExpectExchanges();
+}
+
+TEST_F(PcscReader, SharesACardBetweenTwoReaders) {
+  ASSERT_TRUE(card_.Insert());
+  for (uint32_t index : {0U, 1U}) {
+    ASSERT_EQ(SetReader(index), 1);
+    ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1);
+    ASSERT_TRUE(ResetBecomes(card_.Atr()));
+  }
+  for (uint32_t index : {0U, 1U}) {
+    SetReader(index);
+    ExpectExchanges();
+    EXPECT_EQ(CloseReader(), 1);
+    EXPECT_EQ(ResetText(), "no card");
+  }
+}
+
+}  // namespace

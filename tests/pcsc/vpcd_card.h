@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/virtual_card.h"
+
+/// The virtual card in a slot of the virtual reader of vsmartcard-vpcd. The reader waits for its
+/// cards on a port of this machine; while a card is in, a thread of its own answers for it.
+class VpcdCard {
+ public:
+  static constexpr uint16_t kFirstSlotPort = 35963;
+
+  ~VpcdCard() { Pull(); }
+
+  /// Puts the card in, which is out. False if the reader does not take it within some seconds.
+  bool Insert();
+  /// Takes the card out, if it is in. The reader notices a little later.
+  void Pull();
+
+  std::string Atr() const;
+
+  /// The commands that reached the card so far, as hexadecimal text.
+  std::vector<std::string> Commands() const;
+
+ private:
+  void Serve();
+  std::optional<std::vector<uint8_t>> Answer(std::span<const uint8_t> message);
+  std::optional<std::vector<uint8_t>> Receive();
+  bool ReceiveAll(std::span<uint8_t> octets);
+  bool Send(const std::vector<uint8_t>& answer);
+
+  simulator::VirtualCard card_;
+  int socket_ = -1;
+  std::thread thread_;
+  mutable std::mutex mutex_;  // guards commands_
+  std::vector<std::string> commands_;
+};
