@@ -1,0 +1,43 @@
+#ifndef HOST_COMMAND_H
+#define HOST_COMMAND_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+// What a command's octets are: most readers take APDUs (ISO/IEC 7816-4), an encryption machine
+// takes whatever its protocol says.
+enum class Framing { kApdu, kRaw };
+
+// A command that may be sent.
+struct Command {
+  std::string digits;  // upper-case hexadecimal, two an octet, nothing else
+  Framing framing = Framing::kApdu;
+  // Of an APDU, counted in octets: behind the header and the length field, and behind the data.
+  // The data runs from the one to the other; Le, if any, stands behind it.
+  size_t dataBegin = 4;
+  size_t dataEnd = 4;
+  bool lengthFits = true;  // Lc says how long the data is. If not, all behind the header is data
+
+  size_t Octets() const { return digits.size() / 2; }
+  // The digits of the octets from begin to end.
+  std::string_view Part(size_t begin, size_t end) const;
+};
+
+// Takes hexadecimal text, blanks allowed, as a command. Throws Failure (kScriptFault) unless it is
+// whole octets and at least a header's four (kRaw: one). The message quotes nothing of the text.
+Command ReadCommand(std::string_view text, Framing framing);
+
+// True where the data field carries a PIN or a key, as far as the header tells.
+bool CarriesSecret(const Command& command);
+bool CarriesSecret(std::string_view classAndInstruction);  // the first four digits or more
+
+// The instruction's name in ISO/IEC 7816-4 or, for a proprietary class, in GlobalPlatform and EMV;
+// empty if it has none.
+std::string_view CommandName(const Command& command);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,37 @@
+#ifndef HOST_FAILURE_H
+#define HOST_FAILURE_H
+
+#include <stdexcept>
+#include <string>
+
+namespace host {
+
+// The program's exit codes; --help lists them.
+enum ExitCode {
+  kDone = 0,
+  kExpectationFailed = 1,
+  kUsageFault = 2,
+  kScriptFault = 3,
+  kReaderFault = 4,
+  kFileFault = 5,
+};
+
+// What ends a run: one message for the user, and the exit code that goes with it.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+  ExitCode Code() const { return code_; }
+
+ private:
+  ExitCode code_;
+};
+
+// A Failure of a script, whose message begins with FILE:LINE.
+class ScriptFailure : public Failure {
+ public:
+  using Failure::Failure;
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,107 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "host/failure.h"
+#include "host/options.h"
+#include "host/platform.h"
+#include "host/reader_list.h"
+#include "host/script.h"
+#include "host/session.h"
+#include "host/shell.h"
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+bool WantsColour(const Options& options) {
+  return options.colour == "auto" ? OutputTakesColour() : options.colour == "always";
+}
+
+void StoreDefinitions(const Options& options) {
+  for (const auto& [name, value] : Definitions(options)) SetVariable(name, value);
+}
+
+// What run, shell and apdu have in common: a session on the reader that was asked for.
+class Workplace {
+ public:
+  explicit Workplace(const Options& options, bool echoStatements = true)
+      : readers_(options.kind, options.simulate),
+        silent_(nullptr),
+        trace_(options.quiet ? silent_ : std::cout, WantsColour(options)),
+        session_(readers_, secrets_, trace_,
+                 {.showSecrets = options.showSecrets,
+                  .echoStatements = echoStatements,
+                  .noteDefaultReader = options.quiet && !options.simulate}) {
+    StoreDefinitions(options);
+    if (!options.reader.empty()) session_.Open(options.reader);
+  }
+
+  Session& Work() { return session_; }
+  void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
+  Secrets& Hidden() { return secrets_; }
+
+ private:
+  Readers readers_;
+  Secrets secrets_;
+  std::ostream silent_;
+  Trace trace_;
+  Session session_;
+};
+
+void RunFile(const Options& options) {
+  const Script script = ReadScript(options.file);
+  Workplace workplace(options);
+  workplace.Hidden().Learn(script.statements);
+  RunScriptFile(script, workplace.Work());
+}
+
+void SendCommands(const Options& options) {
+  Workplace workplace(options);
+  // All of them are read before the first one is sent.
+  for (const std::string& command : options.commands) workplace.Check(command);
+  workplace.Work().ResetCard();
+  for (const std::string& command : options.commands) workplace.Work().Send(command);
+}
+
+void StartShell(const Options& options) {
+  const bool interactive = InputIsTerminal();
+  Workplace workplace(options, !interactive);
+  RunShell(workplace.Work(), interactive);
+}
+
+void ShowReaders(const Options& options) {
+  if (options.simulate) LoadSimulators();
+  PrintReaders(std::cout, options.listedKind, options.ports);
+}
+
+int Main(int count, char** arguments) {
+  Options options;
+  CLI::App app;
+  DescribeOptions(app, options);
+  try {
+    app.parse(count, arguments);
+    if (app.got_subcommand("run")) RunFile(options);
+    if (app.got_subcommand("apdu")) SendCommands(options);
+    if (app.got_subcommand("shell")) StartShell(options);
+    if (app.got_subcommand("readers")) ShowReaders(options);
+    return kDone;
+  } catch (const CLI::Success& request) {
+    return app.exit(request);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "orvane: " << error.what() << "\nTry: orvane --help\n";
+    return kUsageFault;
+  } catch (const ScriptFailure& failure) {
+    std::cerr << failure.what() << '\n';
+    return failure.Code();
+  } catch (const Failure& failure) {
+    std::cerr << "orvane: " << failure.what() << '\n';
+    return failure.Code();
+  }
+}
+
+}  // namespace
+}  // namespace host
+
+int main(int count, char** arguments) { return host::Main(count, arguments); }

@@ -1,0 +1,136 @@
+#include "host/options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "host/reader_address.h"
+
+namespace host {
+namespace {
+
+constexpr const char* kFooter = R"text(
+Readers
+  READER is [KIND:]PORT or [KIND:]NAME: "3:ACS ACR122U 00 00", "5:100", "12:BSIT:2",
+  "10:192.168.1.9:8000". What is digits alone is a port. A name is looked for in the list
+  of its kind, first as it is written, then without regard to blanks (literals of a script
+  lose theirs), and is otherwise passed on as it stands. A name with parentheses or commas
+  reaches a script through a variable: -D R="Name (1)", then @OPENREADER(%R).
+  Where no reader is named, the program simulates: it opens "Simulated Reader 0" as soon as
+  a card is needed, and touches no hardware. Naming that reader has the same effect.
+
+Scripts
+  After a command %RESP holds the data of the answer and %SW its status word; after @reset()
+  %ATR holds the answer to reset. A status word that tells of an error does not stop a
+  script: @compare(%SW,9000,1) does. The whole file is checked before its first line runs.
+  @setreader(N) takes 0 to 15, @setslot(S) two hexadecimal digits.
+
+Secrets
+  Shown as **: the data of commands that carry PINs or keys, variables whose names say PIN,
+  PUK, KEY, PASSWORD or SECRET, and what is made from them.
+
+Exit codes
+  0  done
+  1  an expectation (@compare) did not hold
+  2  the command line is wrong
+  3  the script is wrong: an undefined variable, a command that is not hexadecimal, ...
+  4  reader or card trouble
+  5  the script file can't be read
+
+Try it
+  orvane run examples/payment.orv
+)text";
+
+constexpr const char* kShortFooter =
+    "\norvane --help tells how readers are named, what is hidden, and the exit codes.";
+
+std::string CheckKind(const std::string& text) {
+  for (const int32_t kind : ReaderKinds()) {
+    if (text == std::to_string(kind)) return "";
+  }
+  return "there is no reader kind " + text;
+}
+
+std::string CheckDefinition(const std::string& text) {
+  const size_t begin = text.starts_with('%') ? 1 : 0;
+  const size_t equals = text.find('=');
+  const bool usable =
+      equals != text.npos && equals > begin && text.find_first_of(" \t(),") >= equals;
+  return usable ? "" : "it takes NAME=VALUE, NAME without blanks, parentheses and commas";
+}
+
+void AddReader(CLI::App& command, Options& options) {
+  command.add_option("-r,--reader", options.reader, "Open this reader first")->type_name("READER");
+  command.add_option("-k,--kind", options.kind, "Kind of readers named without one (3: PC/SC)")
+      ->type_name("KIND")
+      ->check(CheckKind);
+  command.add_flag("--simulate", options.simulate,
+                   "Put simulators in the place of all vendor libraries");
+}
+
+void AddTrace(CLI::App& command, Options& options) {
+  command.add_option("--color", options.colour, "Colour: auto, always, never")
+      ->type_name("WHEN")
+      ->check(CLI::IsMember({"auto", "always", "never"}));
+  command.add_flag("--show-secrets", options.showSecrets, "Show PINs and keys");
+}
+
+void AddQuiet(CLI::App& command, Options& options) {
+  command.add_flag("-q,--quiet", options.quiet, "Show nothing but failures");
+}
+
+void AddDefinitions(CLI::App& command, Options& options) {
+  command.add_option("-D", options.definitions, "Set the variable %NAME; may be repeated")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false)
+      ->check(CheckDefinition);
+}
+
+}  // namespace
+
+void DescribeOptions(CLI::App& app, Options& options) {
+  app.name("orvane");
+  app.description("Runs card scripts and APDUs against smart-card readers.");
+  app.footer(kShortFooter);  // what the subcommands inherit
+  app.require_subcommand(1);
+
+  CLI::App& run = *app.add_subcommand("run", "Run a script, one statement a line");
+  run.add_option("FILE", options.file, "The script; - is standard input")->required();
+  AddDefinitions(run, options);
+  AddReader(run, options);
+  AddTrace(run, options);
+  AddQuiet(run, options);
+
+  CLI::App& apdu = *app.add_subcommand("apdu", "Reset the card and send APDUs to it");
+  apdu.add_option("HEX", options.commands, "One APDU an argument; blanks are allowed")->required();
+  AddReader(apdu, options);
+  AddTrace(apdu, options);
+
+  CLI::App& shell = *app.add_subcommand("shell", "Take statements interactively");
+  AddDefinitions(shell, options);
+  AddReader(shell, options);
+  AddTrace(shell, options);
+
+  CLI::App& readers = *app.add_subcommand("readers", "List readers");
+  readers.add_option("-k,--kind", options.listedKind, "List this kind alone")
+      ->type_name("KIND")
+      ->check(CheckKind);
+  readers
+      .add_option("--ports", options.ports,
+                  "Also offer this many ports of the kinds whose "
+                  "ports can't be asked for")
+      ->type_name("N")
+      ->check(CLI::Range(1, 256));
+  readers.add_flag("--simulate", options.simulate, "List the simulated readers");
+  app.footer(kFooter);
+}
+
+std::vector<std::pair<std::string, std::string>> Definitions(const Options& options) {
+  std::vector<std::pair<std::string, std::string>> variables;
+  for (const std::string& text : options.definitions) {
+    const size_t equals = text.find('=');
+    const std::string name = text.substr(0, equals);
+    variables.emplace_back(name.starts_with('%') ? name : "%" + name, text.substr(equals + 1));
+  }
+  return variables;
+}
+
+}  // namespace host

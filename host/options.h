@@ -1,0 +1,38 @@
+#ifndef HOST_OPTIONS_H
+#define HOST_OPTIONS_H
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace host {
+
+// What the command line says.
+struct Options {
+  std::string file;                   // run
+  std::vector<std::string> commands;  // apdu
+  int32_t listedKind = 0;             // readers; 0 is all of them
+  int32_t ports = 0;                  // readers
+  std::string reader;                 // empty: none is named
+  int32_t kind = 3;
+  std::vector<std::string> definitions;  // NAME=VALUE
+  std::string colour = "auto";
+  bool simulate = false;
+  bool quiet = false;
+  bool showSecrets = false;
+};
+
+// Adds all subcommands and options, with their help, to the parser.
+void DescribeOptions(CLI::App& app, Options& options);
+
+// The definitions as variables, their names with the % of scripts.
+std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,16 @@
+#ifndef HOST_READER_LIST_H
+#define HOST_READER_LIST_H
+
+#include <cstdint>
+#include <ostream>
+
+namespace host {
+
+// Prints the readers of one kind, or of all kinds for kind 0, in the form that --reader takes. All
+// kinds means those that know which readers are there; with ports above 0 also the others, with
+// that many ports each.
+void PrintReaders(std::ostream& out, int32_t kind, int32_t ports);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,142 @@
+#include "host/readers.h"
+
+#include <orvane.h>
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+
+#include "host/failure.h"
+#include "host/platform.h"
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+constexpr int32_t kBaudRate = 9600;
+constexpr int32_t kMostListed = 64;
+
+std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> modules;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    if (entry.path().extension() == ModuleExtension()) modules.push_back(entry.path());
+  }
+  std::sort(modules.begin(), modules.end());
+  return modules;
+}
+
+// What could have been meant instead of a reader that does not open.
+std::string Hint(const ReaderAddress& address) {
+  if (address.kind != ReaderKindPcsc) return "";
+  std::string names;
+  for (const std::string& name : ListReaders(address.kind, 0)) {
+    names += (names.empty() ? "" : ", ") + Printable(name);
+  }
+  return names.empty() ? "; no PC/SC reader is there" : "; there is: " + names;
+}
+
+}  // namespace
+
+void LoadSimulators() {
+  const std::filesystem::path beside = ProgramFolder() / "simulators";
+  for (const auto& folder : {beside, ProgramFolder().parent_path() / "lib/orvane/simulators"}) {
+    const auto modules = ModulesIn(folder);
+    for (const auto& module : modules) {
+      if (!LoadModule(module)) throw Failure(kReaderFault, "can't load " + module.string());
+    }
+    if (!modules.empty()) return;
+  }
+  throw Failure(kReaderFault, "there are no simulators in " + beside.string());
+}
+
+std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
+  // Room for what any kind may write: the ports and one USB reader, or 16, or the limit.
+  std::vector<ReaderInfo> list(static_cast<size_t>(std::max(ports + 1, kMostListed)));
+  const int32_t limit = static_cast<int32_t>(list.size());
+  const int32_t count = GetReaderList(kind, list.data(), ports, limit);
+  std::vector<std::string> names;
+  for (int32_t at = 0; at < count; ++at) names.emplace_back(list[static_cast<size_t>(at)].name);
+  return names;
+}
+
+Readers::~Readers() {
+  for (size_t number = 0; number < kinds_.size(); ++number) {
+    if (!kinds_[number]) continue;
+    SetReader(static_cast<uint32_t>(number));
+    CloseReader();
+  }
+}
+
+Framing Readers::CurrentFraming() const {
+  return kinds_[current_].value_or(defaultKind_) == ReaderKindTcp ? Framing::kRaw : Framing::kApdu;
+}
+
+void Readers::Select(std::string_view number) {
+  size_t index = kinds_.size();
+  if (IsDecimal(number)) std::from_chars(number.data(), number.data() + number.size(), index);
+  if (index >= kinds_.size() || SetReader(static_cast<uint32_t>(index)) == 0) {
+    throw Failure(kReaderFault,
+                  "there is no reader number \"" + Printable(number) + "\": they run from 0 to 15");
+  }
+  current_ = index;
+}
+
+void Readers::Prepare(const ReaderAddress& address) {
+  if (used_) return;
+  used_ = true;
+  simulated_ = simulate_ || NamesSimulator(address);
+  if (simulated_) LoadSimulators();
+}
+
+ReaderAddress Readers::Open(std::string_view text) {
+  ReaderAddress address = ReadReaderAddress(text, defaultKind_);
+  Prepare(address);
+  if (kinds_[current_]) CloseReader();
+  kinds_[current_].reset();
+  if (!address.port) address.name = MatchReaderName(address.name, ListReaders(address.kind, 0));
+  const int32_t opened = address.port ? OpenReader(*address.port, address.kind, kBaudRate)
+                                      : OpenReaderA(address.name.c_str(), address.kind);
+  if (opened == 0) {
+    throw Failure(kReaderFault, "can't open the reader " + address.Shown() + Hint(address));
+  }
+  kinds_[current_] = address.kind;
+  return address;
+}
+
+int32_t Readers::OpenKind() const {
+  if (kinds_[current_]) return *kinds_[current_];
+  throw Failure(kReaderFault, "reader " + std::to_string(current_) +
+                                  " is not open: open it with @OPENREADER(...)");
+}
+
+void Readers::ChooseSlot(const std::string& slot) {
+  OpenKind();
+  // The library takes a single digit for the high half: "1" would be slot 16.
+  if (slot.size() != 2 || !IsHexDigit(slot[0]) || !IsHexDigit(slot[1])) {
+    throw Failure(kScriptFault, "a slot is two hexadecimal digits, such as 00 or 0C, not \"" +
+                                    Printable(slot) + "\"");
+  }
+  ChangeSlot(slot.c_str());
+}
+
+std::string Readers::ResetCard() {
+  OpenKind();
+  std::array<char, 1025> atr{};
+  if (Reset(atr.data()) == 0) {
+    throw Failure(kReaderFault, "no answer to reset: is a card in the reader?");
+  }
+  return atr.data();
+}
+
+Answer Readers::Send(const Command& command) {
+  const int32_t kind = OpenKind();
+  std::array<char, 8193> text{};
+  const int32_t length = static_cast<int32_t>(command.digits.size());
+  const int32_t result = SendCommand(command.digits.c_str(), length, text.data());
+  const std::optional<Answer> answer = ReadAnswer(kind, result, text.data());
+  if (!answer) throw Failure(kReaderFault, "no answer from the card or its reader");
+  return *answer;
+}
+
+}  // namespace host

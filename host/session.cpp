@@ -1,0 +1,157 @@
+#include "host/session.h"
+
+#include <orvane.h>
+
+#include <iostream>
+
+#include "host/failure.h"
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+constexpr std::string_view kDefaultReader = "3:Simulated Reader 0";
+constexpr std::string_view kHidden = "**";
+
+std::string HeadingText(std::string_view statement) {
+  const size_t dollar = statement.find('$');
+  const size_t text = statement.find_first_not_of(" \t", dollar + 1);
+  return std::string(text == statement.npos ? "" : statement.substr(text));
+}
+
+}  // namespace
+
+bool Session::Hides(const Statement& statement) const {
+  return !settings_.showSecrets && secrets_.Touches(statement);
+}
+
+void Session::Echo(std::optional<size_t> line, std::string_view shown) {
+  if (settings_.echoStatements) trace_.Statement(line, shown);
+}
+
+bool Session::Run(const Statement& statement, std::optional<size_t> line) {
+  if (statement.form == Form::kNothing) return true;
+  if (statement.form == Form::kHeading) {
+    trace_.Heading(HeadingText(statement.text));
+    return true;
+  }
+  const Result result = host::Run(statement);
+  switch (result.code) {
+    case KindAssignment:
+      Assign(statement, line, result.text);
+      return true;
+    case KindExpression:
+      SendFrom(statement, line, result.text);
+      return true;
+    case KindCompare:
+      Compare(statement, line, result.text == "1");
+      return true;
+  }
+  if (result.code == KindReset || result.code == KindSetSlot) OpenDefault();
+  Echo(line, statement.text);
+  switch (result.code) {
+    case KindSetReader:
+      readers_.Select(result.text);
+      return true;
+    case KindSetSlot:
+      readers_.ChooseSlot(result.text);
+      return true;
+    case KindReset:
+      ResetCard();
+      return true;
+    case KindOpenReader:
+      Open(result.text);
+      return true;
+    case KindStop:
+      return false;
+  }
+  throw Failure(kScriptFault, "the library gave code " + std::to_string(result.code));
+}
+
+void Session::Assign(const Statement& statement, std::optional<size_t> line,
+                     const std::string& value) {
+  const bool hide = Hides(statement);
+  secrets_.Follow(statement);
+  Echo(line, hide ? MaskLiterals(statement, 0) : statement.text);
+  const bool plain = statement.end == statement.value + 1 &&
+                     statement.words[statement.value].kind == WordKind::kLiteral;
+  if (!plain) trace_.Value(hide ? kHidden : value);
+}
+
+void Session::Show(const Statement& expression) {
+  CheckOperands(expression);
+  const std::string value = Evaluate(expression.text);
+  Echo(std::nullopt, Hides(expression) ? MaskLiterals(expression, 0) : expression.text);
+  trace_.Value(Hides(expression) ? kHidden : value);
+}
+
+void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
+                       std::string_view digits) {
+  OpenDefault();
+  const Command command = ReadCommand(digits, readers_.CurrentFraming());
+  const bool hide = !settings_.showSecrets && (CarriesSecret(command) || Hides(statement));
+  Echo(line, hide ? MaskLiterals(statement, 2 * command.dataBegin) : statement.text);
+  Exchange(command, hide);
+}
+
+void Session::Send(std::string_view digits) {
+  const Command command = ReadCommand(digits, readers_.CurrentFraming());
+  Exchange(command, !settings_.showSecrets && CarriesSecret(command));
+}
+
+void Session::Exchange(const Command& command, bool hide) {
+  trace_.Command(command, hide);
+  const Answer answer = readers_.Send(command);
+  ++commands_;
+  SetVariable("%RESP", answer.data);
+  SetVariable("%SW", answer.statusWord);
+  trace_.Answer(answer);
+}
+
+void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {
+  const std::vector<std::string_view> arguments = Arguments(statement, statement.calls.back());
+  const bool hide = Hides(statement);
+  const std::string shown = hide ? MaskLiterals(statement, 0) : statement.text;
+  const std::string left = Evaluate(arguments[0]);
+  const std::string right = Evaluate(arguments[1]);
+  const std::string expected = Evaluate(arguments[2]);
+  Echo(line, shown);
+  if (expected != "0" && expected != "1") {
+    throw Failure(kScriptFault, "@compare expects 1 (equal) or 0 (different) as third argument");
+  }
+  const std::string_view shownLeft = hide ? kHidden : std::string_view(left);
+  const std::string_view shownRight = hide ? kHidden : std::string_view(right);
+  trace_.Expectation(shownLeft, shownRight, held == (expected == "1"), held);
+  if (held) {
+    ++expectations_;
+    return;
+  }
+  throw Failure(kExpectationFailed, "not as expected: " + Printable(shown) + "\n  left   " +
+                                        Printable(shownLeft) + "\n  right  " +
+                                        Printable(shownRight) + "\n  they should " +
+                                        (expected == "1" ? "be equal" : "differ"));
+}
+
+void Session::OpenDefault() {
+  if (readers_.Used()) return;
+  if (settings_.noteDefaultReader) {
+    std::cerr << "orvane: no reader is named; running on a simulated card\n";
+  }
+  Open(kDefaultReader);
+}
+
+void Session::Open(std::string_view address) {
+  const ReaderAddress opened = readers_.Open(address);
+  trace_.Reader(opened.Shown(), readers_.Simulated());
+}
+
+void Session::ResetCard() {
+  OpenDefault();
+  const std::string atr = readers_.ResetCard();
+  SetVariable("%ATR", atr);
+  trace_.Atr(atr);
+}
+
+void Session::Summarise() { trace_.Summary(commands_, expectations_); }
+
+}  // namespace host

@@ -1,0 +1,64 @@
+#ifndef HOST_SESSION_H
+#define HOST_SESSION_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/engine.h"
+#include "host/readers.h"
+#include "host/secrets.h"
+#include "host/statement.h"
+#include "host/trace.h"
+
+namespace host {
+
+// Carries out statements: runs each in the library's script engine, does the card work it asks for,
+// and stores the outcome as %RESP, %SW and %ATR. Everything that goes wrong is thrown as Failure.
+class Session {
+ public:
+  struct Settings {
+    bool showSecrets = false;
+    bool echoStatements = true;
+    bool noteDefaultReader = false;  // on standard error, where the trace is not shown
+  };
+
+  Session(Readers& readers, Secrets& secrets, Trace& trace, Settings settings)
+      : readers_(readers), secrets_(secrets), trace_(trace), settings_(settings) {}
+
+  // False if the statement was the script's end.
+  bool Run(const Statement& statement, std::optional<size_t> line);
+
+  // Shows the value of an expression and sends nothing.
+  void Show(const Statement& expression);
+
+  void Open(std::string_view address);
+  void ResetCard();
+  // Sends a command that no statement gave.
+  void Send(std::string_view digits);
+
+  // True if the trace may not show this statement as it stands.
+  bool Hides(const Statement& statement) const;
+
+  void Summarise();
+
+ private:
+  void Echo(std::optional<size_t> line, std::string_view shown);
+  void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
+  void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);
+  void Exchange(const Command& command, bool hide);
+  void Compare(const Statement& statement, std::optional<size_t> line, bool held);
+  void OpenDefault();
+
+  Readers& readers_;
+  Secrets& secrets_;
+  Trace& trace_;
+  Settings settings_;
+  size_t commands_ = 0;
+  size_t expectations_ = 0;
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,66 @@
+#include "host/shell.h"
+
+#include <iostream>
+
+#include "host/failure.h"
+#include "host/platform.h"
+
+namespace host {
+namespace {
+
+constexpr std::string_view kHelp =
+    "  00 A4 04 00 %LEN %AID     a line that begins with a plain word is a command to the card\n"
+    "  %NAME = operands          stores a variable; %RESP, %SW and %ATR hold what the card gave\n"
+    "  %NAME, @xor(%A, %B)       a line that begins with a variable or a function shows its value\n"
+    "  send %NAME ...            sends that value instead\n"
+    "  @OPENREADER(reader)  @setreader(number)  @setslot(slot)  @reset()\n"
+    "  @compare(left, right, 1)  says whether they are equal; with 0, whether they differ\n"
+    "  help, quit\n";
+
+// In a script such a line is a command to the card. Here it is what one types to look at a value,
+// and a value that was meant to be looked at must not reach a card.
+bool OnlyLooks(const Statement& statement) {
+  return statement.form == Form::kExpression && statement.words[0].kind != WordKind::kLiteral &&
+         !(statement.calls.size() > 0 && statement.calls.back().forHost);
+}
+
+std::optional<std::string> NextLine(bool interactive) {
+  if (interactive) return EditLine("orvane> ");
+  std::string line;
+  if (!std::getline(std::cin, line)) return std::nullopt;
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
+bool RunLine(Session& session, const std::string& line, bool interactive) {
+  constexpr std::string_view kSend = "send ";
+  const bool send = line.starts_with(kSend);
+  const Statement statement = ReadStatement(send ? line.substr(kSend.size()) : line);
+  // A remembered line comes back to the screen.
+  if (interactive && !line.empty() && !session.Hides(statement)) RememberLine(line);
+  if (!send && OnlyLooks(statement)) {
+    session.Show(statement);
+    return true;
+  }
+  return session.Run(statement, std::nullopt);
+}
+
+}  // namespace
+
+void RunShell(Session& session, bool interactive) {
+  if (interactive) std::cout << "Statements of the card script; help, quit\n";
+  while (const std::optional<std::string> line = NextLine(interactive)) {
+    if (*line == "quit" || *line == "exit") break;
+    if (*line == "help") {
+      std::cout << kHelp;
+      continue;
+    }
+    try {
+      if (!RunLine(session, *line, interactive)) break;
+    } catch (const Failure& failure) {
+      std::cerr << "orvane: " << failure.what() << '\n';
+    }
+  }
+}
+
+}  // namespace host

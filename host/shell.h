@@ -1,0 +1,14 @@
+#ifndef HOST_SHELL_H
+#define HOST_SHELL_H
+
+#include "host/session.h"
+
+namespace host {
+
+// Takes statements from standard input until its end, @stop() or quit. A failed one is told on
+// standard error, and the next one is taken.
+void RunShell(Session& session, bool interactive);
+
+}  // namespace host
+
+#endif

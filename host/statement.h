@@ -1,0 +1,60 @@
+#ifndef HOST_STATEMENT_H
+#define HOST_STATEMENT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+// What a word of the language is; its first character decides.
+enum class WordKind { kVariable, kLiteral, kCall, kComma, kOpen, kClose, kEquals, kDollar };
+
+struct Word {
+  WordKind kind;
+  std::string text;  // literals side by side are one word, without the blanks between them
+  size_t begin;      // its place in the statement, blanks included
+  size_t end;
+};
+
+// One call of a command, from its keyword to its closing parenthesis.
+struct Call {
+  std::string keyword;  // in upper case
+  bool forHost;         // asks the host to act
+  size_t first;         // index of its first and last word
+  size_t last;
+};
+
+enum class Form {
+  kNothing,  // a comment, or nothing but blanks
+  kHeading,  // begins with $
+  kAssignment,
+  kExpression,
+};
+
+// One statement that is sure to be complete. The library runs malformed statements as far as they
+// go and says nothing about it, so that half a command could reach a card; a Statement has every
+// command of it spelled right, with its parentheses and its number of arguments, and nothing that
+// the library would pass over.
+struct Statement {
+  std::string text;
+  Form form = Form::kNothing;
+  std::vector<Word> words;
+  size_t value = 0;         // index of the first word behind the = of an assignment, else 0
+  size_t end = 0;           // index behind the last word that is evaluated
+  std::vector<Call> calls;  // an inner call stands before the outer one
+
+  // The source text from one word to another, both included.
+  std::string_view Source(size_t first, size_t last) const;
+};
+
+// Reads one line without its line end. Throws Failure (kScriptFault) with what is wrong with it.
+Statement ReadStatement(std::string_view line);
+
+// The source texts of a call's arguments.
+std::vector<std::string_view> Arguments(const Statement& statement, const Call& call);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,32 @@
+#ifndef HOST_TEXT_H
+#define HOST_TEXT_H
+
+#include <string>
+#include <string_view>
+
+namespace host {
+
+bool IsDigit(char c);     // 0 to 9
+bool IsHexDigit(char c);  // in either case
+
+// True for one or more digits and nothing else.
+bool IsDecimal(std::string_view text);
+
+// Changes a to z and no other byte, as the language does.
+std::string UpperCase(std::string_view text);
+
+// The text without its blanks (0x20).
+std::string WithoutBlanks(std::string_view text);
+
+// The text with control characters as dots: what comes from a card must not steer a terminal.
+std::string Printable(std::string_view text);
+
+// Hexadecimal digits as octets with a blank between two: "00A4" as "00 A4".
+std::string SpacedOctets(std::string_view digits);
+
+// 1, "byte" as "1 byte"; 2, "byte" as "2 bytes".
+std::string Counted(size_t count, const std::string& noun);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,135 @@
+#include "host/trace.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <iomanip>
+
+#include "host/status_word.h"
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+constexpr int kLineWidth = 4;
+constexpr int kLabelWidth = 5;
+constexpr std::string_view kIndent = "      ";  // the line number and the gap behind it
+constexpr size_t kRowOctets = 16;
+
+std::string AsCharacters(std::string_view digits) {
+  std::string characters;
+  for (size_t at = 0; at + 1 < digits.size(); at += 2) {
+    unsigned octet = 0;
+    std::from_chars(digits.data() + at, digits.data() + at + 2, octet, 16);
+    characters += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
+  }
+  return characters;
+}
+
+// Header, length field, data and Le, set apart. Data that needs rows of its own is left out.
+std::string Grouped(const Command& command, bool hideData) {
+  const size_t data = command.dataEnd - command.dataBegin;
+  std::string text = SpacedOctets(command.Part(0, std::min<size_t>(4, command.dataBegin)));
+  const auto add = [&text](const std::string& part) {
+    if (!part.empty()) text += "  " + part;
+  };
+  if (command.dataBegin > 4) add(SpacedOctets(command.Part(4, command.dataBegin)));
+  if (data > 0 && hideData) add("** (" + Counted(data, "byte") + ")");
+  if (!hideData && data <= kRowOctets) {
+    add(SpacedOctets(command.Part(command.dataBegin, command.dataEnd)));
+  }
+  if (hideData || data <= kRowOctets) {
+    add(SpacedOctets(command.Part(command.dataEnd, command.Octets())));
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string Trace::Paint(Colour colour, std::string_view text) const {
+  constexpr std::array<std::string_view, 7> kSequences = {"", "1", "2", "32", "33", "31", "36"};
+  const std::string_view sequence = kSequences[static_cast<size_t>(colour)];
+  if (!colour_ || sequence.empty() || text.empty()) return std::string(text);
+  return "\x1b[" + std::string(sequence) + "m" + std::string(text) + "\x1b[0m";
+}
+
+void Trace::Detail(Colour colour, std::string_view label, std::string_view text) {
+  std::string padded(label);
+  padded.resize(kLabelWidth, ' ');
+  out_ << kIndent << Paint(colour, padded) << text << '\n' << std::flush;
+}
+
+void Trace::Rows(Colour colour, std::string_view label, std::string_view digits) {
+  for (size_t at = 0; at < digits.size(); at += 2 * kRowOctets) {
+    const std::string_view row = digits.substr(at, 2 * kRowOctets);
+    std::string octets = SpacedOctets(row);
+    octets.resize(3 * kRowOctets + 1, ' ');
+    Detail(colour, at == 0 ? label : "", octets + Paint(Colour::kDim, AsCharacters(row)));
+  }
+}
+
+void Trace::Reader(const std::string& reader, bool simulated) {
+  const std::string note = simulated ? ", simulated: no hardware is touched" : "";
+  out_ << kIndent << Paint(Colour::kBold, "reader " + reader) << Paint(Colour::kDim, note) << '\n'
+       << std::flush;
+}
+
+void Trace::Heading(std::string_view text) {
+  out_ << '\n' << Paint(Colour::kBold, Printable(text)) << '\n' << std::flush;
+}
+
+void Trace::Statement(std::optional<size_t> line, std::string_view statement) {
+  if (line) {
+    const std::string number = std::to_string(*line);
+    out_ << std::string(kLineWidth - std::min<size_t>(kLineWidth, number.size()), ' ')
+         << Paint(Colour::kDim, number) << "  ";
+  } else {
+    out_ << kIndent;
+  }
+  out_ << Printable(statement) << '\n' << std::flush;
+}
+
+void Trace::Value(std::string_view value) { Detail(Colour::kDim, "=", Printable(value)); }
+
+void Trace::Atr(std::string_view digits) { Detail(Colour::kCyan, "ATR", SpacedOctets(digits)); }
+
+void Trace::Command(const host::Command& command, bool hideData) {
+  const std::string name(CommandName(command));
+  std::string text = Grouped(command, hideData);
+  if (!name.empty()) text += "   " + Paint(Colour::kDim, name);
+  Detail(Colour::kCyan, ">>", text);
+  if (!hideData && command.dataEnd - command.dataBegin > kRowOctets) {
+    Rows(Colour::kCyan, "", command.Part(command.dataBegin, command.dataEnd));
+    const std::string expected = SpacedOctets(command.Part(command.dataEnd, command.Octets()));
+    if (!expected.empty()) Detail(Colour::kCyan, "", expected);
+  }
+  if (!command.lengthFits) {
+    Detail(Colour::kYellow, "", Paint(Colour::kYellow, "Lc does not agree with the data's length"));
+  }
+}
+
+void Trace::Answer(const host::Answer& answer) {
+  if (!answer.data.empty()) Rows(Colour::kCyan, "<<", answer.data);
+  if (answer.statusWord.empty()) return;
+  const Standing standing = StandingOf(answer.statusWord);
+  const Colour colour = standing == Standing::kSuccess   ? Colour::kGreen
+                        : standing == Standing::kWarning ? Colour::kYellow
+                                                         : Colour::kRed;
+  Detail(colour, "SW",
+         Paint(colour, answer.statusWord) + "  " + DescribeStatusWord(answer.statusWord));
+}
+
+void Trace::Expectation(std::string_view left, std::string_view right, bool equal, bool held) {
+  const Colour colour = held ? Colour::kGreen : Colour::kRed;
+  Detail(colour, held ? "ok" : "FAIL",
+         Printable(left) + (equal ? " = " : " is not ") + Printable(right));
+}
+
+void Trace::Summary(size_t commands, size_t expectations) {
+  out_ << '\n'
+       << Paint(Colour::kGreen, "done") << "  " << Counted(commands, "command") << " sent, "
+       << Counted(expectations, "expectation") << " met\n"
+       << std::flush;
+}
+
+}  // namespace host

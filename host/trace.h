@@ -1,0 +1,46 @@
+#ifndef HOST_TRACE_H
+#define HOST_TRACE_H
+
+#include <cstddef>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "host/answer.h"
+#include "host/command.h"
+
+namespace host {
+
+// Shows what happens, for a reader who knows cards. It is told what must be hidden; it decides
+// nothing itself.
+class Trace {
+ public:
+  // Colour sequences are written if colour is true. A stream without a buffer shows nothing.
+  Trace(std::ostream& out, bool colour) : out_(out), colour_(colour) {}
+
+  void Reader(const std::string& reader, bool simulated);
+  void Heading(std::string_view text);
+  // With its line number where it has one.
+  void Statement(std::optional<size_t> line, std::string_view statement);
+  void Value(std::string_view value);
+  void Atr(std::string_view digits);
+  void Command(const host::Command& command, bool hideData);
+  void Answer(const host::Answer& answer);
+  void Expectation(std::string_view left, std::string_view right, bool equal, bool held);
+  void Summary(size_t commands, size_t expectations);
+
+ private:
+  enum class Colour { kPlain, kBold, kDim, kGreen, kYellow, kRed, kCyan };
+
+  std::string Paint(Colour colour, std::string_view text) const;
+  void Detail(Colour colour, std::string_view label, std::string_view text);
+  void Rows(Colour colour, std::string_view label, std::string_view digits);
+
+  std::ostream& out_;
+  bool colour_;
+};
+
+}  // namespace host
+
+#endif

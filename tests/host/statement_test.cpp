@@ -1,0 +1,105 @@
+#include "host/statement.h"
+
+#include <gtest/gtest.h>
+
+#include "host/failure.h"
+
+namespace host {
+namespace {
+
+std::string Words(const Statement& statement) {
+  std::string words;
+  for (const Word& word : statement.words) words += (words.empty() ? "" : "|") + word.text;
+  return words;
+}
+
+struct Row {
+  std::string_view line;
+  Form form;
+  std::string_view words;
+};
+
+TEST(Statement, IsReadAsTheLibraryReadsIt) {
+  const Row rows[] = {
+      {"", Form::kNothing, ""},
+      {" \t ", Form::kNothing, ""},
+      {"  // (text", Form::kNothing, ""},
+      {"; @nosuch", Form::kNothing, ""},
+      {"$ any (text", Form::kHeading, "$|any|(|text"},
+      {"00 A4\t%X 00", Form::kExpression, "00A4|%X|00"},
+      {"00 ; text", Form::kExpression, "00;text"},
+      {"%A=12", Form::kAssignment, "%A|=|12"},
+      {"A B = 1", Form::kAssignment, "AB|=|1"},
+      {"A=B=C", Form::kAssignment, "A|=|B=C"},
+      {"A B C=D", Form::kExpression, "ABC=D"},
+      {"%A = @StrMid( %B 00 , 1 2,2)", Form::kAssignment, "%A|=|@StrMid|(|%B|00|,|12|,|2|)"},
+      {"@strlen(@xor(A,B) C)", Form::kExpression, "@strlen|(|@xor|(|A|,|B|)|C|)"},
+      {"@RESET( )", Form::kExpression, "@RESET|(|)"},
+      {"@compare(%A,B,1) ; what (stands here, is not read", Form::kExpression,
+       "@compare|(|%A|,|B|,|1|)|;what|(|standshere|,|isnotread"},
+  };
+  for (const Row& row : rows) {
+    const Statement statement = ReadStatement(row.line);
+    EXPECT_EQ(statement.form, row.form) << row.line;
+    EXPECT_EQ(Words(statement), row.words) << row.line;
+  }
+}
+
+TEST(Statement, IsRefusedWhereTheLibraryWouldPassOverSomething) {
+  const std::pair<std::string_view, std::string_view> rows[] = {
+      {"( 00", "begin"},
+      {" , 00", "begin"},
+      {") 00", "begin"},
+      {"00A4,0400", "\",\" has no meaning"},
+      {"00A4 (0400)", "\"(\" has no meaning"},
+      {"00A4 $X", "\"$\" has no meaning"},
+      {"%A B = 1", "\"=\" has no meaning"},
+      {"%A =", "nothing stands behind"},
+      {"=", "nothing stands behind"},
+      {"00A4 @nosuch(1)", "unknown command @nosuch"},
+      {"@strlen", "@strlen has no \"(\""},
+      {"00A4 @strlen %A", "@strlen has no \"(\""},
+      {"@strlen(AB", "not closed"},
+      {"@strlen(AB,CD)", "takes 1 argument"},
+      {"@strlen()", "takes 1 argument"},
+      {"@strmid(AB,1)", "takes 3 arguments"},
+      {"@strmid(AB,,1)", "takes 3 arguments"},
+      {"@reset(1)", "takes no arguments"},
+      {"00A4 @reset()", "must stand alone"},
+      {"%A = @compare(1,1,1)", "must stand alone"},
+      {"@strlen(@compare(1,1,1))", "must stand alone"},
+      {std::string_view("00A4\0"
+                        "0400",
+                        9),
+       "zero byte"},
+  };
+  for (const auto& [line, message] : rows) {
+    try {
+      ReadStatement(line);
+      ADD_FAILURE() << line << " was taken";
+    } catch (const Failure& failure) {
+      EXPECT_NE(std::string_view(failure.what()).find(message), std::string_view::npos)
+          << line << ": " << failure.what();
+    }
+  }
+}
+
+TEST(Statement, RefusesNestingThatTheLibraryRefuses) {
+  const auto nested = [](size_t depth) {
+    std::string text;
+    for (size_t level = 0; level < depth; ++level) text += "@strlen(";
+    return text + "AB" + std::string(depth, ')');
+  };
+  EXPECT_EQ(ReadStatement(nested(128)).calls.size(), 128u);
+  EXPECT_THROW(ReadStatement(nested(129)), Failure);
+  EXPECT_THROW(ReadStatement(nested(100000)), Failure);
+}
+
+TEST(Statement, GivesTheArgumentsOfACall) {
+  const Statement statement = ReadStatement("@compare( @xor(1,2) 3 4, %B,1) x");
+  const std::vector<std::string_view> expected = {"@xor(1,2) 3 4", "%B", "1"};
+  EXPECT_EQ(Arguments(statement, statement.calls.back()), expected);
+}
+
+}  // namespace
+}  // namespace host
