@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "commands/crypto_commands.h"
 #include "commands/data_commands.h"
 #include "commands/reader_commands.h"
 #include "commands/text_commands.h"
@@ -25,10 +26,16 @@ constexpr std::array<CommandBody, kCommandCount> MakeBodies() {
   bodies[kSetSlot] = SetSlotRequest;
   bodies[kStrLen] = StrLen;
   bodies[kStrLenH] = StrLenH;
+  bodies[kDes] = Des;
+  bodies[kDesCbc] = DesCbc;
+  bodies[kMac] = Mac;
   bodies[kXor] = Xor;
   bodies[kAscToHex] = AscToHex;
   bodies[kHexToAsc] = HexToAsc;
+  bodies[kSubKey] = SubKey;
   bodies[kOpenReader] = OpenReaderRequest;
+  bodies[kRsaPubEnc] = RsaPubEnc;
+  bodies[kHash] = Hash;
   return bodies;
 }
 

@@ -12,10 +12,8 @@ std::string Octets(const std::string& hex) {
   return octets;
 }
 
-std::string HexText(const std::string& octets) {
-  std::string text(2 * octets.size(), '\0');
-  EncodeHex(reinterpret_cast<const unsigned char*>(octets.data()), octets.size(), text.data());
-  return text;
+std::string TextOf(const std::string& octets) {
+  return HexText(reinterpret_cast<const unsigned char*>(octets.data()), octets.size());
 }
 
 }  // namespace
@@ -36,7 +34,7 @@ bool Xor(Call& call) {
   for (std::size_t i = 0; i < dataBytes; ++i) {
     folded[i % maskBytes] = static_cast<char>(folded[i % maskBytes] ^ blocks[i]);
   }
-  call.out = HexText(folded);
+  call.out = TextOf(folded);
   call.Close();
   return true;
 }
@@ -45,7 +43,7 @@ bool AscToHex(Call& call) {
   std::string text;
   if (!call.Read(text)) return false;
   call.Close();
-  call.out = HexText(text);
+  call.out = TextOf(text);
   return true;
 }
 

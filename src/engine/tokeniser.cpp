@@ -28,7 +28,8 @@ constexpr auto kTokenClasses = MakeTokenClasses();
 constexpr std::array<bool, 256> MakeWordCharacters() {
   std::array<bool, 256> characters;
   characters.fill(true);
-  for (const unsigned char c : {' ', '\t', '=', '(', ')', ',', '/', ';'}) characters[c] = false;
+  for (const char c : std::string_view(" \t=(),/;"))
+    characters[static_cast<unsigned char>(c)] = false;
   return characters;
 }
 

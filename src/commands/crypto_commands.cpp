@@ -1,0 +1,195 @@
+#include "commands/crypto_commands.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "commands/crypto_provider_table.h"
+#include "util/hex.h"
+
+namespace orvane {
+namespace {
+
+constexpr std::size_t kIvBytes = 16;
+constexpr std::size_t kDataBytes = 256;
+constexpr std::size_t kResultBytes = 256;
+constexpr std::size_t kHashBytes = 4096;
+
+std::size_t ByteCount(const std::string& hex) { return hex.size() / 2; }
+
+/// The area that a hexadecimal text goes to, zero where the text's digits do not reach. One octet
+/// more than the provider is told of, for the last digit of an odd text.
+template <std::size_t size>
+struct Area {
+  explicit Area(const std::string& hex) : count(static_cast<std::int32_t>(ByteCount(hex))) {
+    DecodeHex(hex, octets);
+  }
+  std::uint8_t octets[size + 1] = {};
+  std::int32_t count;
+};
+
+/// The areas of one provider call. They are made when all arguments have been read, so that they
+/// take no room while arguments nest.
+struct BlockAreas {
+  BlockAreas(const std::string& keyHex, const std::string& dataHex, const std::string& ivHex = {})
+      : key(keyHex), data(dataHex), iv(ivHex) {}
+
+  Area<32> key;
+  Area<kDataBytes> data;
+  Area<kIvBytes> iv;
+  std::uint8_t result[kResultBytes] = {};
+  std::int32_t resultCount = -1;  // not a length: the provider has to set one
+};
+
+bool ReadKey(Call& call, std::string& key) {
+  if (!call.Read(key)) return false;
+  const std::size_t count = ByteCount(key);
+  return count == 8 || count == 16 || count == 24;
+}
+
+bool ReadNextUpTo(Call& call, std::string& text, std::size_t most) {
+  return call.ReadNext(text) && ByteCount(text) <= most;
+}
+
+bool IsLongKey(const std::string& key) { return ByteCount(key) > 8; }
+
+bool GiveOctets(Call& call, const std::uint8_t* area, std::size_t size, std::int32_t count) {
+  if (count < 0 || static_cast<std::size_t>(count) > size) return false;
+  call.out = HexText(area, static_cast<std::size_t>(count));
+  return true;
+}
+
+bool GiveResult(Call& call, const BlockAreas& areas) {
+  return GiveOctets(call, areas.result, kResultBytes, areas.resultCount);
+}
+
+bool RunBlockEntry(Call& call, BlockAreas& areas, const std::string& flag, std::int32_t mode,
+                   bool withIv) {
+  const CryptoProvider& provider = BoundCryptoProvider();
+  const CryptoBlockEntry entry =
+      flag == "1" ? provider.CryptoBlockFlagged : provider.CryptoBlockDefault;
+  if (entry == nullptr) return false;
+  entry(withIv ? areas.iv.octets : nullptr, withIv ? areas.iv.count : 0, areas.key.octets,
+        areas.key.count, areas.data.octets, areas.data.count, areas.result, &areas.resultCount,
+        mode);
+  return GiveResult(call, areas);
+}
+
+void RemoveBlanks(std::string& text) { std::erase(text, ' '); }
+
+bool Fail(Call& call, std::string_view message) {
+  call.out = message;
+  return false;
+}
+
+}  // namespace
+
+bool Des(Call& call) {
+  std::string key;
+  std::string data;
+  std::string flag;
+  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes) || !call.ReadNext(flag)) {
+    return false;
+  }
+  call.Close();
+  const auto areas = std::make_unique<BlockAreas>(key, data);
+  return RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 1 : 0, false);
+}
+
+bool DesCbc(Call& call) {
+  std::string key;
+  std::string data;
+  std::string iv;
+  std::string flag;
+  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes) ||
+      !ReadNextUpTo(call, iv, kIvBytes) || !call.ReadNext(flag)) {
+    return false;
+  }
+  call.Close();
+  const auto areas = std::make_unique<BlockAreas>(key, data, iv);
+  return RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 4 : 3, true);
+}
+
+bool Mac(Call& call) {
+  std::string key;
+  std::string data;
+  std::string iv;
+  std::string flag;
+  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes) ||
+      !ReadNextUpTo(call, iv, kIvBytes) || !call.ReadNext(flag)) {
+    return false;
+  }
+  const CryptoMacEntry entry = BoundCryptoProvider().CryptoMac;
+  if (entry == nullptr) return false;
+  const auto areas = std::make_unique<BlockAreas>(key, data, iv);
+  areas->resultCount = 0;
+  entry(areas->key.octets, areas->key.count, areas->data.octets, areas->data.count,
+        areas->iv.octets, areas->iv.count, areas->result, &areas->resultCount,
+        IsLongKey(key) ? 1 : 0);
+  if (!GiveResult(call, *areas)) return false;
+  if (flag == "1") call.out = call.out.substr(0, 8);
+  call.Close();
+  return true;
+}
+
+bool SubKey(Call& call) {
+  std::string key;
+  std::string data;
+  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes)) return false;
+  call.Close();
+  const CryptoSubKeyEntry entry = BoundCryptoProvider().CryptoSubKey;
+  if (entry == nullptr) return false;
+  const auto areas = std::make_unique<BlockAreas>(key, data);
+  entry(areas->key.octets, areas->key.count, areas->data.octets, areas->data.count, areas->result,
+        &areas->resultCount, IsLongKey(key) ? 1 : 0);
+  return GiveResult(call, *areas);
+}
+
+bool RsaPubEnc(Call& call) {
+  std::string modulus;
+  std::string exponent;
+  std::string data;
+  if (!call.Read(modulus) || !call.ReadNext(exponent) || !call.ReadNext(data)) return false;
+  if (data.size() > modulus.size()) return Fail(call, "Data too long for public key");
+  call.Close();
+  for (std::string* const text : {&modulus, &exponent, &data}) RemoveBlanks(*text);
+
+  const CryptoRsaPublicEntry entry = BoundCryptoProvider().CryptoRsaPublic;
+  if (entry == nullptr) return false;
+  const char* result = nullptr;
+  if (entry(modulus.c_str(), exponent.c_str(), data.c_str(), &result, 0) == 0 ||
+      result == nullptr) {
+    return Fail(call, "RSA加密失败");
+  }
+  const std::string_view digits = result;
+  call.out = digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+  return true;
+}
+
+bool Hash(Call& call) {
+  std::string hex;
+  if (!call.Read(hex)) return false;
+  call.Close();
+  RemoveBlanks(hex);
+  if (hex.empty()) return Fail(call, "HEX串为空，请检查！");
+  const auto bad =
+      std::find_if(hex.begin(), hex.end(), [](char c) { return HexDigitValue(c) == kBadDigit; });
+  if (bad != hex.end()) {
+    const auto position = std::to_string(bad - hex.begin() + 1);
+    return Fail(call, "第" + position + "个字符不是16进制字符，请检查！");
+  }
+  if (hex.size() % 2 != 0) hex += '0';
+  if (ByteCount(hex) > kHashBytes) return false;
+
+  const CryptoHashEntry entry = BoundCryptoProvider().CryptoHash;
+  if (entry == nullptr) return false;
+  const auto data = std::make_unique<Area<kHashBytes>>(hex);
+  const auto digest = std::make_unique<std::uint8_t[]>(kHashBytes);
+  std::uint8_t* output = digest.get();
+  std::int32_t count = 0;
+  return entry(data->octets, data->count, &output, 0, &count) != 0 &&
+         GiveOctets(call, digest.get(), kHashBytes, count);
+}
+
+}  // namespace orvane

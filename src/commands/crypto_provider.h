@@ -1,0 +1,88 @@
+/*
+ * The cryptography behind the script commands, as six entries that stand outside Orvane.
+ *
+ * A provider is a dynamic library, orvane_crypto.dll or liborvane_crypto.so, that exports the six
+ * functions under the names of the table's members. Orvane looks for it when the first crypto
+ * command runs: by the bare name (so a provider that the host has loaded before is the one that is
+ * used), then in its own folder. It stays loaded until the process ends. A command whose entry
+ * can't be had fails; the others work.
+ *
+ * Rules for all entries:
+ *  - They run on the thread of the script, one at a time.
+ *  - All areas belong to the caller and are valid during the call only. What the caller hands over
+ *    to be read is not to be written to.
+ *  - Counts are in octets. An octet string may be longer than its text had digits: blanks and
+ *    characters that are no hexadecimal digits count as well, and what they leave open is 00. None
+ *    need be a multiple of a block.
+ *  - A result longer than its area, or with a negative length, makes the command fail.
+ *  - Keys have 8, 16 or 24 octets. mode is 0 for an 8-octet key and 1 for a longer one; from
+ *    @descbc it is 3 and 4 instead. (2 is not used.)
+ */
+#ifndef ORVANE_CRYPTO_PROVIDER_H
+#define ORVANE_CRYPTO_PROVIDER_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* @HASH(data). Not 0 on success; 0 makes the command fail without a message.
+ *   data, dataBytes  at least one octet, at most 4,096
+ *   output           points at a pointer to an area of 4,096 octets, where the digest goes. Only
+ *                    that area is read: pointing *output elsewhere has no effect
+ *   reserved         0
+ *   outputBytes      0 at the start; to be set to the digest's length */
+typedef int32_t (*CryptoHashEntry)(const uint8_t* data, int32_t dataBytes, uint8_t** output,
+                                   int32_t reserved, int32_t* outputBytes);
+
+/* @des(key, data, flag) and @descbc(key, data, iv, flag): DES for modes 0 and 3, triple DES for
+ * modes 1 and 4; 3 and 4 are CBC. The script's flag "1" chooses CryptoBlockFlagged, any other flag
+ * CryptoBlockDefault. The returned value is not looked at.
+ *   iv, ivBytes      null and 0 from @des; from @descbc at most 16 octets, perhaps none
+ *   key, keyBytes    8, 16 or 24 octets
+ *   data, dataBytes  at most 256 octets, perhaps none
+ *   output           an area of 256 octets, all zero
+ *   outputBytes      to be set on every call: the command fails otherwise */
+typedef int32_t (*CryptoBlockEntry)(const uint8_t* iv, int32_t ivBytes, const uint8_t* key,
+                                    int32_t keyBytes, const uint8_t* data, int32_t dataBytes,
+                                    uint8_t* output, int32_t* outputBytes, int32_t mode);
+
+/* @SUBKEY(key, data): derives a key from a master key. Parameters and duties as above. */
+typedef int32_t (*CryptoSubKeyEntry)(const uint8_t* key, int32_t keyBytes, const uint8_t* data,
+                                     int32_t dataBytes, uint8_t* output, int32_t* outputBytes,
+                                     int32_t mode);
+
+/* @mac(key, data, iv, flag). With flag "1" the script gets the first four octets of the output.
+ * Parameters as above, but that outputBytes is 0 at the start. The returned value is not looked
+ * at. */
+typedef int32_t (*CryptoMacEntry)(const uint8_t* key, int32_t keyBytes, const uint8_t* data,
+                                  int32_t dataBytes, const uint8_t* iv, int32_t ivBytes,
+                                  uint8_t* output, int32_t* outputBytes, int32_t mode);
+
+/* @RSAPUBENC(modulus, exponent, data). Not 0 on success; 0 gives the script a message.
+ *   modulus, exponent, data  zero-terminated texts without blanks, as the script wrote them: not
+ *                            checked to be numbers. data is no longer than modulus
+ *   output                   points at null; to be pointed at a zero-terminated text, of which the
+ *                            script gets all but its leading "0" characters. The text stays the
+ *                            provider's own: it must be valid until the next call, and is never
+ *                            freed by the caller
+ *   reserved                 0 */
+typedef int32_t (*CryptoRsaPublicEntry)(const char* modulus, const char* exponent, const char* data,
+                                        const char** output, int32_t reserved);
+
+/* The table that Orvane fills. */
+typedef struct CryptoProvider {
+  CryptoHashEntry CryptoHash;
+  CryptoBlockEntry CryptoBlockFlagged;
+  CryptoBlockEntry CryptoBlockDefault;
+  CryptoSubKeyEntry CryptoSubKey;
+  CryptoMacEntry CryptoMac;
+  CryptoRsaPublicEntry CryptoRsaPublic;
+} CryptoProvider;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
