@@ -131,12 +131,7 @@ std::int32_t CPCSCReaderTool::ResetCard(std::uint8_t* atr, std::uint32_t* atrLen
   Reply answer;
   LONG code = m_nHandle == 0 ? SCARD_W_REMOVED_CARD : ReadAtr(answer);
   if (code == SCARD_W_REMOVED_CARD) code = ReconnectAndReadAtr(answer);
-  if (code != SCARD_S_SUCCESS || answer.length > kReplySize) return 0;
-  if (atr != nullptr && atrLen != nullptr) {
-    *atrLen = answer.length;
-    std::copy_n(answer.octets.begin(), answer.length, atr);
-  }
-  return 1;
+  return code == SCARD_S_SUCCESS ? GiveAtr(answer, atr, atrLen) : 0;
 }
 
 std::int32_t CPCSCReaderTool::Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen,

@@ -1,6 +1,9 @@
 #include "readers/reader_tool_base.h"
 
+#include <algorithm>
 #include <cstring>
+
+#include "readers/status_word_exchange.h"
 
 namespace orvane {
 
@@ -26,6 +29,20 @@ std::int32_t CReaderToolBase::Transmit(const std::uint8_t*, std::uint32_t, std::
 }
 
 std::int32_t CReaderToolBase::GetOpenFlag() { return m_nOpenFlag; }
+
+std::int32_t CReaderToolBase::GiveAtr(const Reply& answer, std::uint8_t* atr,
+                                      std::uint32_t* atrLen) {
+  if (answer.length > kReplySize) return 0;
+  if (atr != nullptr && atrLen != nullptr) {
+    *atrLen = answer.length;
+    std::copy_n(answer.octets.begin(), answer.length, atr);
+  }
+  return 1;
+}
+
+std::int32_t CReaderToolBase::FromZero(std::int32_t port) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(port) - 1);
+}
 
 void CReaderToolBase::SetName(std::string_view name) {
   std::memset(m_szName, 0, sizeof m_szName);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "orvane.h"
 
@@ -45,8 +46,15 @@ class CReaderToolBase {
                                       std::uint32_t cmdLen, std::uint8_t* resp,
                                       std::uint32_t* respLen);
 
+  /// The end of a ResetCard that succeeded: gives the ATR where one is wanted. 0 if the library
+  /// reports more octets than the area holds.
+  static std::int32_t GiveAtr(const Reply& answer, std::uint8_t* atr, std::uint32_t* atrLen);
+
   /// Sets m_szName, cut to what it holds.
   void SetName(std::string_view name);
+
+  /// The port that the library calls by the number before: hosts count from 1.
+  static std::int32_t FromZero(std::int32_t port);
 
   std::int32_t m_nHandle = -1;  ///< low 32 bits of the library's handle; -1 is closed
   std::int32_t m_nPort = -1;
