@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* kFooter = R"text(
 Readers
-  READER is [KIND:]PORT or [KIND:]NAME: "3:ACS ACR122U 00 00", "5:100", "12:BSIT:2",
+  READER is [KIND:]PORT or [KIND:]NAME: "3:Virtual PCD 00 00", "5:100", "12:BSIT:2",
   "10:192.168.1.9:8000". What is digits alone is a port. A name is looked for in the list
   of its kind, first as it is written, then without regard to blanks (literals of a script
   lose theirs), and is otherwise passed on as it stands. A name with parentheses or commas
