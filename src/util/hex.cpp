@@ -44,15 +44,21 @@ bool DecodeHex(std::string_view text, unsigned char* octets) {
   const auto skipBlanks = [&] {
     while (next != end && *next == ' ') ++next;
   };
+  const auto takeOctet = [&] {
+    if (end - next < 2) return false;
+    const unsigned high = HexDigitValue(next[0]);
+    const unsigned low = HexDigitValue(next[1]);
+    if ((high | low) > 15) return false;
+    *octets++ = static_cast<unsigned char>(high << 4 | low);
+    next += 2;
+    return true;
+  };
   for (;;) {
-    // The common forms, packed digits or a blank between octets, take two digits at a time.
-    while (end - next >= 2) {
-      const unsigned high = HexDigitValue(next[0]);
-      const unsigned low = HexDigitValue(next[1]);
-      if ((high | low) > 15) break;
-      *octets++ = static_cast<unsigned char>(high << 4 | low);
-      next += 2;
-      if (next != end && *next == ' ') ++next;
+    // The common forms: packed digits, or one blank between octets.
+    while (takeOctet()) continue;
+    while (next != end && *next == ' ') {
+      ++next;
+      if (!takeOctet()) break;
     }
     skipBlanks();
     if (next == end) return true;
