@@ -41,14 +41,14 @@ TEST(ReaderAddress, IsKindAndPortOrName) {
 }
 
 TEST(ReaderName, IsMatchedExactlyThenWithoutBlanksThenNotAtAll) {
-  const std::vector<std::string> listed = {"ACS ACR 0", "AC SACR0", "ACSACR1", "ACS ACR 1",
-                                           "OMNIKEY 3x21 0"};
-  EXPECT_EQ(MatchReaderName("ACS ACR 0", listed), "ACS ACR 0");
-  EXPECT_EQ(MatchReaderName("ACSACR1", listed), "ACSACR1");
-  EXPECT_EQ(MatchReaderName("OMNIKEY3x210", listed), "OMNIKEY 3x21 0");
-  EXPECT_EQ(MatchReaderName("OMNI KEY3x210", listed), "OMNIKEY 3x21 0");
-  EXPECT_EQ(MatchReaderName("ACSACR0", listed), "ACSACR0");  // two could be meant
-  EXPECT_EQ(MatchReaderName("ACSACR9", listed), "ACSACR9");
+  const std::vector<std::string> listed = {"Acme Two 0", "Ac meTwo0", "AcmeTwo1", "Acme Two 1",
+                                           "Example 3x21 0"};
+  EXPECT_EQ(MatchReaderName("Acme Two 0", listed), "Acme Two 0");
+  EXPECT_EQ(MatchReaderName("AcmeTwo1", listed), "AcmeTwo1");
+  EXPECT_EQ(MatchReaderName("Example3x210", listed), "Example 3x21 0");
+  EXPECT_EQ(MatchReaderName("Exam ple3x210", listed), "Example 3x21 0");
+  EXPECT_EQ(MatchReaderName("AcmeTwo0", listed), "AcmeTwo0");  // two could be meant
+  EXPECT_EQ(MatchReaderName("AcmeTwo9", listed), "AcmeTwo9");
 }
 
 }  // namespace
