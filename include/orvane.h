@@ -13,8 +13,8 @@
  *  - Pointers are not checked; unless a comment says otherwise they must not be null.
  *  - Hexadecimal text is two digits an octet, high digit first. It is written in upper case without
  *    separators, and read in either case with blanks (0x20) skipped.
- *  - There are no threads and no locks. Use the script functions from one thread at a time, and the
- *    reader functions from one thread at a time.
+ *  - There are no threads and, but for the log files, no locks. Use the script functions from one
+ *    thread at a time, and the reader functions from one thread at a time.
  */
 #ifndef ORVANE_H
 #define ORVANE_H
@@ -229,6 +229,80 @@ ORVANE_API int32_t IntToHex(unsigned char* out, int32_t value, int32_t* count);
 /* Writes the same octets as 2, 4, 6 or 8 digits from out[0] on. Always 1.
  *   out  room for eight characters */
 ORVANE_API int32_t IntToHexStr(char* out, int32_t value, int32_t* length);
+
+/* ---- Character sets --------------------------------------------------------------------------
+ *
+ * UTF-8 (RFC 3629) and the system's narrow character sets: on Windows the ANSI and the OEM code
+ * page, two different ones; elsewhere both are the character set of the environment's locale
+ * (LC_ALL, LC_CTYPE, LANG), or UTF-8 if that is C or POSIX. They are looked up in every call, and
+ * the process's own locale is left alone.
+ *
+ * What does not map is replaced as Windows does it; elsewhere a byte becomes U+FFFD and a character
+ * becomes a question mark. Only the converted bytes are written, without a terminator, and their
+ * number is not told: clear the buffer first.
+ *
+ * These two functions, and no others, throw: a C++ exception with out untouched. It is a
+ * std::runtime_error with one of the texts "Invalid UTF-8 sequence." (the system has no translation
+ * for the text), "Error in conversion." (any other failure) and "La falla!" (the system gave more
+ * or less than it had announced), or std::bad_alloc. To catch it, build the host with the library's
+ * compiler and, where that is MSVC, with /EHs. A host in another language can't catch it.
+ */
+
+/* From the ANSI code page to UTF-8.
+ *   out  room for three times the length of text */
+ORVANE_API void ASCII2UTF_8(const char* text, char* out);
+
+/* From UTF-8 to the OEM code page. On Windows it does not undo ASCII2UTF_8.
+ *   out  room for four times the length of text */
+ORVANE_API void UTF_82ASCII(const char* text, char* out);
+
+/* ---- Time ------------------------------------------------------------------------------------
+ *
+ * A stamp counts seconds in 32 bits from 1970-01-01 08:00:00. The clock is read in UTC and no time
+ * zone is ever applied, so a stamp is 28800 less than the Unix time of the same moment. It lasts
+ * until 2106-02-07 06:28:15; the highest 28800 stamps are the first hours of 1970.
+ *
+ * Times are written as YYYY-MM-DD hh:mm:ss. Each text is followed by zeros to the end of its room.
+ * withMs asks for milliseconds if it is 1; any other value does not.
+ */
+
+/* Stores the stamp of the present second. */
+ORVANE_API void GetTimeStampInt(uint32_t* stamp);
+
+/* The present stamp in decimal, and with withMs the three digits of the milliseconds behind it.
+ * From 2038-01-19 11:14:08 on the number is negative: the stamp less 2^32.
+ *   out  room for 14 bytes; of a longer text, negative and with milliseconds, the first 13 */
+ORVANE_API void GetTimeStampStr(char* out, int32_t withMs);
+
+/* The present time.
+ *   out  room for 32 bytes */
+ORVANE_API void GetTimeStr(char* out);
+
+/* The time that a stamp stands for.
+ *   out  room for 32 bytes */
+ORVANE_API void GetTimeStrFromTimeStampInt(char* out, uint32_t stamp);
+
+/* The time that a decimal stamp with three digits of milliseconds stands for, as GetTimeStampStr
+ * writes it with withMs 1. withMs appends a colon and the milliseconds here; the last three
+ * characters are taken off in any case. Either number may have blanks and a sign before it, ends at
+ * the first character that is no digit, and counts modulo 2^32.
+ *   out        room for 36 bytes; the empty text for a stampText below three characters
+ *   stampText  at most 25 characters; out is untouched if it has more */
+ORVANE_API void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int32_t withMs);
+
+/* ---- Log files -------------------------------------------------------------------------------
+ *
+ * These append to a file that the caller names, and create it if it is missing. Nothing is added,
+ * neither time nor line end. The file is open only during the call. If it can't be opened, nothing
+ * is written and nothing is reported. One lock in the process serves both functions, so they may be
+ * called from any thread, and every entry stays whole.
+ */
+
+/* Appends a text. A line feed in it becomes CR LF on Windows. */
+ORVANE_API void AsciiLog(const char* path, const char* text);
+
+/* Appends count octets, of any number, as hexadecimal text. A count below 1 appends nothing. */
+ORVANE_API void HexLog(const char* path, const unsigned char* octets, int32_t count);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,25 @@
+#include "platform/text_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace orvane::platform {
+
+TextFile::TextFile(const char* path)
+    : descriptor_(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)) {}
+
+TextFile::~TextFile() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+void TextFile::Append(std::string_view text) {
+  while (descriptor_ >= 0 && !text.empty()) {
+    const ssize_t written = write(descriptor_, text.data(), text.size());
+    if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
+    if (written < 0 && errno != EINTR) return;
+  }
+}
+
+}  // namespace orvane::platform

@@ -1,0 +1,80 @@
+#include "util/timestamps.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+namespace orvane {
+namespace {
+
+constexpr uint32_t kSecondsPerDay = 86400;
+constexpr uint32_t kZeroOfStamps = 28800;
+constexpr std::size_t kMillisecondDigits = 3;
+
+/// Blanks, a sign, and digits up to the first other character; modulo 2^32, so that a stamp reads
+/// the same whether it was printed with or without a sign.
+uint32_t DecimalNumber(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  uint32_t number = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') break;
+    number = number * 10 + static_cast<uint32_t>(c - '0');
+  }
+  return negative ? 0 - number : number;
+}
+
+}  // namespace
+
+uint32_t StampFromCalendar(const CalendarTime& time) {
+  using namespace std::chrono;
+  const sys_days date = year(time.year) / month(time.month) / day(time.day);
+  const auto days = static_cast<uint32_t>(date.time_since_epoch().count());
+  return ((days * 24 + time.hour) * 60 + time.minute) * 60 + time.second - kZeroOfStamps;
+}
+
+CalendarTime CalendarFromStamp(uint32_t stamp) {
+  using namespace std::chrono;
+  const uint32_t seconds = stamp + kZeroOfStamps;
+  const year_month_day date = sys_days(days(seconds / kSecondsPerDay));
+  const auto field = [](auto value) { return static_cast<uint16_t>(value); };
+  return {.year = field(static_cast<int>(date.year())),
+          .month = field(static_cast<unsigned>(date.month())),
+          .day = field(static_cast<unsigned>(date.day())),
+          .hour = field(seconds % kSecondsPerDay / 3600),
+          .minute = field(seconds / 60 % 60),
+          .second = field(seconds % 60)};
+}
+
+CalendarTime CalendarFromStampText(std::string_view text) {
+  const std::size_t stampDigits = text.size() - kMillisecondDigits;
+  CalendarTime time = CalendarFromStamp(DecimalNumber(text.substr(0, stampDigits)));
+  time.millisecond = static_cast<uint16_t>(DecimalNumber(text.substr(stampDigits)));
+  return time;
+}
+
+TimeText StampText(const CalendarTime& time, bool withMs) {
+  const auto stamp = static_cast<int32_t>(StampFromCalendar(time));
+  TimeText text{};
+  if (withMs) {
+    std::snprintf(text.data(), text.size(), "%d%03d", stamp, time.millisecond);
+  } else {
+    std::snprintf(text.data(), text.size(), "%d", stamp);
+  }
+  return text;
+}
+
+TimeText CalendarText(const CalendarTime& time, bool withMs) {
+  TimeText text{};
+  const int length =
+      std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.year,
+                    time.month, time.day, time.hour, time.minute, time.second);
+  if (withMs) {
+    const auto used = static_cast<std::size_t>(length);
+    std::snprintf(text.data() + used, text.size() - used, ":%03d", time.millisecond);
+  }
+  return text;
+}
+
+}  // namespace orvane

@@ -1,0 +1,164 @@
+#include "util/timestamps.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "orvane.h"
+
+namespace {
+
+using orvane::CalendarFromStamp;
+using orvane::CalendarTime;
+using orvane::StampFromCalendar;
+
+constexpr char kUntouched = '\x55';
+
+/// What a function stores in an area of the size that it is to fill: a text and zeros.
+template <typename Call>
+std::string Stored(std::size_t size, Call call) {
+  const auto area = std::make_unique<char[]>(size);
+  std::memset(area.get(), kUntouched, size);
+  call(area.get());
+  const std::string text(area.get(), strnlen(area.get(), size));
+  const std::string whole(area.get(), size);
+  EXPECT_EQ(whole.substr(text.size()), std::string(size - text.size(), '\0'));
+  EXPECT_LT(text.size(), size);
+  return text;
+}
+
+std::string TimeOfStamp(uint32_t stamp) {
+  return Stored(32, [&](char* out) { GetTimeStrFromTimeStampInt(out, stamp); });
+}
+
+std::string TimeOfText(const char* text, int withMs) {
+  return Stored(36, [&](char* out) { GetTimeStrFromTimeStampStr(out, text, withMs); });
+}
+
+TEST(Timestamps, StandForTimes) {
+  const struct {
+    CalendarTime time;
+    uint32_t stamp;
+    const char* text;
+  } rows[] = {{{1970, 1, 1, 8, 0, 0, 0}, 0, "1970-01-01 08:00:00"},
+              {{1970, 1, 1, 0, 0, 0, 0}, 4294938496, "1970-01-01 00:00:00"},
+              {{1970, 1, 1, 7, 59, 59, 0}, 4294967295, "1970-01-01 07:59:59"},
+              {{2000, 2, 29, 12, 0, 0, 0}, 951796800, "2000-02-29 12:00:00"},
+              {{2000, 3, 1, 0, 0, 0, 0}, 951840000, "2000-03-01 00:00:00"},
+              {{2024, 12, 31, 23, 59, 59, 0}, 1735660799, "2024-12-31 23:59:59"},
+              {{2038, 1, 19, 11, 14, 7, 0}, 2147483647, "2038-01-19 11:14:07"},
+              {{2038, 1, 19, 11, 14, 8, 0}, 2147483648, "2038-01-19 11:14:08"},
+              {{2100, 3, 1, 0, 0, 0, 0}, 4107513600, "2100-03-01 00:00:00"},
+              {{2106, 2, 7, 6, 28, 15, 0}, 4294938495, "2106-02-07 06:28:15"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(StampFromCalendar(row.time), row.stamp) << row.text;
+    EXPECT_EQ(CalendarFromStamp(row.stamp), row.time) << row.text;
+    EXPECT_EQ(TimeOfStamp(row.stamp), row.text);
+  }
+}
+
+TEST(Timestamps, GoBothWaysOnEveryDay) {
+  // Days counted one by one, by the rule of leap years alone.
+  uint32_t days = 0;
+  for (int year = 1970; year < 2106; ++year) {
+    const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+    const int lengths[] = {31, leap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    for (int month = 1; month <= 12; ++month) {
+      for (int day = 1; day <= lengths[month - 1]; ++day, ++days) {
+        for (const uint32_t second : {0U, 28799U, 28800U, 45296U, 86399U}) {
+          const auto field = [](auto value) { return static_cast<uint16_t>(value); };
+          const CalendarTime time = {field(year),
+                                     field(month),
+                                     field(day),
+                                     field(second / 3600),
+                                     field(second / 60 % 60),
+                                     field(second % 60)};
+          const uint32_t stamp = days * 86400 + second - 28800;
+          ASSERT_EQ(StampFromCalendar(time), stamp) << year << '-' << month << '-' << day;
+          ASSERT_EQ(CalendarFromStamp(stamp), time) << stamp;
+        }
+      }
+    }
+  }
+}
+
+TEST(Timestamps, AreReadFromText) {
+  const struct {
+    const char* text;
+    int withMs;
+    const char* expected;
+  } rows[] = {
+      {"1735660799042", 1, "2024-12-31 23:59:59:042"},
+      {"1735660799042", 0, "2024-12-31 23:59:59"},
+      {"1735660799042", 2, "2024-12-31 23:59:59"},
+      {"1735660799042", -1, "2024-12-31 23:59:59"},
+      {"951796800000", 1, "2000-02-29 12:00:00:000"},
+      {"1735660799", 0, "1970-01-21 10:07:40"},  // the last three are taken off all the same
+      {"-2147483648000", 1, "2038-01-19 11:14:08:000"},
+      {"2147483648000", 1, "2038-01-19 11:14:08:000"},
+      {" \t+60000", 0, "1970-01-01 08:01:00"},
+      {"60x9000", 0, "1970-01-01 08:01:00"},
+      {"x60000", 1, "1970-01-01 08:00:00:000"},
+      {"60 7x", 1, "1970-01-01 08:01:00:007"},
+      {"999", 1, "1970-01-01 08:00:00:999"},
+      {"-12", 1, "1970-01-01 08:00:00:65524"},
+      {"12", 1, ""},
+      {"", 0, ""},
+      {"0000000000000000000060123", 1, "1970-01-01 08:01:00:123"},
+      {"9999999999999999999999000", 1, "2064-10-07 01:12:31:000"}};
+  for (const auto& row : rows)
+    EXPECT_EQ(TimeOfText(row.text, row.withMs), row.expected) << row.text;
+
+  std::string out(36, kUntouched);
+  GetTimeStrFromTimeStampStr(out.data(), "00000000000000000000060123", 1);
+  EXPECT_EQ(out, std::string(36, kUntouched));
+}
+
+TEST(Timestamps, AreWrittenAsSignedNumbers) {
+  const struct {
+    CalendarTime time;
+    const char* text;
+    const char* withMs;
+  } rows[] = {{{2024, 12, 31, 23, 59, 59, 7}, "1735660799", "1735660799007"},
+              {{1970, 1, 1, 8, 0, 0, 999}, "0", "0999"},
+              {{2038, 1, 19, 11, 14, 8, 12}, "-2147483648", "-2147483648012"}};
+  for (const auto& row : rows) {
+    EXPECT_STREQ(orvane::StampText(row.time, false).data(), row.text);
+    EXPECT_STREQ(orvane::StampText(row.time, true).data(), row.withMs);
+  }
+}
+
+TEST(Timestamps, OfTheClockAgree) {
+  using namespace std::chrono;
+  const auto unixTime = [] {
+    return static_cast<uint32_t>(
+        duration_cast<seconds>(system_clock::now().time_since_epoch()).count());
+  };
+  const uint32_t before = unixTime() - 28800;
+  uint32_t stamp = 0;
+  GetTimeStampInt(&stamp);
+  const std::string seconds = Stored(14, [](char* out) { GetTimeStampStr(out, 0); });
+  const std::string other = Stored(14, [](char* out) { GetTimeStampStr(out, 3); });
+  const std::string withMs = Stored(14, [](char* out) { GetTimeStampStr(out, 1); });
+  const std::string time = Stored(32, [](char* out) { GetTimeStr(out); });
+  const uint32_t after = unixTime() - 28800;
+
+  const auto isNow = [&](uint32_t value) { return before <= value && value <= after; };
+  const auto number = [](const std::string& text) {
+    return static_cast<uint32_t>(std::strtoll(text.c_str(), nullptr, 10));
+  };
+  EXPECT_PRED1(isNow, stamp);
+  EXPECT_PRED1(isNow, number(seconds));
+  EXPECT_PRED1(isNow, number(other));
+  ASSERT_GT(withMs.size(), 3U);
+  EXPECT_PRED1(isNow, number(withMs.substr(0, withMs.size() - 3)));
+  EXPECT_LE(TimeOfStamp(before), time);
+  EXPECT_LE(time, TimeOfStamp(after));
+}
+
+}  // namespace
