@@ -1,0 +1,16 @@
+#include "hash.h"
+
+#include <gcrypt.h>
+
+#include "gcrypt_start.h"
+
+namespace crypto {
+
+bool Hash(Octets data, std::span<std::uint8_t, kDigestBytes> digest) {
+  gcry_buffer_t source{};
+  source.len = data.size();
+  source.data = const_cast<std::uint8_t*>(data.data());  // libgcrypt only reads it
+  return StartGcrypt() && gcry_md_hash_buffers(GCRY_MD_SHA1, 0, digest.data(), &source, 1) == 0;
+}
+
+}  // namespace crypto
