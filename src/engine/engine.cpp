@@ -82,8 +82,13 @@ std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std:
 
 std::int32_t SetVariable(ScriptEngine& engine, std::string_view name, std::string_view value) try {
   if (name.empty()) return ScriptEmptyName;
-  std::string stored(value);
-  engine.variables[UpperCased(name)] = std::move(stored);
+  std::string key = UpperCased(name);
+  const auto entry = engine.variables.find(key);
+  if (entry != engine.variables.end()) {
+    entry->second = value;
+  } else {
+    engine.variables.emplace(std::move(key), value);
+  }
   return ScriptDone;
 } catch (...) {
   return ScriptException;
