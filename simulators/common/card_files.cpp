@@ -8,11 +8,14 @@ namespace {
 const Octets kApplicationName = FromHex("F0 4F5256414E45 01");
 constexpr std::string_view kLabel = "ORVANE PAY";
 constexpr size_t kNotesSize = 64;
+constexpr size_t kLimitsSize = 16;
 
 ElementaryFile Directory() {
   const Octets entry = Tlv(0x61, {Tlv(0x4F, kApplicationName), Tlv(0x50, FromText(kLabel))});
   return {0x2F00, 30, {entry}, {}};
 }
+
+ElementaryFile GlobalData() { return {0x2F02, 2, {}, Tlv(0x5A, SerialNumber())}; }
 
 ElementaryFile CardholderRecords() {
   const Octets track = Tlv(0x70, {Tlv(0x57, "9999000000000004 D 3112 201 00000 F"),
@@ -33,7 +36,7 @@ ElementaryFile RiskRecords() {
 
 DedicatedFile MasterFile() {
   const Octets information = Tlv(0x6F, {Tlv(0x82, "38"), Tlv(0x83, "3F00")});
-  return {kMasterFile, {}, information, {}, {Directory()}};
+  return {kMasterFile, {}, information, {}, {Directory(), GlobalData()}};
 }
 
 DedicatedFile PaymentApplication() {
@@ -41,9 +44,13 @@ DedicatedFile PaymentApplication() {
                                         Tlv(0x5F2D, FromText("en")), Tlv(0x9F38, "9F1A02 5F2A02")});
   const Octets information = Tlv(0x6F, {Tlv(0x84, kApplicationName), proprietary});
   const Octets options = Tlv(0x77, {Tlv(0x82, "1000"), Tlv(0x94, "08010201 10010200")});
-  const ElementaryFile notes{0x0105, 5, {}, Octets(kNotesSize)};
-  return {
-      0x1001, kApplicationName, information, options, {CardholderRecords(), RiskRecords(), notes}};
+  const ElementaryFile notes{0x0105, 5, {}, Octets(kNotesSize), Writer::kCardholder};
+  const ElementaryFile limits{0x0106, 6, {}, Octets(kLimitsSize), Writer::kIssuer};
+  return {0x1001,
+          kApplicationName,
+          information,
+          options,
+          {CardholderRecords(), RiskRecords(), notes, limits}};
 }
 
 }  // namespace
@@ -59,6 +66,21 @@ Octets ElementaryFile::ControlInformation() const {
   const Octets size = {static_cast<uint8_t>(content.size() >> 8),
                        static_cast<uint8_t>(content.size())};
   return Tlv(0x6F, {Tlv(0x80, size), description, names, shortName});
+}
+
+const Octets& SerialNumber() {
+  static const Octets number = FromHex("80 99 99 00 00 00 00 42");
+  return number;
+}
+
+const Octets& AuthenticationMasterKey() {
+  static const Octets key = FromHex("404142434445464748494A4B4C4D4E4F");
+  return key;
+}
+
+const Octets& MacMasterKey() {
+  static const Octets key = FromHex("505152535455565758595A5B5C5D5E5F");
+  return key;
 }
 
 std::vector<DedicatedFile> NewFiles() { return {MasterFile(), PaymentApplication()}; }

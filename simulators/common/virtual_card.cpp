@@ -1,20 +1,25 @@
 #include "common/virtual_card.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "common/card_key.h"
 
 namespace simulator {
 namespace {
 
 constexpr int kTries = 3;
 constexpr size_t kPinBlockSize = 8;
-constexpr size_t kChallengeSize = 8;
+constexpr size_t kChallengeSize = kBlockSize;
+constexpr size_t kMacSize = 4;
 constexpr size_t kAll = 256;  // what Le 00 stands for
 
 // ISO 9564 format 2: the digits 1234.
 const Octets kPinBlock = FromHex("24 12 34 FF FF FF FF FF");
 
 constexpr uint16_t kDone = 0x9000;
-constexpr uint16_t kDataWaits = 0x6100;    // + the number of octets
+constexpr uint16_t kDataWaits = 0x6100;  // + the number of octets
+constexpr uint16_t kNotAuthentic = 0x6300;
 constexpr uint16_t kTriesLeft = 0x63C0;    // + the number of tries
 constexpr uint16_t kExactLength = 0x6C00;  // + the right Le
 constexpr uint16_t kWrongLength = 0x6700;
@@ -23,6 +28,8 @@ constexpr uint16_t kSecurityNotSatisfied = 0x6982;
 constexpr uint16_t kMethodBlocked = 0x6983;
 constexpr uint16_t kConditionsNotSatisfied = 0x6985;
 constexpr uint16_t kNoCurrentFile = 0x6986;
+constexpr uint16_t kMacMissing = 0x6987;
+constexpr uint16_t kMacWrong = 0x6988;
 constexpr uint16_t kWrongData = 0x6A80;
 constexpr uint16_t kFileNotFound = 0x6A82;
 constexpr uint16_t kRecordNotFound = 0x6A83;
@@ -120,12 +127,14 @@ struct VirtualCard::Instruction {
 VirtualCard::Response VirtualCard::Run(const Command& command) {
   static constexpr Instruction kInstructions[] = {
       {0x00, 0x20, DataField::kOptional, &VirtualCard::Verify},
+      {0x00, 0x82, DataField::kNeeded, &VirtualCard::ExternalAuthenticate},
       {0x00, 0x84, DataField::kNone, &VirtualCard::GetChallenge},
       {0x00, 0xA4, DataField::kOptional, &VirtualCard::Select},
       {0x00, 0xB0, DataField::kNone, &VirtualCard::ReadBinary},
       {0x00, 0xB2, DataField::kNone, &VirtualCard::ReadRecord},
       {0x00, kInsGetResponse, DataField::kNone, &VirtualCard::GetResponse},
       {0x00, 0xD6, DataField::kNeeded, &VirtualCard::UpdateBinary},
+      {0x04, 0xD6, DataField::kNeeded, &VirtualCard::UpdateBinaryUnderMac},
       {0x80, 0xA8, DataField::kNeeded, &VirtualCard::GetProcessingOptions},
   };
   uint16_t refusal = kClassUnknown;
@@ -148,6 +157,7 @@ std::vector<uint8_t> VirtualCard::Atr() const {
 
 void VirtualCard::Reset() {
   EnterDirectory(0);
+  challenge_.clear();
   waiting_.clear();
 }
 
@@ -200,11 +210,12 @@ VirtualCard::Response VirtualCard::SelectByIdentifier(const Command& command) {
   return kFileNotFound;
 }
 
-// Whoever enters a directory, be it the same one, has to verify anew.
+// Whoever enters a directory, be it the same one, has to verify and authenticate anew.
 void VirtualCard::EnterDirectory(size_t directory) {
   directory_ = directory;
   file_.reset();
   verified_ = false;
+  authenticated_ = false;
 }
 
 bool VirtualCard::EnterFile(uint8_t shortIdentifier) {
@@ -240,9 +251,33 @@ VirtualCard::Response VirtualCard::ReadBinary(const Command& command) {
 }
 
 VirtualCard::Response VirtualCard::UpdateBinary(const Command& command) {
+  return Write(command, false);
+}
+
+VirtualCard::Response VirtualCard::UpdateBinaryUnderMac(const Command& command) {
+  if (!authenticated_) return kSecurityNotSatisfied;
+  if (command.data.size() <= kMacSize) return kMacMissing;
+  const Octets challenge = TakeChallenge();
+  if (challenge.empty()) return kConditionsNotSatisfied;
+
+  Command plain = command;
+  plain.data.resize(command.data.size() - kMacSize);
+  Octets covered = {command.cla, command.ins, command.p1, command.p2,
+                    static_cast<uint8_t>(command.data.size())};
+  covered.insert(covered.end(), plain.data.begin(), plain.data.end());
+  const Octets mac = CardKey(MacMasterKey(), SerialNumber()).Mac(challenge, std::move(covered));
+  authenticated_ =
+      !mac.empty() && std::equal(command.data.end() - kMacSize, command.data.end(), mac.begin());
+  return authenticated_ ? Write(plain, true) : kMacWrong;
+}
+
+VirtualCard::Response VirtualCard::Write(const Command& command, bool underMac) {
   size_t offset = 0;
   if (const uint16_t word = LocateBinary(command, offset); word != kDone) return word;
-  if (!verified_) return kSecurityNotSatisfied;
+  const Writer writer = CurrentFile().writer;
+  const bool allowed =
+      (writer == Writer::kCardholder && verified_) || (writer == Writer::kIssuer && underMac);
+  if (!allowed) return kSecurityNotSatisfied;
   Octets& content = CurrentFile().content;
   if (offset >= content.size()) return kWrongOffset;
   if (command.data.size() > content.size() - offset) return kNotEnoughSpace;
@@ -267,7 +302,25 @@ VirtualCard::Response VirtualCard::GetChallenge(const Command& command) {
   if (command.p1 != 0 || command.p2 != 0) return kWrongParameters;
   Octets challenge(command.expected == kAll ? kChallengeSize : command.expected);
   for (uint8_t& octet : challenge) octet = static_cast<uint8_t>(random_());
+  challenge_ = challenge;
   return challenge;
+}
+
+// The challenge if it is one that cryptograms can be made of.
+Octets VirtualCard::TakeChallenge() {
+  const Octets challenge = std::exchange(challenge_, {});
+  return challenge.size() == kChallengeSize ? challenge : Octets();
+}
+
+VirtualCard::Response VirtualCard::ExternalAuthenticate(const Command& command) {
+  if (command.p1 != 0 || command.p2 != 0) return kWrongParameters;
+  if (files_[directory_].name.empty()) return kConditionsNotSatisfied;
+  if (command.data.size() != kBlockSize) return kWrongLength;
+  const Octets challenge = TakeChallenge();
+  if (challenge.empty()) return kConditionsNotSatisfied;
+  const CardKey key(AuthenticationMasterKey(), SerialNumber());
+  authenticated_ = command.data == key.Encrypt(challenge);
+  return authenticated_ ? kDone : kNotAuthentic;
 }
 
 // Without data it only asks: 9000 when there is nothing to verify any more, else the tries left.

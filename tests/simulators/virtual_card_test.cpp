@@ -11,6 +11,12 @@ constexpr const char* kSelect = "00A4040008F04F5256414E450100";
 constexpr const char* kVerify = "0020008008241234FFFFFFFFFF";
 constexpr const char* kWrongPin = "0020008008240000FFFFFFFFFF";
 
+// A new card's first challenges are 5CF6EE792CDF05E1, BA2B6325C41A5F10, E7E459FAA111B337 and
+// AA5218595C3BDC8D. What belongs to them was computed with OpenSSL 3.0.
+constexpr const char* kChallenge = "0084000008";
+constexpr const char* kAuthenticate = "008200000874108E00BFB86359";        // with the first
+constexpr const char* kAuthenticateSecond = "008200000897BE824802DBF5BE";  // with the second
+
 std::string Send(VirtualCard& card, const std::string& command) {
   return ToHex(card.Transmit(FromHex(command)));
 }
@@ -161,6 +167,76 @@ const Sequence kSequences[] = {
       {"0020008007241234FFFFFFFF", "6700"},
       {"0020000108241234FFFFFFFFFF", "6A86"},
       {"0020008000", "63C3"}}},
+    {"SerialNumber",
+     {{"00B0820000", "5A0880999900000000429000"},
+      {"00D6820001 00", "6982"},
+      {kSelect, "612B"},
+      {"00B0820000", "6981"}}},  // there file 2 is another one
+    {"ExternalAuthenticate",
+     {{kChallenge, "*9000"},
+      {kAuthenticate, "6985"},  // the key belongs to the application
+      {kSelect, "612B"},
+      {"0082000108 74108E00BFB86359", "6A86"},
+      {"0082000007 74108E00BFB863", "6700"},
+      {kAuthenticate, "9000"},  // the challenge was still unused
+      {kAuthenticate, "6985"}}},
+    {"WrongCryptogramUsesTheChallengeUp",
+     {{kSelect, "612B"},
+      {kAuthenticate, "6985"},
+      {kChallenge, "*9000"},
+      {"0082000008 74108E00BFB86358", "6300"},
+      {kAuthenticate, "6985"},
+      {kChallenge, "*9000"},
+      {kAuthenticate, "6300"},
+      {"0084000004", "*9000"},
+      {kAuthenticate, "6985"}}},  // four octets are not enough
+    {"UpdateBinaryUnderMac",
+     {{kSelect, "612B"},
+      {"04D6860006 112270C3D59B", "6982"},
+      {kChallenge, "*9000"},
+      {kAuthenticate, "9000"},
+      {"00D6860002 1122", "6982"},  // without a MAC
+      {"04D6860004 70C3D59B", "6987"},
+      {"04D6860006 112270C3D59B", "6985"},  // without a challenge
+      {kChallenge, "*9000"},
+      {"04D6860006 112270C3D59B", "9000"},
+      {"04D6860006 112270C3D59B", "6985"},
+      {kChallenge, "*9000"},
+      {"04D686000C 112233445566778851F0586E", "9000"},
+      {kChallenge, "*9000"},
+      {"04D6860F06 5566F6CA9B47", "6A84"},
+      {"00B0860000", "112233445566778800000000000000009000"}}},
+    {"WrongMacEndsTheAuthentication",
+     {{kSelect, "612B"},
+      {kChallenge, "*9000"},
+      {kAuthenticate, "9000"},
+      {kChallenge, "*9000"},
+      {"04D6860106 112270C3D59B", "6988"},  // another offset than the MAC's
+      {kChallenge, "*9000"},
+      {"04D6860106 33444BEE9998", "6982"},
+      {"00B0860003", "0000009000"}}},
+    {"SelectEndsTheAuthentication",
+     {{kSelect, "612B"},
+      {kChallenge, "*9000"},
+      {kAuthenticate, "9000"},
+      {kChallenge, "*9000"},
+      {kSelect, "612B"},
+      {"04D6860006 112270C3D59B", "6982"},
+      {kAuthenticateSecond, "9000"}}},
+    {"IssuerAndCardholderWriteTheirOwnFiles",
+     {{kSelect, "612B"},
+      {kVerify, "9000"},
+      {"00D6860001 00", "6982"},
+      {kChallenge, "*9000"},
+      {kAuthenticate, "9000"},
+      {"00D6850001 00", "9000"},
+      {"00D6860001 00", "6982"}}},
+    {"IssuerNeedsThePinForNotes",
+     {{kSelect, "612B"},
+      {kChallenge, "*9000"},
+      {kAuthenticate, "9000"},
+      {kChallenge, "*9000"},
+      {"04D6850006 5566A4DFD1DA", "6982"}}},
     {"GetProcessingOptions",
      {{"80A8000006830409990999", "6985"},
       {kSelect, "612B"},
@@ -209,11 +285,19 @@ TEST(VirtualCard, ResetForgetsTheSessionAndKeepsWhatWasWritten) {
   EXPECT_EQ(Send(card, "0020008000"), "63C2");
 }
 
+TEST(VirtualCard, ResetForgetsTheChallenge) {
+  VirtualCard card;
+  Send(card, kChallenge);
+  card.Reset();
+  Send(card, kSelect);
+  EXPECT_EQ(Send(card, kAuthenticate), "6985");
+}
+
 // Runs every instruction with every P3 and every number of octets behind it.
 TEST(VirtualCard, EveryFormOfCommandGetsAStatusWord) {
   VirtualCard card;
-  for (const char* head : {"00200080", "00840000", "00A40400", "00A40000", "00B08500", "00B2010C",
-                           "00C00000", "00D68500", "80A80000"}) {
+  for (const char* head : {"00200080", "00820000", "00840000", "04D68600", "00A40400", "00A40000",
+                           "00B08500", "00B2010C", "00C00000", "00D68500", "80A80000"}) {
     Octets command = FromHex(head);
     command.push_back(0);
     for (size_t length = 0; length <= 262; ++length, command.push_back(0x3F)) {

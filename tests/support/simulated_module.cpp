@@ -13,7 +13,11 @@
 namespace support {
 namespace {
 
-const std::filesystem::path kModules = ORVANE_BUILD_FOLDER "/simulators";
+// Where the build puts a simulator: wdcrwx stands beside the library, the only place where the
+// library looks for it.
+std::filesystem::path FolderOf(const std::string& vendor) {
+  return vendor == "wdcrwx" ? ORVANE_BUILD_FOLDER : ORVANE_BUILD_FOLDER "/simulators";
+}
 
 std::filesystem::path MakeTemporaryFolder() {
   std::random_device random;
@@ -43,7 +47,8 @@ void RemoveFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
-SimulatedModule::SimulatedModule(const std::string& vendor) : SimulatedModule(vendor, kModules) {}
+SimulatedModule::SimulatedModule(const std::string& vendor)
+    : SimulatedModule(vendor, FolderOf(vendor)) {}
 
 SimulatedModule::SimulatedModule(const std::string& vendor, const std::filesystem::path& folder) {
   const std::string fileName = ModuleFileName(vendor);
@@ -83,15 +88,20 @@ void SimulatedModule::InsertCard(bool present) const {
 
 void* SimulatedModule::Export(const char* name) const { return FindExport(module_, name); }
 
-SimulatedModule ModuleWithout(const std::string& vendor, const std::string& function) {
+void WriteModuleWithout(const std::string& vendor, const std::string& function,
+                        const std::filesystem::path& folder) {
   const std::string fileName = ModuleFileName(vendor);
-  std::vector<char> octets = ReadFile(kModules / fileName);
+  std::vector<char> octets = ReadFile(FolderOf(vendor) / fileName);
   if (!HideExport(octets, function)) {
     throw std::runtime_error(fileName + " does not export " + function);
   }
+  WriteFile(folder / fileName, octets);
+}
+
+SimulatedModule ModuleWithout(const std::string& vendor, const std::string& function) {
   const std::filesystem::path folder = MakeTemporaryFolder();
   try {
-    WriteFile(folder / fileName, octets);
+    WriteModuleWithout(vendor, function, folder);
     SimulatedModule module(vendor, folder);
     module.temporaryFolder_ = folder;
     return module;

@@ -1,4 +1,6 @@
-// A simulated vendor module, loaded before the library looks for the vendor's name.
+// A simulated vendor module, loaded before the library looks for the vendor's name. wdcrwx is the
+// exception: the library looks for that one beside itself and finds no other, so that a test
+// without one of its functions needs the library's file in a folder of its own.
 #ifndef ORVANE_TESTS_SUPPORT_SIMULATED_MODULE_H
 #define ORVANE_TESTS_SUPPORT_SIMULATED_MODULE_H
 
@@ -45,6 +47,11 @@ class SimulatedModule {
   void* module_ = nullptr;
   std::filesystem::path temporaryFolder_;  // removed at the end unless empty
 };
+
+// Writes the vendor's module to the folder as it would be without one of its functions. Throws
+// std::runtime_error if it has no such function.
+void WriteModuleWithout(const std::string& vendor, const std::string& function,
+                        const std::filesystem::path& folder);
 
 // The vendor's module as it would be without one of its functions. Throws std::runtime_error if it
 // has no such function.

@@ -1,0 +1,98 @@
+/*
+ * A simulated tykeyint: two keys, the first one with the virtual card in it, the second one without
+ * a card.
+ *
+ * TYKey_OpenTYKey counts the keys from 0. In the table of TYKey_Status a key stands one place
+ * further on, in 1 and 2, so that a key opens under the number that it is listed with.
+ *
+ * The journal shows status words in hexadecimal. SimulatorRestart forgets the handles. These are
+ * negative numbers of 32 bits widened with their sign: a caller who widens them otherwise is found
+ * out.
+ *
+ * What the data and length of a prepared answer mean:
+ *   TYKey_Status         data: the table
+ *   TYKey_OpenTYKey      length: the handle
+ *   TYKey_ColdReset      data: the ATR
+ *   TYKey_SendCommand    data: the reply without its status word, which is the result
+ */
+#include "ty_answer.h"
+
+using simulator::Answer;
+using simulator::Call;
+using simulator::NotSimulated;
+
+namespace {
+
+constexpr uint16_t kNoKey = 0x6FFE;
+constexpr int32_t kKeys = 2;
+constexpr int32_t kKeyWithCard = 0;
+constexpr size_t kTableSize = 16;
+
+simulator::Handles handles(-1000);
+const simulator::AtRestart forget([] { handles.Forget(); });
+
+}  // namespace
+
+extern "C" {
+
+SIMULATOR_API int32_t TYKey_Change(void) {
+  Call call("TYKey_Change", {});
+  return call.Return<int32_t>(call.Ask([] { return Answer{0}; }));
+}
+
+SIMULATOR_API int32_t TYKey_Status(uint8_t* table) {
+  Call call("TYKey_Status", {});
+  const Answer answer = call.Ask([] {
+    simulator::Octets keys(kTableSize);
+    for (size_t key = 0; key < kKeys; ++key) keys[key + 1] = 1;
+    return Answer{0, keys};
+  });
+  call.Write(answer, table, kTableSize);
+  return call.Return<int32_t>(answer);
+}
+
+SIMULATOR_API uint16_t TYKey_OpenTYKey(int32_t index, int64_t* handle) {
+  Call call("TYKey_OpenTYKey", {index});
+  const Answer answer = call.Ask([&] {
+    const bool there = index >= 0 && index < kKeys;
+    return there ? Answer{ty::kDone, std::nullopt, handles.Open(index)} : Answer{kNoKey};
+  });
+  if (handle && answer.length != SIMULATOR_TRUE_LENGTH) {
+    *handle = answer.length;
+    call.Wrote(*handle);
+  }
+  return call.ReturnHex<uint16_t>(answer);
+}
+
+SIMULATOR_API uint16_t TYKey_CloseTYKey(int64_t handle) {
+  Call call("TYKey_CloseTYKey", {handle});
+  return call.ReturnHex<uint16_t>(
+      call.Ask([&] { return Answer{handles.Close(handle) ? ty::kDone : kNoKey}; }));
+}
+
+SIMULATOR_API uint16_t TYKey_ColdReset(int64_t handle, uint32_t* length, uint8_t* buffer) {
+  Call call("TYKey_ColdReset", {handle});
+  const Answer answer = call.Ask(
+      [&] { return handles.Reader(handle) == kKeyWithCard ? ty::ToReset() : Answer{ty::kNoCard}; });
+  HandOver(call, answer, buffer, length);
+  return call.ReturnHex<uint16_t>(answer);
+}
+
+SIMULATOR_API uint16_t TYKey_SendCommand(int64_t handle, uint32_t length, const uint8_t* command,
+                                         uint32_t* replyLength, uint8_t* reply) {
+  Call call("TYKey_SendCommand", {handle, {command, length}});
+  const Answer answer = call.Ask([&] {
+    return handles.Reader(handle) == kKeyWithCard ? ty::ToCommand(command, length)
+                                                  : Answer{ty::kNoCard};
+  });
+  HandOver(call, answer, reply, replyLength);
+  return call.ReturnHex<uint16_t>(answer);
+}
+
+SIMULATOR_API int32_t TYKey_GetATR(void) { return NotSimulated("TYKey_GetATR"); }
+SIMULATOR_API int32_t TYKey_CardExist(void) { return NotSimulated("TYKey_CardExist"); }
+SIMULATOR_API int32_t TYKey_KeyExist(void) { return NotSimulated("TYKey_KeyExist"); }
+SIMULATOR_API int32_t TYKey_BeginTransEx(void) { return NotSimulated("TYKey_BeginTransEx"); }
+SIMULATOR_API int32_t TYKey_EndTransEx(void) { return NotSimulated("TYKey_EndTransEx"); }
+
+}  // extern "C"

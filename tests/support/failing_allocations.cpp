@@ -1,0 +1,28 @@
+#include "support/failing_allocations.h"
+
+#include <cstdlib>
+#include <new>
+
+int support::allocationsLeft = support::kAnyNumber;
+
+void* operator new(std::size_t size) {
+  int& left = support::allocationsLeft;
+  void* const area = left == 0 ? nullptr : std::malloc(size);
+  if (area == nullptr) throw std::bad_alloc();
+  if (left > 0) --left;
+  return area;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* area) noexcept { std::free(area); }
+void operator delete(void* area, std::size_t) noexcept { std::free(area); }
+void operator delete[](void* area) noexcept { std::free(area); }
+void operator delete[](void* area, std::size_t) noexcept { std::free(area); }
