@@ -24,6 +24,9 @@ std::string_view ModuleExtension();
 // later is then this one.
 bool LoadModule(const std::filesystem::path& file);
 
+// True if a module stands loaded under this vendor's name and exports such a function.
+bool LoadedModuleExports(std::string_view vendor, const char* function);
+
 // Reads a line from the terminal, without its end; none at the end of input.
 std::optional<std::string> EditLine(const std::string& prompt);
 

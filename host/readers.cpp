@@ -26,6 +26,13 @@ std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder
   return modules;
 }
 
+// The library looks for this module beside itself alone, so that no simulator can be put in its
+// place: listing has it loaded, whichever it is.
+bool WdIsSimulated() {
+  ListReaders(ReaderKindWd, 0);
+  return LoadedModuleExports("wdcrwx", "SimulatorRestart");
+}
+
 // What could have been meant instead of a reader that does not open.
 std::string Hint(const ReaderAddress& address) {
   if (address.kind != ReaderKindPcsc) return "";
@@ -72,6 +79,12 @@ Framing Readers::CurrentFraming() const {
   return kinds_[current_].value_or(defaultKind_) == ReaderKindTcp ? Framing::kRaw : Framing::kApdu;
 }
 
+bool Readers::Simulated() const {
+  const int32_t kind = kinds_[current_].value_or(defaultKind_);
+  if (kind == ReaderKindWd) return WdIsSimulated();
+  return simulated_ && kind != ReaderKindTcp;
+}
+
 void Readers::Select(std::string_view number) {
   size_t index = kinds_.size();
   if (IsDecimal(number)) std::from_chars(number.data(), number.data() + number.size(), index);
@@ -92,6 +105,9 @@ void Readers::Prepare(const ReaderAddress& address) {
 ReaderAddress Readers::Open(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
   Prepare(address);
+  if (simulated_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
+    throw Failure(kReaderFault, "the WD library beside this one is no simulator: it is not opened");
+  }
   if (kinds_[current_]) CloseReader();
   kinds_[current_].reset();
   if (!address.port) address.name = MatchReaderName(address.name, ListReaders(address.kind, 0));

@@ -34,8 +34,8 @@ class Readers {
 
   // True once any reader has been asked for.
   bool Used() const { return used_; }
-  // True if the simulators stand behind the readers.
-  bool Simulated() const { return simulated_; }
+  // True if a simulator stands behind the current reader.
+  bool Simulated() const;
   // Of the current reader; of none, the default kind's.
   Framing CurrentFraming() const;
 

@@ -28,4 +28,13 @@ bool LoadModule(const std::filesystem::path& file) {
   return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr;
 }
 
+bool LoadedModuleExports(std::string_view vendor, const char* function) {
+  const std::string fileName = "lib" + std::string(vendor) + ".so";
+  void* const module = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
+  if (module == nullptr) return false;
+  const bool found = dlsym(module, function) != nullptr;
+  dlclose(module);
+  return found;
+}
+
 }  // namespace host

@@ -36,4 +36,9 @@ std::string_view ModuleExtension() { return ".dll"; }
 
 bool LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()) != nullptr; }
 
+bool LoadedModuleExports(std::string_view vendor, const char* function) {
+  const HMODULE module = GetModuleHandleA((std::string(vendor) + ".dll").c_str());
+  return module != nullptr && GetProcAddress(module, function) != nullptr;
+}
+
 }  // namespace host

@@ -127,6 +127,19 @@ TEST(Run, StopsAtAnExpectationThatDoesNotHold) {
   });
 }
 
+TEST(Run, CarriesOutTheExamples) {
+  const Folder folder;
+  for (const char* name : {"payment.orv", "authenticate.orv"}) {
+    const std::string script = ORVANE_SOURCE_FOLDER "/examples/" + std::string(name);
+    const Outcome outcome = RunOrvane(folder, "run --simulate " + script);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.out << outcome.err;
+    // A master key, and the key that is derived from it.
+    for (const char* secret : {"4041424344454647", "0B96FA2D051A6E0B"}) {
+      EXPECT_EQ(outcome.out.find(secret), std::string::npos) << outcome.out;
+    }
+  }
+}
+
 // Whatever is wrong, the statement's command must not have gone to the card.
 TEST(Run, SendsNothingOfAStatementThatIsWrong) {
   const std::string undefined = "{}:1: undefined variable %U\n";

@@ -33,12 +33,13 @@ std::string Folder::Write(std::string_view name, std::string_view content) const
   return Path(name);
 }
 
-Outcome RunOrvane(const Folder& folder, const std::string& arguments, std::string_view input) {
+Outcome RunOrvane(const Folder& folder, const std::string& arguments, std::string_view input,
+                  const std::string& programFolder) {
   const std::string out = folder.Path("out");
   const std::string err = folder.Path("err");
   const std::string in = folder.Write("in", input);
   const std::string command =
-      ORVANE_BUILD_FOLDER "/orvane " + arguments + " <" + in + " >" + out + " 2>" + err;
+      programFolder + "/orvane " + arguments + " <" + in + " >" + out + " 2>" + err;
   const int status = std::system(command.c_str());
   return {ExitCodeOf(status), Content(out), Content(err)};
 }

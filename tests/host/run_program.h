@@ -26,8 +26,10 @@ class Folder {
   std::filesystem::path path_;
 };
 
-// Runs the program `orvane` with arguments as a shell takes them, and input as standard input.
-Outcome RunOrvane(const Folder& folder, const std::string& arguments, std::string_view input = "");
+// Runs the program `orvane` with arguments as a shell takes them, and input as standard input. The
+// program stands in the build's folder or in another one.
+Outcome RunOrvane(const Folder& folder, const std::string& arguments, std::string_view input = "",
+                  const std::string& programFolder = ORVANE_BUILD_FOLDER);
 
 // The exit code in what std::system gave; -1 if there was none.
 int ExitCodeOf(int status);

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <sstream>
 
@@ -41,68 +40,6 @@ struct Answer {
   const char* data;
   int64_t length = SIMULATOR_TRUE_LENGTH;
 };
-
-struct ExchangeRow {
-  const char* name;
-  std::vector<Answer> answers;
-  Reply expected;
-  std::size_t commandsSent = 1;
-};
-
-const std::string kLongestReply = std::string(508, '1') + "9000";
-
-const ExchangeRow kExchanges[] = {
-    {"success alone", {{0, "9000"}}, {1, "9000"}},
-    {"data and success", {{0, "0102039000"}}, {1, "010203"}},
-    {"longest reply", {{0, kLongestReply.c_str()}}, {1, std::string(508, '1')}},
-    {"error", {{0, "6A82"}}, {0, "6A82"}},
-    {"data and error", {{0, "01026282"}}, {0, "0102"}},
-    {"wrong Le", {{0, "6C10"}}, {0, "6C10"}},
-    {"more data", {{0, "6103"}, {0, "0102039000"}}, {1, "010203"}, 2},
-    {"more data that is none", {{0, "6103"}, {0, "9000"}}, {1, "9000"}, 2},
-    {"more data twice", {{0, "6103"}, {0, "6104"}}, {0, "6104"}, 2},
-    {"more data, then an error", {{0, "6103"}, {0, "016F00"}}, {0, "016F"}, 2},
-    {"more data, then no answer", {{0, "6103"}, {kAnyError, nullptr}}, {0, "6103"}, 2},
-    {"more data, then a lie", {{0, "6103"}, {0, "9000", 257}}, {0, "6103"}, 2},
-    {"more data, then one octet", {{0, "6103"}, {0, "90"}}, {0, "6103"}, 2},
-    {"no answer", {{kAnyError, "9000"}}, {0, ""}},
-    {"removed card", {{kRemovedCard, nullptr}}, {0, ""}},
-    {"no octet", {{0, ""}}, {0, ""}},
-    {"one octet", {{0, "90"}}, {0, ""}},
-    {"length 257", {{0, "9000", 257}}, {0, ""}},
-    {"length 300", {{0, kLongestReply.c_str(), 300}}, {0, ""}},
-    {"length 2147483647", {{0, "9000", 0x7FFFFFFF}}, {0, ""}},
-    {"length -1", {{0, "9000", -1}}, {0, ""}},
-};
-
-void ExpectExchanges(const SimulatedModule& winscard, const char* function) {
-  for (const ExchangeRow& row : kExchanges) {
-    winscard.Restart();
-    for (const Answer& answer : row.answers) {
-      winscard.Answer(function, answer.result, answer.data, answer.length);
-    }
-    EXPECT_EQ(Send("00B0000003"), row.expected) << row.name;
-    const std::string journal = winscard.Journal();
-    EXPECT_EQ(std::count(journal.begin(), journal.end(), '\n'),
-              static_cast<std::ptrdiff_t>(row.commandsSent))
-        << row.name << '\n'
-        << journal;
-    const bool askedForMore = journal.find("00C0000003") != std::string::npos;
-    EXPECT_EQ(askedForMore, row.commandsSent == 2) << row.name << '\n' << journal;
-    EXPECT_EQ(journal.find(std::string(function) + '('), 0U) << row.name << '\n' << journal;
-  }
-}
-
-TEST_F(PcscReader, ExchangesByTheStandardCall) {
-  ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1);
-  ExpectExchanges(winscard, "SCardTransmit");
-}
-
-TEST_F(PcscReader, ExchangesByControlCodeInAnotherSlot) {
-  ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1);
-  ChangeSlot("01");
-  ExpectExchanges(winscard, "SCardControl");
-}
 
 TEST_F(PcscReader, TalksToTheCard) {
   ASSERT_EQ(OpenReader(1, ReaderKindPcsc, 9600), 1);

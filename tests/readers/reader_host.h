@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,15 @@ inline std::vector<std::string> List(int kind, int count, int max) {
   EXPECT_EQ(records[static_cast<std::size_t>(written)].kind, 0x55555555)
       << "written behind the last record";
   return lines;
+}
+
+/// A simulator's journal with what the calls were given alone, not what they gave back.
+inline std::string CallsWithoutResults(const std::string& journal) {
+  std::istringstream lines(journal);
+  std::string calls;
+  for (std::string line; std::getline(lines, line);)
+    calls += line.substr(0, line.find(") = ") + 1) + '\n';
+  return calls;
 }
 
 /// Leaves every slot without a driver, and so without a library, behind each test.
