@@ -14,6 +14,8 @@ constexpr std::array<std::string_view, 5> kTellingNames = {"PIN", "PUK", "KEY", 
 constexpr std::array<std::string_view, 3> kOwnNames = {"%RESP", "%SW", "%ATR"};
 constexpr std::array<std::string_view, 4> kHidingCommands = {"@STRLEN", "@STRLENH", "@MAC",
                                                              "@RSAPUBENC"};
+// Their first argument is a key.
+constexpr std::array<std::string_view, 4> kKeyCommands = {"@DES", "@DESCBC", "@MAC", "@SUBKEY"};
 constexpr size_t kHeaderDigits = 8;
 
 template <typename Names>
@@ -26,6 +28,41 @@ bool IsHidden(const Statement& statement, size_t word) {
   return std::any_of(statement.calls.begin(), statement.calls.end(), [&](const Call& call) {
     return word > call.first && word < call.last && Contains(kHidingCommands, call.keyword);
   });
+}
+
+// The index behind the last word of a call's first argument.
+size_t EndOfFirstArgument(const Statement& statement, const Call& call) {
+  size_t depth = 0;
+  size_t at = call.first + 2;
+  for (; at < call.last; ++at) {
+    const WordKind kind = statement.words[at].kind;
+    if (kind == WordKind::kOpen) ++depth;
+    if (kind == WordKind::kClose) --depth;
+    if (kind == WordKind::kComma && depth == 0) break;
+  }
+  return at;
+}
+
+bool IsKey(const Statement& statement, size_t word) {
+  return std::any_of(statement.calls.begin(), statement.calls.end(), [&](const Call& call) {
+    return word > call.first && Contains(kKeyCommands, call.keyword) &&
+           word < EndOfFirstArgument(statement, call);
+  });
+}
+
+// True for a word of the data that tells one derived key from another, which is no secret.
+bool IsSerialNumber(const Statement& statement, size_t word) {
+  return std::any_of(statement.calls.begin(), statement.calls.end(), [&](const Call& call) {
+    return call.keyword == "@SUBKEY" && word < call.last &&
+           word >= EndOfFirstArgument(statement, call);
+  });
+}
+
+bool SpellsKey(const Statement& statement) {
+  for (size_t at = statement.value; at < statement.end; ++at) {
+    if (statement.words[at].kind == WordKind::kLiteral && IsKey(statement, at)) return true;
+  }
+  return false;
 }
 
 bool SendsSecret(const Statement& statement) {
@@ -65,28 +102,38 @@ bool Secrets::IsSecret(std::string_view name) const {
 bool Secrets::ReadsSecret(const Statement& statement) const {
   for (size_t at = statement.value; at < statement.end; ++at) {
     const Word& word = statement.words[at];
-    if (word.kind == WordKind::kVariable && IsSecret(word.text) && !IsHidden(statement, at)) {
-      return true;
-    }
+    const bool secret = (word.kind == WordKind::kVariable && IsSecret(word.text)) ||
+                        (word.kind == WordKind::kLiteral && IsKey(statement, at));
+    if (secret && !IsHidden(statement, at)) return true;
   }
   return false;
 }
 
 bool Secrets::Touches(const Statement& statement) const {
   const bool stores = statement.form == Form::kAssignment && IsSecret(statement.words[0].text);
-  return stores || SendsSecret(statement) || ReadsSecret(statement);
+  return stores || SpellsKey(statement) || SendsSecret(statement) || ReadsSecret(statement);
 }
 
 void Secrets::MarkSources(const Statement& statement, size_t first) {
   for (size_t at = first; at < statement.end; ++at) {
     const Word& word = statement.words[at];
     if (word.kind != WordKind::kVariable || IsHidden(statement, at)) continue;
-    sent_.insert(UpperCase(word.text));
+    if (!IsSerialNumber(statement, at)) sent_.insert(UpperCase(word.text));
+  }
+}
+
+void Secrets::MarkKeys(const Statement& statement) {
+  for (size_t at = statement.value; at < statement.end; ++at) {
+    const Word& word = statement.words[at];
+    if (word.kind == WordKind::kVariable && IsKey(statement, at)) {
+      sent_.insert(UpperCase(word.text));
+    }
   }
 }
 
 void Secrets::Learn(const std::vector<Statement>& script) {
   for (const Statement& statement : script) {
+    MarkKeys(statement);
     if (SendsSecret(statement)) MarkSources(statement, FirstDataWord(statement));
   }
   for (size_t known = sent_.size() + 1; known != sent_.size();) {

@@ -15,12 +15,21 @@ TEST(Secrets, FollowAValueFromItsNameToItsUse) {
   EXPECT_FALSE(touches("%LENGTH = @strlenh(%PIN)"));
   EXPECT_FALSE(touches("84D6000004 @mac(%KEY,00,00,1)"));
   EXPECT_FALSE(touches("%A = 00"));
+  EXPECT_TRUE(touches("%MAC = @mac(404142 %X,00,00,1)"));
+  EXPECT_TRUE(touches("00820000 08 @des(@xor(4041,%X),%RESP,1)"));
+  EXPECT_TRUE(touches("@compare(@DesCbc(4041,00,00,1),00,1)"));
+  EXPECT_FALSE(touches("@descbc(%A,4041,4243,1)"));
 
   secrets.Follow(ReadStatement("%A = 24 %PIN"));
   secrets.Follow(ReadStatement("%b = %a FF"));
   EXPECT_TRUE(touches("%C = %B"));
   secrets.Follow(ReadStatement("%B = 00"));
   EXPECT_FALSE(touches("%C = %B"));
+
+  secrets.Follow(ReadStatement("%D = @SUBKEY(4041,%SERIAL)"));
+  EXPECT_TRUE(touches("%C = %D"));
+  secrets.Follow(ReadStatement("%D = @mac(4041,%SERIAL,00,1)"));
+  EXPECT_FALSE(touches("%C = %D"));
 }
 
 TEST(Secrets, AreFoundInAScriptBeforeItRuns) {
@@ -37,6 +46,23 @@ TEST(Secrets, AreFoundInAScriptBeforeItRuns) {
   EXPECT_FALSE(secrets.Touches(script[2]));
   EXPECT_TRUE(secrets.Touches(script[3]));
   EXPECT_FALSE(secrets.Touches(script[5]));
+}
+
+TEST(Secrets, KeysAreFoundByTheirUse) {
+  Secrets secrets;
+  std::vector<Statement> script;
+  for (const char* line : {"%K = 4041", "%HALF = 40", "%L = %HALF 41", "%SERIAL = 42", "%DATA = 43",
+                           "%CARD = @SUBKEY(%L,%SERIAL)", "84D6000004 @mac(%K,%DATA,00,1)",
+                           "%OUT = @des(@xor(%CARD,FF),%DATA,1)"}) {
+    script.push_back(ReadStatement(line));
+  }
+  secrets.Learn(script);
+  for (const size_t secret : {0u, 1u, 2u, 5u, 7u}) {
+    EXPECT_TRUE(secrets.Touches(script[secret])) << script[secret].text;
+  }
+  for (const size_t open : {3u, 4u, 6u}) {
+    EXPECT_FALSE(secrets.Touches(script[open])) << script[open].text;
+  }
 }
 
 TEST(Secrets, LeaveTheHeaderOfAMaskedStatement) {
