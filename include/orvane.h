@@ -304,6 +304,84 @@ ORVANE_API void AsciiLog(const char* path, const char* text);
 /* Appends count octets, of any number, as hexadecimal text. A count below 1 appends nothing. */
 ORVANE_API void HexLog(const char* path, const unsigned char* octets, int32_t count);
 
+/* ---- Tags ------------------------------------------------------------------------------------
+ *
+ * A tag parser takes BER-TLV data (ISO/IEC 8825-1, as ISO/IEC 7816-4 uses it) apart and keeps the
+ * value of each tag. Take one with TagParsing_Init, parse any number of texts, ask for any number
+ * of tags, and give it back with TagParsing_Free. Use each parser from one thread at a time.
+ *
+ * Tags have one octet: a first octet whose low five bits are all set (9F 36, BF 0C, FF) is refused.
+ * Lengths have the short form or the long form with one to four octets; the indefinite form is
+ * refused. 00 is an ordinary tag: no filler may stand between the elements. A constructed element
+ * is kept whole and its children are kept beside it, under their own tags; it may not be empty. Of
+ * elements with the same tag the last one counts, in reading order, a parent before its children.
+ */
+typedef struct TagParser TagParser;
+
+/* What is known under a tag: 2,050 octets. */
+typedef struct TagRecord {
+  char lengthText[4]; /* the two digits of the first length octet, zero-terminated */
+  char value[2046];   /* upper-case hexadecimal text with zeros behind it; no terminator when full */
+} TagRecord;
+
+/* Makes a parser that knows no tag; null if memory ran out. */
+ORVANE_API TagParser* TagParsing_Init(void);
+
+/* Parses hexadecimal text and adds what it finds, in the place of what was known under the same
+ * tags. 1 if the whole text was parsed. 0 on the first element that is malformed, refused, longer
+ * than the text or longer than 1,023 octets: what stands before it is kept, and so is a constructed
+ * element whose children, or lack of them, are the fault. 0 with nothing added when the text is
+ * empty or has a character that is neither digit nor blank, when memory ran out, and for a null
+ * pointer. */
+ORVANE_API int32_t TagParsing_Parse(TagParser* parser, const char* text);
+
+/* Hands over the record of a tag, two digits of either case. 1, or 0 with zeros alone in out if the
+ * tag is not known. A null pointer gives 0 and writes nothing.
+ *   out  room for 2,050 bytes, a TagRecord; the value stands at out + 4 */
+ORVANE_API int32_t TagParsing_GetTag(TagParser* parser, const char* tag, char* out);
+
+/* Gives a parser back. Null is ignored. */
+ORVANE_API void TagParsing_Free(TagParser* parser);
+
+/* The dictionary of tags: one list of records for the process, kept in the file dictdata.bin in the
+ * current directory. The first call that finds the file reads it, once; only FlushTagdict writes
+ * it. A file that ends early gives the records that are complete, a text longer than its field is
+ * cut to fit, and wide texts turn into the ANSI code page. Without a file the list begins empty.
+ * Use these functions from one thread at a time; they all give 0 when memory runs out, with
+ * nothing changed, but for FlushTagdict.
+ *
+ * A record: 1,244 octets. Texts are zero-terminated and mean nothing to the library; one that fills
+ * its field without a terminator loses its last byte. */
+typedef struct TagdictData {
+  char tag[20];
+  char shortText[200];
+  char longText[1024];
+} TagdictData;
+
+/* Copies the whole list, in its order: that of the file, then as added. Gives 1.
+ *   records  room for every record; there is no other way to ask for their number
+ *   count    their number, 0 for an empty list */
+ORVANE_API int32_t GetTagdict(TagdictData* records, int32_t* count);
+
+/* Copies the first record whose tag is the same in either case. 1, or 0 with out untouched. */
+ORVANE_API int32_t FindTagdictData(const char* tag, TagdictData* out);
+
+/* Adds a record at the end. 0 if FindTagdictData would find its tag. */
+ORVANE_API int32_t AddTagdictData(const TagdictData* record);
+
+/* Removes the first record with exactly this tag, upper and lower case counting. 0 if none has. */
+ORVANE_API int32_t DeleteTagdictData(const char* tag);
+
+/* Removes the record with exactly this tag, if there is one, and adds this one at the end. 0 if the
+ * tag is then still there in another case: the record is not added. */
+ORVANE_API int32_t UpTagdictData(const TagdictData* record);
+
+/* Writes the whole list to the file. Always 1: a file that can't be written, or one that is there
+ * and failed while it was read, stays as it was. A process that ends in the middle leaves the old
+ * file or the new one, whole, wherever a new file may stand beside the old one and take its place;
+ * where the folder forbids that, the file itself is overwritten. */
+ORVANE_API int32_t FlushTagdict(void);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orvane::platform {
+
+/// A file that is read from its start, untranslated. Empty if it can't be opened; a folder can't.
+class InputFile {
+ public:
+  explicit InputFile(const char* path);
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+  ~InputFile();
+
+  explicit operator bool() const { return handle_ != kNone; }
+
+  /// Reads up to size octets; 0 at the end of the file, and once reading has failed.
+  std::size_t Read(char* area, std::size_t size);
+
+  bool Failed() const { return failed_; }
+
+ private:
+  static constexpr std::intptr_t kNone = -1;
+
+  std::intptr_t handle_ = kNone;
+  bool failed_ = false;
+};
+
+}  // namespace orvane::platform

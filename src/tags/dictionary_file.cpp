@@ -1,0 +1,175 @@
+#include "tags/dictionary_file.h"
+
+#include <algorithm>
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string_view>
+
+#include "platform/code_page.h"
+
+namespace orvane {
+namespace {
+
+constexpr std::uint8_t kLongLength = 0xFF;       // the length follows in two octets
+constexpr std::uint16_t kLongerLength = 0xFFFF;  // in four
+constexpr std::uint32_t kLongestLength = 0xFFFFFFFF;
+constexpr std::uint16_t kWideText = 0xFFFE;  // it follows from its first octet on
+
+static_assert(sizeof(TagdictData::longText) < kWideText, "the writer knows the first two forms");
+
+/// Reads in small pieces from a file of any size. All functions are false at its end.
+class Reader {
+ public:
+  explicit Reader(platform::InputFile& file) : file_(file) {}
+
+  bool Read(char* out, std::size_t size) {
+    while (size > 0) {
+      if (next_ == end_ && !Fill()) return false;
+      const std::size_t part = std::min(size, end_ - next_);
+      std::memcpy(out, area_.data() + next_, part);
+      next_ += part;
+      out += part;
+      size -= part;
+    }
+    return true;
+  }
+
+  bool Skip(std::uint64_t size) {
+    while (size > 0) {
+      if (next_ == end_ && !Fill()) return false;
+      const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(size, end_ - next_));
+      next_ += part;
+      size -= part;
+    }
+    return true;
+  }
+
+  /// Little-endian.
+  template <std::unsigned_integral Number>
+  bool Read(Number& number) {
+    std::array<char, sizeof(Number)> octets;
+    if (!Read(octets.data(), octets.size())) return false;
+    std::uint64_t value = 0;
+    for (std::size_t i = octets.size(); i-- > 0;) {
+      value = value << 8U | static_cast<unsigned char>(octets[i]);
+    }
+    number = static_cast<Number>(value);
+    return true;
+  }
+
+ private:
+  bool Fill() {
+    next_ = 0;
+    end_ = file_.Read(area_.data(), area_.size());
+    return end_ > 0;
+  }
+
+  platform::InputFile& file_;
+  std::array<char, 4096> area_;
+  std::size_t next_ = 0;
+  std::size_t end_ = 0;
+};
+
+struct Length {
+  std::uint64_t characters = 0;
+  bool wide = false;
+};
+
+template <std::unsigned_integral Number>
+bool ReadNumber(Reader& reader, std::uint64_t& out) {
+  Number number;
+  if (!reader.Read(number)) return false;
+  out = number;
+  return true;
+}
+
+bool ReadLength(Reader& reader, Length& length) {
+  std::uint64_t& count = length.characters;
+  for (;;) {
+    if (!ReadNumber<std::uint8_t>(reader, count)) return false;
+    if (count != kLongLength) return true;
+    if (!ReadNumber<std::uint16_t>(reader, count)) return false;
+    if (count != kWideText) break;
+    length.wide = true;
+  }
+  if (count != kLongerLength) return true;
+  if (!ReadNumber<std::uint32_t>(reader, count)) return false;
+  return count != kLongestLength || ReadNumber<std::uint64_t>(reader, count);
+}
+
+bool ReadNarrow(Reader& reader, std::uint64_t count, std::span<char> field) {
+  const auto kept = static_cast<std::size_t>(std::min<std::uint64_t>(count, field.size() - 1));
+  return reader.Read(field.data(), kept) && reader.Skip(count - kept);
+}
+
+bool ReadWide(Reader& reader, std::uint64_t count, std::span<char> field) {
+  // Two units, a surrogate pair, may make one narrow character, but never less.
+  std::u16string units;
+  const std::uint64_t kept = std::min<std::uint64_t>(count, 2 * (field.size() - 1));
+  while (units.size() < kept) {
+    std::uint16_t unit;
+    if (!reader.Read(unit)) return false;
+    units += static_cast<char16_t>(unit);
+  }
+  if (!reader.Skip(count - kept) || !reader.Skip(count - kept)) return false;
+  const std::string text = platform::AnsiText(units);
+  std::memcpy(field.data(), text.data(), std::min(text.size(), field.size() - 1));
+  return true;
+}
+
+bool ReadField(Reader& reader, std::span<char> field) {
+  Length length;
+  if (!ReadLength(reader, length)) return false;
+  if (!(length.wide ? ReadWide : ReadNarrow)(reader, length.characters, field)) return false;
+  std::fill(std::find(field.begin(), field.end(), '\0'), field.end(), '\0');
+  return true;
+}
+
+template <std::unsigned_integral Number>
+void AppendNumber(std::string& image, Number number) {
+  for (std::size_t i = 0; i < sizeof(Number); ++i) image += static_cast<char>(number >> 8 * i);
+}
+
+void AppendField(std::string& image, std::string_view text) {
+  if (text.size() < kLongLength) {
+    AppendNumber(image, static_cast<std::uint8_t>(text.size()));
+  } else {
+    AppendNumber(image, kLongLength);
+    AppendNumber(image, static_cast<std::uint16_t>(text.size()));
+  }
+  image += text;
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<TagdictData>> ReadRecords(platform::InputFile& file) {
+  Reader reader(file);
+  std::vector<std::unique_ptr<TagdictData>> records;
+  std::uint32_t bits;
+  if (!reader.Read(bits)) return records;
+  for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
+    auto record = std::make_unique<TagdictData>();
+    if (!ReadField(reader, record->tag) || !ReadField(reader, record->shortText) ||
+        !ReadField(reader, record->longText)) {
+      break;
+    }
+    records.push_back(std::move(record));
+  }
+  return records;
+}
+
+void AppendCount(std::string& image, std::int32_t count) {
+  AppendNumber(image, static_cast<std::uint32_t>(count));
+}
+
+void AppendRecord(std::string& image, const TagdictData& record) {
+  AppendField(image, record.tag);
+  AppendField(image, record.shortText);
+  AppendField(image, record.longText);
+}
+
+}  // namespace orvane
