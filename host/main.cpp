@@ -1,5 +1,7 @@
 #include <CLI/CLI.hpp>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -10,7 +12,9 @@
 #include "host/script.h"
 #include "host/session.h"
 #include "host/shell.h"
+#include "host/tags_dictionary.h"
 #include "host/text.h"
+#include "host/tlv_tree.h"
 
 namespace host {
 namespace {
@@ -29,7 +33,8 @@ class Workplace {
   explicit Workplace(const Options& options, bool echoStatements = true)
       : readers_(options.kind, options.simulate),
         silent_(nullptr),
-        trace_(options.quiet ? silent_ : std::cout, WantsColour(options)),
+        trace_(options.quiet ? silent_ : std::cout,
+               {.colour = WantsColour(options), .tlv = options.tlv}),
         session_(readers_, secrets_, trace_,
                  {.showSecrets = options.showSecrets,
                   .echoStatements = echoStatements,
@@ -76,6 +81,31 @@ void ShowReaders(const Options& options) {
   PrintReaders(std::cout, options.listedKind, options.ports);
 }
 
+void ShowTlv(const Options& options) {
+  std::string text;
+  for (const std::string& part : options.data) text += part;
+  if (options.data.empty()) text.assign(std::istreambuf_iterator<char>(std::cin), {});
+  PrintTlv(std::cout, text);
+}
+
+std::vector<TagEntry> TagList(const std::string& file) {
+  if (file == "-") return ReadTagList(std::cin, "<stdin>");
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw Failure(kFileFault, "can't open " + file);
+  return ReadTagList(in, file);
+}
+
+void EditTags(const CLI::App& tags, const Options& options) {
+  if (tags.got_subcommand("list")) PrintTags(std::cout);
+  if (tags.got_subcommand("find")) PrintTag(std::cout, options.entry.tag);
+  if (tags.got_subcommand("add")) AddTag(options.entry, options.replace);
+  if (tags.got_subcommand("remove")) RemoveTag(options.entry.tag);
+  if (tags.got_subcommand("import")) {
+    const size_t count = ImportTags(TagList(options.tagList));
+    std::cout << count << (count == 1 ? " entry\n" : " entries\n");
+  }
+}
+
 int Main(int count, char** arguments) {
   Options options;
   CLI::App app;
@@ -86,6 +116,8 @@ int Main(int count, char** arguments) {
     if (app.got_subcommand("apdu")) SendCommands(options);
     if (app.got_subcommand("shell")) StartShell(options);
     if (app.got_subcommand("readers")) ShowReaders(options);
+    if (app.got_subcommand("tlv")) ShowTlv(options);
+    if (app.got_subcommand("tags")) EditTags(*app.get_subcommand("tags"), options);
     return kDone;
   } catch (const CLI::Success& request) {
     return app.exit(request);

@@ -27,13 +27,18 @@ Secrets
   Shown as **: the data of commands that carry PINs or keys, variables whose names say PIN,
   PUK, KEY, PASSWORD or SECRET, and what is made from them.
 
+Tags
+  Names of tags come from the file dictdata.bin in the current directory.
+  orvane tags import examples/tags.txt fills it.
+
 Exit codes
   0  done
-  1  an expectation (@compare) did not hold
+  1  an expectation (@compare) did not hold, or the dictionary has no such tag
   2  the command line is wrong
-  3  the script is wrong: an undefined variable, a command that is not hexadecimal, ...
+  3  the script or the data is wrong: an undefined variable, a command that is not
+     hexadecimal, BER-TLV data that is cut, ...
   4  reader or card trouble
-  5  the script file can't be read
+  5  a file can't be read or written
 
 Try it
   orvane run examples/payment.orv
@@ -73,6 +78,14 @@ void AddTrace(CLI::App& command, Options& options) {
   command.add_flag("--show-secrets", options.showSecrets, "Show PINs and keys");
 }
 
+void AddTlv(CLI::App& command, Options& options) {
+  command.add_flag("--tlv", options.tlv, "Take answers of BER-TLV data apart");
+}
+
+void AddTag(CLI::App& command, Options& options) {
+  command.add_option("TAG", options.entry.tag, "The tag, hexadecimal digits")->required();
+}
+
 void AddQuiet(CLI::App& command, Options& options) {
   command.add_flag("-q,--quiet", options.quiet, "Show nothing but failures");
 }
@@ -82,6 +95,22 @@ void AddDefinitions(CLI::App& command, Options& options) {
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false)
       ->check(CheckDefinition);
+}
+
+void DescribeTags(CLI::App& tags, Options& options) {
+  tags.require_subcommand(1);
+  tags.add_subcommand("list", "List all entries");
+  AddTag(*tags.add_subcommand("find", "Show one entry"), options);
+  CLI::App& add = *tags.add_subcommand("add", "Add an entry");
+  AddTag(add, options);
+  add.add_option("NAME", options.entry.name, "What the tag stands for")->required();
+  add.add_option("TEXT", options.entry.text, "More about it");
+  add.add_flag("--replace", options.replace, "Put it in the place of an entry that is there");
+  AddTag(*tags.add_subcommand("remove", "Remove an entry"), options);
+  tags.add_subcommand("import", "Add or replace the entries of a list")
+      ->add_option("FILE", options.tagList,
+                   "The list, a line an entry: TAG NAME or TAG NAME | TEXT; - is standard input")
+      ->required();
 }
 
 }  // namespace
@@ -97,17 +126,25 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddDefinitions(run, options);
   AddReader(run, options);
   AddTrace(run, options);
+  AddTlv(run, options);
   AddQuiet(run, options);
 
   CLI::App& apdu = *app.add_subcommand("apdu", "Reset the card and send APDUs to it");
   apdu.add_option("HEX", options.commands, "One APDU an argument; blanks are allowed")->required();
   AddReader(apdu, options);
   AddTrace(apdu, options);
+  AddTlv(apdu, options);
 
   CLI::App& shell = *app.add_subcommand("shell", "Take statements interactively");
   AddDefinitions(shell, options);
   AddReader(shell, options);
   AddTrace(shell, options);
+  AddTlv(shell, options);
+
+  CLI::App& tlv = *app.add_subcommand("tlv", "Show BER-TLV data as a tree");
+  tlv.add_option("HEX", options.data, "The data; if there is none, standard input");
+
+  DescribeTags(*app.add_subcommand("tags", "Edit the dictionary of tags, dictdata.bin"), options);
 
   CLI::App& readers = *app.add_subcommand("readers", "List readers");
   readers.add_option("-k,--kind", options.listedKind, "List this kind alone")

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/tags_dictionary.h"
+
 namespace CLI {
 class App;
 }
@@ -16,6 +18,10 @@ namespace host {
 struct Options {
   std::string file;                   // run
   std::vector<std::string> commands;  // apdu
+  std::vector<std::string> data;      // tlv
+  TagEntry entry;                     // tags find, add, remove
+  std::string tagList;                // tags import
+  bool replace = false;               // tags add
   int32_t listedKind = 0;             // readers; 0 is all of them
   int32_t ports = 0;                  // readers
   std::string reader;                 // empty: none is named
@@ -25,6 +31,7 @@ struct Options {
   bool simulate = false;
   bool quiet = false;
   bool showSecrets = false;
+  bool tlv = false;
 };
 
 // Adds all subcommands and options, with their help, to the parser.

@@ -1,6 +1,7 @@
 #include "host/text.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace host {
 
@@ -41,6 +42,16 @@ std::string SpacedOctets(std::string_view digits) {
     spaced += digits.substr(at, 2);
   }
   return spaced;
+}
+
+std::string AsCharacters(std::string_view digits) {
+  std::string characters;
+  for (size_t at = 0; at + 1 < digits.size(); at += 2) {
+    unsigned octet = 0;
+    std::from_chars(digits.data() + at, digits.data() + at + 2, octet, 16);
+    characters += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
+  }
+  return characters;
 }
 
 std::string Counted(size_t count, const std::string& noun) {

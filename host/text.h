@@ -24,6 +24,9 @@ std::string Printable(std::string_view text);
 // Hexadecimal digits as octets with a blank between two: "00A4" as "00 A4".
 std::string SpacedOctets(std::string_view digits);
 
+// The octets as characters; a dot for each that is not printable ASCII.
+std::string AsCharacters(std::string_view digits);
+
 // 1, "byte" as "1 byte"; 2, "byte" as "2 bytes".
 std::string Counted(size_t count, const std::string& noun);
 

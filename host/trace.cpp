@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <iomanip>
 
 #include "host/status_word.h"
 #include "host/text.h"
+#include "host/tlv_tree.h"
 
 namespace host {
 namespace {
@@ -15,16 +15,6 @@ constexpr int kLineWidth = 4;
 constexpr int kLabelWidth = 5;
 constexpr std::string_view kIndent = "      ";  // the line number and the gap behind it
 constexpr size_t kRowOctets = 16;
-
-std::string AsCharacters(std::string_view digits) {
-  std::string characters;
-  for (size_t at = 0; at + 1 < digits.size(); at += 2) {
-    unsigned octet = 0;
-    std::from_chars(digits.data() + at, digits.data() + at + 2, octet, 16);
-    characters += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
-  }
-  return characters;
-}
 
 // Header, length field, data and Le, set apart. Data that needs rows of its own is left out.
 std::string Grouped(const Command& command, bool hideData) {
@@ -49,7 +39,7 @@ std::string Grouped(const Command& command, bool hideData) {
 std::string Trace::Paint(Colour colour, std::string_view text) const {
   constexpr std::array<std::string_view, 7> kSequences = {"", "1", "2", "32", "33", "31", "36"};
   const std::string_view sequence = kSequences[static_cast<size_t>(colour)];
-  if (!colour_ || sequence.empty() || text.empty()) return std::string(text);
+  if (!settings_.colour || sequence.empty() || text.empty()) return std::string(text);
   return "\x1b[" + std::string(sequence) + "m" + std::string(text) + "\x1b[0m";
 }
 
@@ -66,6 +56,12 @@ void Trace::Rows(Colour colour, std::string_view label, std::string_view digits)
     octets.resize(3 * kRowOctets + 1, ' ');
     Detail(colour, at == 0 ? label : "", octets + Paint(Colour::kDim, AsCharacters(row)));
   }
+}
+
+void Trace::Elements(std::string_view digits) {
+  const Tlv tlv = ReadTlv(digits);
+  if (!tlv.fault.empty()) return;
+  for (const std::string& line : TlvLines(tlv.elements)) Detail(Colour::kPlain, "", line);
 }
 
 void Trace::Reader(const std::string& reader, bool simulated) {
@@ -110,6 +106,7 @@ void Trace::Command(const host::Command& command, bool hideData) {
 
 void Trace::Answer(const host::Answer& answer) {
   if (!answer.data.empty()) Rows(Colour::kCyan, "<<", answer.data);
+  if (settings_.tlv) Elements(answer.data);
   if (answer.statusWord.empty()) return;
   const Standing standing = StandingOf(answer.statusWord);
   const Colour colour = standing == Standing::kSuccess   ? Colour::kGreen

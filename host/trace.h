@@ -16,8 +16,13 @@ namespace host {
 // nothing itself.
 class Trace {
  public:
-  // Colour sequences are written if colour is true. A stream without a buffer shows nothing.
-  Trace(std::ostream& out, bool colour) : out_(out), colour_(colour) {}
+  struct Settings {
+    bool colour = false;  // with colour sequences
+    bool tlv = false;     // with the elements of answers that are BER-TLV data
+  };
+
+  // A stream without a buffer shows nothing.
+  Trace(std::ostream& out, Settings settings) : out_(out), settings_(settings) {}
 
   void Reader(const std::string& reader, bool simulated);
   void Heading(std::string_view text);
@@ -36,9 +41,10 @@ class Trace {
   std::string Paint(Colour colour, std::string_view text) const;
   void Detail(Colour colour, std::string_view label, std::string_view text);
   void Rows(Colour colour, std::string_view label, std::string_view digits);
+  void Elements(std::string_view digits);
 
   std::ostream& out_;
-  bool colour_;
+  Settings settings_;
 };
 
 }  // namespace host

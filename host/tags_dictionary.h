@@ -1,0 +1,41 @@
+#ifndef HOST_TAGS_DICTIONARY_H
+#define HOST_TAGS_DICTIONARY_H
+
+#include <cstddef>
+#include <istream>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+// What a record of the tag dictionary says.
+struct TagEntry {
+  std::string tag;
+  std::string name;
+  std::string text;
+};
+
+// The dictionary of the current directory. Everything that goes wrong is thrown as Failure, with
+// the file as it was.
+
+void PrintTags(std::ostream& out);
+
+void PrintTag(std::ostream& out, std::string_view tag);
+
+// An entry that is there already stays, unless it is to be replaced.
+void AddTag(const TagEntry& entry, bool replace);
+
+void RemoveTag(std::string_view tag);
+
+// Adds or replaces all entries of a list and gives their number.
+size_t ImportTags(const std::vector<TagEntry>& entries);
+
+// Reads a list: a line an entry, TAG NAME or TAG NAME | TEXT; empty lines and lines that begin with
+// # say nothing. Messages name the source.
+std::vector<TagEntry> ReadTagList(std::istream& in, const std::string& source);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,108 @@
+#include "host/tlv.h"
+
+#include <charconv>
+#include <optional>
+
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+constexpr size_t kMostTagOctets = 4;
+constexpr size_t kMostLengthOctets = 4;  // behind the first one
+
+class Reader {
+ public:
+  explicit Reader(std::string_view digits) : digits_(digits), ends_{digits.size() / 2} {}
+
+  Tlv Read() {
+    if (digits_.size() % 2 != 0) {
+      tlv_.fault = "an odd number of digits";
+      return tlv_;
+    }
+    while (tlv_.fault.empty() && SkipToElement()) ReadElement();
+    return tlv_;
+  }
+
+ private:
+  unsigned Octet(size_t at) const {
+    unsigned octet = 0;
+    std::from_chars(digits_.data() + 2 * at, digits_.data() + 2 * at + 2, octet, 16);
+    return octet;
+  }
+
+  // False at the end of the data.
+  bool SkipToElement() {
+    for (;;) {
+      while (at_ < ends_.back() && Octet(at_) == 0) ++at_;
+      if (at_ < ends_.back()) return true;
+      if (ends_.size() == 1) return false;
+      ends_.pop_back();
+    }
+  }
+
+  // The element that begins here, and the place of its value or of what is behind it.
+  void ReadElement() {
+    const size_t begin = at_;
+    const unsigned first = Octet(at_);
+    if (!SkipTag()) return Fail(begin, "its tag is cut or has more than 4 octets");
+    const std::string_view tag = Digits(begin, at_);
+    const std::optional<size_t> length = ReadLength();
+    if (!length) return Fail(begin, "its length is cut, indefinite or has more than 5 octets");
+    const size_t end = ends_.back();
+    if (*length > end - at_) {
+      return Fail(begin, "its value of " + Counted(*length, "byte") + " does not fit the " +
+                             Counted(end - at_, "byte") + " that are there");
+    }
+    const bool constructed = (first & 0x20) != 0;
+    const size_t valueEnd = at_ + *length;
+    tlv_.elements.push_back({tag, Digits(at_, valueEnd), ends_.size() - 1, constructed});
+    if (constructed) {
+      ends_.push_back(valueEnd);
+    } else {
+      at_ = valueEnd;
+    }
+  }
+
+  bool SkipTag() {
+    const size_t begin = at_;
+    const size_t end = ends_.back();
+    if ((Octet(at_++) & 0x1F) != 0x1F) return true;
+    while (at_ < end && at_ - begin < kMostTagOctets) {
+      if ((Octet(at_++) & 0x80) == 0) return true;
+    }
+    return false;
+  }
+
+  std::optional<size_t> ReadLength() {
+    if (at_ == ends_.back()) return std::nullopt;
+    const size_t first = Octet(at_++);
+    if (first < 0x80) return first;
+    const size_t octets = first - 0x80;
+    if (octets == 0 || octets > kMostLengthOctets || octets > ends_.back() - at_) {
+      return std::nullopt;
+    }
+    size_t length = 0;
+    for (size_t i = 0; i < octets; ++i) length = length << 8 | Octet(at_++);
+    return length;
+  }
+
+  std::string_view Digits(size_t begin, size_t end) const {
+    return digits_.substr(2 * begin, 2 * (end - begin));
+  }
+
+  void Fail(size_t begin, const std::string& why) {
+    tlv_.fault = "the element at byte " + std::to_string(begin + 1) + ": " + why;
+  }
+
+  std::string_view digits_;
+  size_t at_ = 0;             // in octets, like all places here
+  std::vector<size_t> ends_;  // of the data and of the elements around this place
+  Tlv tlv_;
+};
+
+}  // namespace
+
+Tlv ReadTlv(std::string_view digits) { return Reader(digits).Read(); }
+
+}  // namespace host

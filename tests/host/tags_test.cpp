@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "host/run_program.h"
+
+namespace host_test {
+namespace {
+
+// The program finds the dictionary in the folder that it runs in.
+class Tags : public testing::Test {
+ protected:
+  Tags() { std::filesystem::current_path(folder.Path("")); }
+  ~Tags() override { std::filesystem::current_path(before); }
+
+  Folder folder;
+  std::filesystem::path before = std::filesystem::current_path();
+};
+
+struct Step {
+  std::string arguments;
+  int exitCode;
+  std::string out;
+  std::string err;
+  std::string input;
+};
+
+TEST_F(Tags, AreEditedAndShown) {
+  const std::string list = ORVANE_SOURCE_FOLDER "/examples/tags.txt";
+  const std::vector<Step> steps = {
+      {"tags list", 0, "", "", ""},
+      {"tags find 5A", 1, "", "orvane: the dictionary has no tag 5A\n", ""},
+      {"tags remove 5A", 1, "", "orvane: the dictionary has no tag 5A\n", ""},
+      {"tags add 5a Number 'of the card'", 0, "", "", ""},
+      {"tags add 5A Other", 1, "",
+       "orvane: the dictionary has tag 5A already; --replace puts this in its place\n", ""},
+      {"tags add 9f36 Counter", 0, "", "", ""},
+      {"tags list", 0, "5A      Number\n9F36    Counter\n", "", ""},
+      {"tags find 5a", 0, "5A      Number\n        of the card\n", "", ""},
+      {"tags add 5A Other --replace", 0, "", "", ""},
+      {"tags list", 0, "9F36    Counter\n5A      Other\n", "", ""},
+      {"tlv 5A02 12 34 70039F3600", 0,
+       "5A  2  Other\n    12 34                                            .4\n70  3\n"
+       "  9F36  0  Counter\n",
+       "", ""},
+      {"tlv", 0, "5A  1  Other\n    31                                               1\n", "",
+       "5A\n01\r\n31\n"},
+      {"tlv 5A0131 57", 3, "5A  1  Other\n    31                                               1\n",
+       "orvane: no BER-TLV: the element at byte 4: its length is cut, indefinite or has more than "
+       "5 "
+       "octets\n",
+       ""},
+      {"tlv 5A0131 5x", 3, "", "orvane: 'x' is no hexadecimal digit\n", ""},
+      {"tlv", 3, "", "orvane: there is no data\n", " \n"},
+      {"tags remove 9f36", 0, "", "", ""},
+      {"tags import -", 0, "2 entries\n", "",
+       "# a comment\n\n5a\tThird  |  its text \r\n  57 Fourth\n"},
+      {"tags list", 0, "5A      Third\n57      Fourth\n", "", ""},
+      {"tags find 5A", 0, "5A      Third\n        its text\n", "", ""},
+      {"tags import -", 3, "", "<stdin>:2: XY is no tag\n", "58 Fifth\nXY Sixth\n"},
+      {"tags import -", 3, "", "<stdin>:1: the name has more than 199 bytes\n",
+       "58 " + std::string(200, 'n') + "\n"},
+      {"tags list", 0, "5A      Third\n57      Fourth\n", "", ""},
+      {"tags import missing.txt", 5, "", "orvane: can't open missing.txt\n", ""},
+      {"tags import " + list, 0, "49 entries\n", "", ""},
+      {"tags find 6f", 0,
+       "6F      File control information\n"
+       "        Template in the answer to SELECT: parameters and management data\n",
+       "", ""},
+  };
+  for (const Step& step : steps) {
+    const Outcome outcome = RunOrvane(folder, step.arguments, step.input);
+    EXPECT_EQ(outcome.exitCode, step.exitCode) << step.arguments;
+    EXPECT_EQ(outcome.out, step.out) << step.arguments;
+    EXPECT_EQ(outcome.err, step.err) << step.arguments;
+  }
+}
+
+TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {
+  RunOrvane(folder, "tags add A5 Inner");
+  const std::string select = "apdu 00A4040008F04F5256414E4501";
+  const std::string plain = RunOrvane(folder, select).out;
+  const std::string tree = RunOrvane(folder, select + " --tlv").out;
+  EXPECT_EQ(plain.find("Inner"), plain.npos) << plain;
+  EXPECT_NE(tree.find("             A5  29  Inner\n               50  10\n"), tree.npos) << tree;
+}
+
+TEST_F(Tags, AreNotSaidToBeStoredWhenTheyAreNot) {
+  std::filesystem::create_directory("dictdata.bin");
+  const Outcome outcome = RunOrvane(folder, "tags add 5A Number");
+  EXPECT_EQ(outcome.exitCode, 5);
+  EXPECT_EQ(outcome.err, "orvane: dictdata.bin can't be written\n");
+}
+
+}  // namespace
+}  // namespace host_test
