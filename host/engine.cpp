@@ -28,9 +28,11 @@ bool Fails(std::string_view call, std::string& message) {
 }
 
 std::string LikelyCause(const std::string& keyword) {
-  const bool keyed =
-      keyword == "@DES" || keyword == "@DESCBC" || keyword == "@MAC" || keyword == "@SUBKEY";
-  return keyed ? ": is its key 8, 16 or 24 bytes long?" : "";
+  if (keyword == "@DES" || keyword == "@DESCBC" || keyword == "@MAC" || keyword == "@SUBKEY") {
+    return ": is its key 8, 16 or 24 bytes long, and the module orvane_crypto there?";
+  }
+  return keyword == "@HASH" || keyword == "@RSAPUBENC" ? ": is the module orvane_crypto there?"
+                                                       : "";
 }
 
 }  // namespace

@@ -22,6 +22,7 @@ constexpr std::array kWords = std::to_array<Meaning>({
     {0x6285, "warning: selected file in termination state"},
     {0x6286, "warning: no input data from a sensor on the card"},
     {0x6287, "warning: at least one referenced record is deactivated"},
+    {0x6300, "warning: not authenticated, or no further information"},
     {0x6340, "warning: unsuccessful comparison"},
     {0x6381, "warning: file filled up by the last write"},
     {0x6401, "immediate response required by the card"},

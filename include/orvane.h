@@ -321,7 +321,7 @@ typedef struct TagParser TagParser;
 /* What is known under a tag: 2,050 octets. */
 typedef struct TagRecord {
   char lengthText[4]; /* the two digits of the first length octet, zero-terminated */
-  char value[2046];   /* upper-case hexadecimal text with zeros behind it; no terminator when full */
+  char value[2046]; /* upper-case hexadecimal text with zeros behind it; no terminator when full */
 } TagRecord;
 
 /* Makes a parser that knows no tag; null if memory ran out. */
