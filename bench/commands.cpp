@@ -14,7 +14,7 @@ namespace {
 constexpr char kCommand[] = "00A4040000";
 constexpr std::uint8_t kOctets[] = {0x00, 0xA4, 0x04, 0x00, 0x00};
 
-/// Where the vendor's function writes its reply.
+// Where the vendor's function writes its reply.
 struct Area {
   std::uint8_t reply[256];
   std::uint32_t length = sizeof reply;

@@ -25,7 +25,7 @@ inline std::string MakeText(const Octets& octets, bool blanks) {
   return text;
 }
 
-/// Registers convert(out), which tells whether it could make `expected` of out.
+// Registers convert(out), which tells whether it could make `expected` of out.
 template <typename Out, typename Convert>
 void Measure(const std::string& name, const Out& expected, const Convert& convert) {
   benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
@@ -38,9 +38,9 @@ void Measure(const std::string& name, const Out& expected, const Convert& conver
   });
 }
 
-/// Registers all conversions for one library, a class with static members: Encode(octets, out)
-/// writes packed digits; Decode(text, blanks, out) reads packed digits or, with blanks, one blank
-/// between octets. Both tell whether it was done.
+// Registers all conversions for one library, a class with static members: Encode(octets, out)
+// writes packed digits; Decode(text, blanks, out) reads packed digits or, with blanks, one blank
+// between octets. Both tell whether it was done.
 template <typename Library>
 bool MeasureConversions(const std::string& libraryName) {
   for (const std::size_t count : {16U, 256U, 4096U}) {

@@ -6,8 +6,8 @@
 
 #include "refuse.h"
 
-/// A statement, written in each language as its own script authors would. It is given as text each
-/// time it runs.
+// A statement, written in each language as its own script authors would. It is given as text each
+// time it runs.
 struct Statement {
   const char* orvane;
   const char* lua;
@@ -33,9 +33,9 @@ struct Variable {
 inline constexpr Variable kVariables[] = {
     {"AID", "A0000000031010"}, {"OFFSET", "0000"}, {"LEN", "10"}};
 
-/// Registers every statement for one interpreter, which lives as long as its measurement. `text`
-/// picks its language. An interpreter has Set(name, value), Evaluate(text), which tells whether it
-/// ran to its end, and Value(), the last one as text.
+// Registers every statement for one interpreter, which lives as long as its measurement. `text`
+// picks its language. An interpreter has Set(name, value), Evaluate(text), which tells whether it
+// ran to its end, and Value(), the last one as text.
 template <typename Interpreter>
 bool MeasureStatements(const char* interpreterName, const char* Statement::*text) {
   for (const Statement& statement : kStatements) {

@@ -38,7 +38,7 @@ Octets operator+(Octets left, const Octets& right) {
   return left;
 }
 
-/// File control information as SELECT answers with it: 250 octets, 33 elements.
+// File control information as SELECT answers with it: 250 octets, 33 elements.
 Octets FileControlInformation() {
   const auto filled = [](unsigned tag, std::size_t size) {
     Octets value(size);
@@ -123,7 +123,7 @@ TagdictData Record(int number) {
   return record;
 }
 
-/// The current directory, with the file of these records, for as long as this lives.
+// The current directory, with the file of these records, for as long as this lives.
 class DictionaryFolder {
  public:
   DictionaryFolder() {
@@ -146,7 +146,7 @@ class DictionaryFolder {
       std::filesystem::temp_directory_path() / ("orvane-bench-" + std::to_string(getpid()));
 };
 
-/// The exports load once in a process, so that here is what they do then.
+// The exports load once in a process, so that here is what they do then.
 void Load(benchmark::State& state) {
   const DictionaryFolder folder;
   for (auto _ : state) {
@@ -156,7 +156,7 @@ void Load(benchmark::State& state) {
   }
 }
 
-/// Records as the plainest reader of a trusted file would have them: one block, short lengths.
+// Records as the plainest reader of a trusted file would have them: one block, short lengths.
 void PlainLoad(benchmark::State& state) {
   const DictionaryFolder folder;
   for (auto _ : state) {

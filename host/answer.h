@@ -1,5 +1,4 @@
-#ifndef HOST_ANSWER_H
-#define HOST_ANSWER_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -22,5 +21,3 @@ std::optional<Answer> ReadAnswer(int32_t kind, int32_t result, std::string_view 
 bool HasStatusWord(int32_t kind);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_COMMAND_H
-#define HOST_COMMAND_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -39,5 +38,3 @@ bool CarriesSecret(std::string_view classAndInstruction);  // the first four dig
 std::string_view CommandName(const Command& command);
 
 }  // namespace host
-
-#endif

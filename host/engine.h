@@ -1,5 +1,4 @@
-#ifndef HOST_ENGINE_H
-#define HOST_ENGINE_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -30,5 +29,3 @@ std::string Evaluate(std::string_view operands);
 void SetVariable(const std::string& name, const std::string& value);
 
 }  // namespace host
-
-#endif

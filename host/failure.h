@@ -1,5 +1,4 @@
-#ifndef HOST_FAILURE_H
-#define HOST_FAILURE_H
+#pragma once
 
 #include <stdexcept>
 #include <string>
@@ -33,5 +32,3 @@ class ScriptFailure : public Failure {
 };
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_OPTIONS_H
-#define HOST_OPTIONS_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -41,5 +40,3 @@ void DescribeOptions(CLI::App& app, Options& options);
 std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_PLATFORM_H
-#define HOST_PLATFORM_H
+#pragma once
 
 #include <filesystem>
 #include <optional>
@@ -34,5 +33,3 @@ std::optional<std::string> EditLine(const std::string& prompt);
 void RememberLine(const std::string& line);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_READER_ADDRESS_H
-#define HOST_READER_ADDRESS_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -37,5 +36,3 @@ std::string MatchReaderName(const std::string& name, const std::vector<std::stri
 bool NamesSimulator(const ReaderAddress& address);
 
 }  // namespace host
-
-#endif

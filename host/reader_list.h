@@ -1,5 +1,4 @@
-#ifndef HOST_READER_LIST_H
-#define HOST_READER_LIST_H
+#pragma once
 
 #include <cstdint>
 #include <ostream>
@@ -12,5 +11,3 @@ namespace host {
 void PrintReaders(std::ostream& out, int32_t kind, int32_t ports);
 
 }  // namespace host
-
-#endif

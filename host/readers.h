@@ -1,5 +1,4 @@
-#ifndef HOST_READERS_H
-#define HOST_READERS_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -59,5 +58,3 @@ class Readers {
 };
 
 }  // namespace host
-
-#endif

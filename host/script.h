@@ -1,5 +1,4 @@
-#ifndef HOST_SCRIPT_H
-#define HOST_SCRIPT_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -25,5 +24,3 @@ Script ReadScript(const std::string& file);
 void RunScriptFile(const Script& script, Session& session);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_SECRETS_H
-#define HOST_SECRETS_H
+#pragma once
 
 #include <set>
 #include <string>
@@ -44,5 +43,3 @@ class Secrets {
 std::string MaskLiterals(const Statement& statement, size_t visibleDigits);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_SESSION_H
-#define HOST_SESSION_H
+#pragma once
 
 #include <cstddef>
 #include <optional>
@@ -60,5 +59,3 @@ class Session {
 };
 
 }  // namespace host
-
-#endif

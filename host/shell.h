@@ -1,5 +1,4 @@
-#ifndef HOST_SHELL_H
-#define HOST_SHELL_H
+#pragma once
 
 #include "host/session.h"
 
@@ -10,5 +9,3 @@ namespace host {
 void RunShell(Session& session, bool interactive);
 
 }  // namespace host
-
-#endif

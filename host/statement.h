@@ -1,5 +1,4 @@
-#ifndef HOST_STATEMENT_H
-#define HOST_STATEMENT_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -56,5 +55,3 @@ Statement ReadStatement(std::string_view line);
 std::vector<std::string_view> Arguments(const Statement& statement, const Call& call);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_STATUS_WORD_H
-#define HOST_STATUS_WORD_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -15,5 +14,3 @@ Standing StandingOf(std::string_view statusWord);
 std::string DescribeStatusWord(std::string_view statusWord);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_TAGS_DICTIONARY_H
-#define HOST_TAGS_DICTIONARY_H
+#pragma once
 
 #include <cstddef>
 #include <istream>
@@ -37,5 +36,3 @@ size_t ImportTags(const std::vector<TagEntry>& entries);
 std::vector<TagEntry> ReadTagList(std::istream& in, const std::string& source);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_TEXT_H
-#define HOST_TEXT_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -31,5 +30,3 @@ std::string AsCharacters(std::string_view digits);
 std::string Counted(size_t count, const std::string& noun);
 
 }  // namespace host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef HOST_TLV_H
-#define HOST_TLV_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -26,5 +25,3 @@ struct Tlv {
 Tlv ReadTlv(std::string_view digits);
 
 }  // namespace host
-
-#endif

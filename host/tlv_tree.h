@@ -1,5 +1,4 @@
-#ifndef HOST_TLV_TREE_H
-#define HOST_TLV_TREE_H
+#pragma once
 
 #include <ostream>
 #include <string>
@@ -22,5 +21,3 @@ std::vector<std::string> TlvLines(const std::vector<TlvElement>& elements);
 void PrintTlv(std::ostream& out, std::string_view text);
 
 }  // namespace host
-
-#endif

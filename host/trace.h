@@ -1,5 +1,4 @@
-#ifndef HOST_TRACE_H
-#define HOST_TRACE_H
+#pragma once
 
 #include <cstddef>
 #include <optional>
@@ -48,5 +47,3 @@ class Trace {
 };
 
 }  // namespace host
-
-#endif

@@ -1,6 +1,6 @@
+#pragma once
+
 // A simulated encryption machine on the loopback interface, for as long as this object lives.
-#ifndef ORVANE_SIMULATORS_ENCRYPTION_MACHINE_H
-#define ORVANE_SIMULATORS_ENCRYPTION_MACHINE_H
 
 #include <atomic>
 #include <chrono>
@@ -73,5 +73,3 @@ class EncryptionMachine {
 };
 
 }  // namespace simulator
-
-#endif

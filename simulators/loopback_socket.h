@@ -1,6 +1,6 @@
+#pragma once
+
 // TCP on the loopback interface, as much of it as a small server needs.
-#ifndef ORVANE_SIMULATORS_LOOPBACK_SOCKET_H
-#define ORVANE_SIMULATORS_LOOPBACK_SOCKET_H
 
 #include <optional>
 
@@ -40,5 +40,3 @@ class LoopbackSocket {
 };
 
 }  // namespace simulator
-
-#endif

@@ -1,6 +1,6 @@
+#pragma once
+
 // How both TY libraries answer: the status word is their result.
-#ifndef ORVANE_SIMULATORS_TY_ANSWER_H
-#define ORVANE_SIMULATORS_TY_ANSWER_H
 
 #include "common/reader.h"
 
@@ -25,5 +25,3 @@ inline simulator::Answer ToReset() {
 }
 
 }  // namespace ty
-
-#endif

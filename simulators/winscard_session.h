@@ -1,6 +1,6 @@
+#pragma once
+
 // What the simulated resource manager has handed out: contexts, card handles and memory.
-#ifndef ORVANE_SIMULATORS_WINSCARD_SESSION_H
-#define ORVANE_SIMULATORS_WINSCARD_SESSION_H
 
 #include <map>
 #include <memory>
@@ -44,5 +44,3 @@ class Session {
 };
 
 }  // namespace winscard
-
-#endif

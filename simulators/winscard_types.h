@@ -1,6 +1,6 @@
+#pragma once
+
 // The types of the PC/SC interface as 64-bit Windows lays them out, on every platform.
-#ifndef ORVANE_SIMULATORS_WINSCARD_TYPES_H
-#define ORVANE_SIMULATORS_WINSCARD_TYPES_H
 
 #include <cstddef>
 #include <cstdint>
@@ -64,5 +64,3 @@ enum : Dword {
 enum : Dword { kCardSpecific = 6 };
 
 }  // namespace winscard
-
-#endif

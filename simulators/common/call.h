@@ -1,6 +1,6 @@
+#pragma once
+
 // One call of a vendor function: what it is answered, what it writes, its line in the journal.
-#ifndef ORVANE_SIMULATORS_COMMON_CALL_H
-#define ORVANE_SIMULATORS_COMMON_CALL_H
 
 #include <concepts>
 #include <functional>
@@ -105,5 +105,3 @@ class Call {
 void ForgetCalls();
 
 }  // namespace simulator
-
-#endif

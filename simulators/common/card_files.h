@@ -1,6 +1,6 @@
+#pragma once
+
 // The files of the virtual card and what stands in them when it is new.
-#ifndef ORVANE_SIMULATORS_COMMON_CARD_FILES_H
-#define ORVANE_SIMULATORS_COMMON_CARD_FILES_H
 
 #include "common/octets.h"
 
@@ -53,5 +53,3 @@ const Octets& MacMasterKey();             // 50 51 52 ... 5F
 std::vector<DedicatedFile> NewFiles();
 
 }  // namespace simulator
-
-#endif

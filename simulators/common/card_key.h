@@ -1,6 +1,6 @@
+#pragma once
+
 // A triple-DES key of the virtual card.
-#ifndef ORVANE_SIMULATORS_COMMON_CARD_KEY_H
-#define ORVANE_SIMULATORS_COMMON_CARD_KEY_H
 
 #include "common/octets.h"
 
@@ -26,5 +26,3 @@ class CardKey {
 };
 
 }  // namespace simulator
-
-#endif

@@ -1,6 +1,6 @@
+#pragma once
+
 // The simulated device of a module: one card that can be pulled out and put back.
-#ifndef ORVANE_SIMULATORS_COMMON_MODULE_H
-#define ORVANE_SIMULATORS_COMMON_MODULE_H
 
 #include "common/virtual_card.h"
 
@@ -21,5 +21,3 @@ struct AtRestart {
 };
 
 }  // namespace simulator
-
-#endif

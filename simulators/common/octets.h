@@ -1,6 +1,6 @@
+#pragma once
+
 // Octets and their hexadecimal text.
-#ifndef ORVANE_SIMULATORS_COMMON_OCTETS_H
-#define ORVANE_SIMULATORS_COMMON_OCTETS_H
 
 #include <cstdint>
 #include <span>
@@ -23,5 +23,3 @@ std::string ToHex(std::span<const uint8_t> octets);
 Octets FromText(std::string_view text);
 
 }  // namespace simulator
-
-#endif

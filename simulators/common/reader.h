@@ -1,6 +1,6 @@
+#pragma once
+
 // What the simulated readers share: the card in front of them, and the connections they have open.
-#ifndef ORVANE_SIMULATORS_COMMON_READER_H
-#define ORVANE_SIMULATORS_COMMON_READER_H
 
 #include <map>
 #include <optional>
@@ -56,5 +56,3 @@ class Handles {
 };
 
 }  // namespace simulator
-
-#endif

@@ -1,6 +1,6 @@
+#pragma once
+
 // Builds BER-TLV data objects (ISO/IEC 7816-4, definite lengths).
-#ifndef ORVANE_SIMULATORS_COMMON_TLV_H
-#define ORVANE_SIMULATORS_COMMON_TLV_H
 
 #include <initializer_list>
 
@@ -16,5 +16,3 @@ Octets Tlv(uint32_t tag, std::string_view hexadecimalValue);
 Octets Tlv(uint32_t tag, std::initializer_list<Octets> parts);
 
 }  // namespace simulator
-
-#endif

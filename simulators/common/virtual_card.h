@@ -1,6 +1,6 @@
+#pragma once
+
 // A small contact card with T=0 (ISO/IEC 7816-3 and 7816-4): no hardware is needed to try commands.
-#ifndef ORVANE_SIMULATORS_COMMON_VIRTUAL_CARD_H
-#define ORVANE_SIMULATORS_COMMON_VIRTUAL_CARD_H
 
 #include <optional>
 #include <random>
@@ -73,5 +73,3 @@ class VirtualCard {
 };
 
 }  // namespace simulator
-
-#endif

@@ -7,26 +7,26 @@
 
 namespace orvane {
 
-/// One running call, as the body of its command sees it. `position` stands on the first argument
-/// when the body begins (on the keyword, for a command without arguments) and must stand on the
-/// token that closes the call when it ends. `out` is not cleared: a body that leaves it alone has
-/// no value.
+// One running call, as the body of its command sees it. `position` stands on the first argument
+// when the body begins (on the keyword, for a command without arguments) and must stand on the
+// token that closes the call when it ends. `out` is not cleared: a body that leaves it alone has
+// no value.
 struct Call {
   ScriptEngine& engine;
   std::string& out;
   std::size_t& position;
 
-  /// Evaluates the argument at `position`. When that fails its text becomes the call's value.
+  // Evaluates the argument at `position`. When that fails its text becomes the call's value.
   bool Read(std::string& argument);
 
-  /// Steps over the token behind an argument, which should be a comma, and reads the next one.
+  // Steps over the token behind an argument, which should be a comma, and reads the next one.
   bool ReadNext(std::string& argument);
 
-  /// Steps onto the token behind the last argument, which should be the ")".
+  // Steps onto the token behind the last argument, which should be the ")".
   void Close() { ++position; }
 };
 
-/// A command's body: true if it ran to its end.
+// A command's body: true if it ran to its end.
 using CommandBody = bool (*)(Call& call);
 
 }  // namespace orvane

@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-/// The provider's entries, bound at the first call; null where one is not to be had.
+// The provider's entries, bound at the first call; null where one is not to be had.
 const CryptoProvider& BoundCryptoProvider();
 
 }  // namespace orvane

@@ -5,7 +5,7 @@
 namespace orvane {
 namespace {
 
-/// The octets of a hexadecimal text, in an area of zeros with room for every digit of it.
+// The octets of a hexadecimal text, in an area of zeros with room for every digit of it.
 std::string Octets(const std::string& hex) {
   std::string octets((hex.size() + 1) / 2, '\0');
   DecodeHex(hex, reinterpret_cast<unsigned char*>(octets.data()));

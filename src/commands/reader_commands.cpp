@@ -3,7 +3,7 @@
 namespace orvane {
 namespace {
 
-/// What stands between the parentheses is not looked at.
+// What stands between the parentheses is not looked at.
 bool Mark(Call& call, StatementKind kind) {
   call.engine.statementKind = kind;
   call.position += 2;

@@ -9,8 +9,8 @@ namespace {
 
 bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// White space, a sign, then digits up to the first other character; no digits give 0. A number
-/// beyond 32 bits counts as the largest one, which is past the end of any text.
+// White space, a sign, then digits up to the first other character; no digits give 0. A number
+// beyond 32 bits counts as the largest one, which is past the end of any text.
 std::int64_t DecimalValue(const std::string& text) {
   auto next = std::find_if_not(text.begin(), text.end(), IsWhiteSpace);
   const bool negative = next != text.end() && *next == '-';

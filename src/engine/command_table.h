@@ -30,11 +30,11 @@ enum CommandId : std::int32_t {
 };
 
 struct CommandEntry {
-  std::int32_t argumentCount;  ///< only zero or not counts: the bodies read what they need
+  std::int32_t argumentCount;  // only zero or not counts: the bodies read what they need
   CommandId commandId;
 };
 
-/// The entry of a keyword, written in either case with its @; all zero for any other word.
+// The entry of a keyword, written in either case with its @; all zero for any other word.
 CommandEntry FindCommand(std::string_view keyword);
 
 }  // namespace orvane

@@ -11,37 +11,37 @@
 
 namespace orvane {
 
-/// Names in upper case to values. Ordered byte by byte; searched without making a string.
+// Names in upper case to values. Ordered byte by byte; searched without making a string.
 using VariableTable = std::map<std::string, std::string, std::less<>>;
 
-/// Runs one statement at a time; only `variables` lives from one statement to the next.
+// Runs one statement at a time; only `variables` lives from one statement to the next.
 struct ScriptEngine {
   ScriptEngine();
 
-  std::string resultText;       ///< what the running statement leaves for the host
-  std::int32_t tokenCount = 0;  ///< words and separators found so far, adjacent literals not joined
-  std::int32_t statementKind = KindAssignment;  ///< commands change it while they run
-  std::vector<std::string_view> tokens;         ///< views of `statement`
+  std::string resultText;       // what the running statement leaves for the host
+  std::int32_t tokenCount = 0;  // words and separators found so far, adjacent literals not joined
+  std::int32_t statementKind = KindAssignment;  // commands change it while they run
+  std::vector<std::string_view> tokens;         // views of `statement`
   VariableTable variables;
 
-  std::string statement;       ///< the engine's own copy, which the tokeniser changes
-  std::int32_t callDepth = 0;  ///< calls that are running inside each other's arguments
+  std::string statement;       // the engine's own copy, which the tokeniser changes
+  std::int32_t callDepth = 0;  // calls that are running inside each other's arguments
 };
 
-/// The one instance; made by the first call, never released. Null if memory ran out.
+// The one instance; made by the first call, never released. Null if memory ran out.
 ScriptEngine* EnsureEngine();
 
-/// Runs `script` and fills `result` (512 bytes). Gives the code of RunScript.
+// Runs `script` and fills `result` (512 bytes). Gives the code of RunScript.
 std::int32_t RunStatement(ScriptEngine& engine, std::string_view script, char* result);
 
-/// Sets `out` to the variable's value and gives ScriptDone. An unknown name gives
-/// ScriptUndefinedVariable and sets `out` to the message; an empty one gives ScriptEmptyName.
+// Sets `out` to the variable's value and gives ScriptDone. An unknown name gives
+// ScriptUndefinedVariable and sets `out` to the message; an empty one gives ScriptEmptyName.
 std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std::string& out);
 
-/// Stores a value: ScriptDone, ScriptEmptyName, or ScriptException with the table as it was.
+// Stores a value: ScriptDone, ScriptEmptyName, or ScriptException with the table as it was.
 std::int32_t SetVariable(ScriptEngine& engine, std::string_view name, std::string_view value);
 
-/// a to z become A to Z; no other byte changes.
+// a to z become A to Z; no other byte changes.
 void UpperCase(std::string& text);
 
 }  // namespace orvane

@@ -19,8 +19,8 @@ bool IsAssignment(const ScriptEngine& engine) {
          ClassifyToken(TokenAt(engine, 1)) == ClassEquals;
 }
 
-/// Evaluates one operand. Unlike inside an argument, a call that fails is an operand all the same,
-/// and a token that is none contributes nothing.
+// Evaluates one operand. Unlike inside an argument, a call that fails is an operand all the same,
+// and a token that is none contributes nothing.
 bool EvaluateStatementOperand(ScriptEngine& engine, std::string& value, std::size_t& position) try {
   value.clear();
   const std::string_view token = TokenAt(engine, position);
@@ -40,7 +40,7 @@ bool EvaluateStatementOperand(ScriptEngine& engine, std::string& value, std::siz
   return false;
 }
 
-/// Where the value of the next operand goes: a command may have changed the kind.
+// Where the value of the next operand goes: a command may have changed the kind.
 std::string* Collector(ScriptEngine& engine, std::string& assigned) {
   switch (engine.statementKind) {
     case KindAssignment:

@@ -33,10 +33,10 @@ constexpr std::array<bool, 256> MakeWordCharacters() {
   return characters;
 }
 
-/// Characters that do nothing but lengthen a word, wherever they stand.
+// Characters that do nothing but lengthen a word, wherever they stand.
 constexpr auto kWordCharacters = MakeWordCharacters();
 
-/// Fills engine.tokens, or gives the code that ends the statement before anything is executed.
+// Fills engine.tokens, or gives the code that ends the statement before anything is executed.
 std::int32_t Split(ScriptEngine& engine) {
   char* word = engine.statement.data();
   char* end = word;  // of the word, which is written over the statement's own text

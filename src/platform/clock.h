@@ -4,7 +4,7 @@
 
 namespace orvane::platform {
 
-/// A date of the Gregorian calendar and a time of day. Months and days count from 1.
+// A date of the Gregorian calendar and a time of day. Months and days count from 1.
 struct CalendarTime {
   std::uint16_t year = 0;
   std::uint16_t month = 0;
@@ -17,7 +17,7 @@ struct CalendarTime {
   bool operator==(const CalendarTime&) const = default;
 };
 
-/// What the system's clock shows now, in UTC.
+// What the system's clock shows now, in UTC.
 CalendarTime UtcNow();
 
 }  // namespace orvane::platform

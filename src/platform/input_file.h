@@ -5,7 +5,7 @@
 
 namespace orvane::platform {
 
-/// A file that is read from its start, untranslated. Empty if it can't be opened; a folder can't.
+// A file that is read from its start, untranslated. Empty if it can't be opened; a folder can't.
 class InputFile {
  public:
   explicit InputFile(const char* path);
@@ -15,7 +15,7 @@ class InputFile {
 
   explicit operator bool() const { return handle_ != kNone; }
 
-  /// Reads up to size octets; 0 at the end of the file, and once reading has failed.
+  // Reads up to size octets; 0 at the end of the file, and once reading has failed.
   std::size_t Read(char* area, std::size_t size);
 
   bool Failed() const { return failed_; }

@@ -2,12 +2,12 @@
 
 namespace orvane::platform {
 
-/// The lock around log writes: one in the process, whichever of these objects is used. It is made
-/// before it is first taken and lasts until the process ends. The names are those that
-/// std::lock_guard calls.
+// The lock around log writes: one in the process, whichever of these objects is used. It is made
+// before it is first taken and lasts until the process ends. The names are those that
+// std::lock_guard calls.
 class LogMutex {
  public:
-  /// Waits without a time limit.
+  // Waits without a time limit.
   void lock();
   void unlock();
 };

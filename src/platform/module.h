@@ -2,7 +2,7 @@
 
 namespace orvane::platform {
 
-/// A dynamic library, loaded for as long as this object holds it. Empty when there is none.
+// A dynamic library, loaded for as long as this object holds it. Empty when there is none.
 class Module {
  public:
   Module() = default;
@@ -13,19 +13,19 @@ class Module {
 
   explicit operator bool() const { return handle_ != nullptr; }
 
-  /// The function or data under this name; null if the library has none.
+  // The function or data under this name; null if the library has none.
   void* Find(const char* name) const;
 
  private:
   void* handle_ = nullptr;
 };
 
-/// Loads a library by its bare Windows name, such as "winscard.dll". Elsewhere that stands for
-/// libwinscard.so, looked for as the system does and then in the folder of this library. A library
-/// of that name which the process has loaded already is the one that is found.
+// Loads a library by its bare Windows name, such as "winscard.dll". Elsewhere that stands for
+// libwinscard.so, looked for as the system does and then in the folder of this library. A library
+// of that name which the process has loaded already is the one that is found.
 Module LoadModule(const char* fileName);
 
-/// Loads a library of that name from the folder of this library and from nowhere else.
+// Loads a library of that name from the folder of this library and from nowhere else.
 Module LoadModuleFromOwnFolder(const char* fileName);
 
 }  // namespace orvane::platform

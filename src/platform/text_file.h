@@ -4,17 +4,17 @@
 
 namespace orvane::platform {
 
-/// A text file that is open for writing at its end. It is created if it is missing and never cut.
-/// A line feed is stored as the platform's line end.
+// A text file that is open for writing at its end. It is created if it is missing and never cut.
+// A line feed is stored as the platform's line end.
 class TextFile {
  public:
-  /// If the file cannot be opened, nothing is written to it later.
+  // If the file cannot be opened, nothing is written to it later.
   explicit TextFile(const char* path);
   TextFile(const TextFile&) = delete;
   TextFile& operator=(const TextFile&) = delete;
   ~TextFile();
 
-  /// Writes what the system takes: a failure is not reported.
+  // Writes what the system takes: a failure is not reported.
   void Append(std::string_view text);
 
  private:

@@ -27,7 +27,7 @@ struct BsitEntryPoints {
   void (*bsit_CloseCard)() = nullptr;
 };
 
-/// BSIT readers. The library may refuse a card slot.
+// BSIT readers. The library may refuse a card slot.
 class CBSITReaderTool final : public CReaderToolBase {
  public:
   ~CBSITReaderTool() override;

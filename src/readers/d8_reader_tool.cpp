@@ -106,7 +106,7 @@ std::int32_t CD8ReaderTool::ResetCard(std::uint8_t* atr, std::uint32_t* atrLen) 
   return GiveAtr(answer, atr, atrLen);
 }
 
-/// Brings up a card in the field. Each step needs the one before, and a moment after it.
+// Brings up a card in the field. Each step needs the one before, and a moment after it.
 bool CD8ReaderTool::ResetContactless(std::uint8_t& length, char* text) {
   const D8EntryPoints& library = *m_dcrf32;
   std::uint32_t tagType = 0;

@@ -32,8 +32,8 @@ struct D8EntryPoints {
                              std::uint32_t* replyLength, std::uint8_t* reply) = nullptr;
 };
 
-/// D8 readers, on a serial port or on USB (port 100). Card slot 0 is the contactless field, any
-/// other slot a contact card seat. Every result of the library lands in m_wStatus.
+// D8 readers, on a serial port or on USB (port 100). Card slot 0 is the contactless field, any
+// other slot a contact card seat. Every result of the library lands in m_wStatus.
 class CD8ReaderTool final : public CReaderToolBase {
  public:
   ~CD8ReaderTool() override;
@@ -51,7 +51,7 @@ class CD8ReaderTool final : public CReaderToolBase {
  private:
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
-  /// Stores a result of the library and tells whether it is success.
+  // Stores a result of the library and tells whether it is success.
   bool Succeeded(std::int16_t result);
   bool ResetContactless(std::uint8_t& length, char* text);
 

@@ -6,8 +6,8 @@
 
 namespace orvane {
 
-/// A reader kind with nothing behind it: it never opens, and answers every command with success and
-/// no response.
+// A reader kind with nothing behind it: it never opens, and answers every command with success and
+// no response.
 class CFM8201ReaderTool final : public CReaderToolBase {
  public:
   std::int32_t Close() override;

@@ -22,8 +22,8 @@ struct IcrEntryPoints {
                                   std::int32_t ifOpen) = nullptr;
 };
 
-/// A reader of identity cards. It exchanges no commands: ResetCard finds and selects a card, and
-/// Transmit reads the card's base message, which the host does not see.
+// A reader of identity cards. It exchanges no commands: ResetCard finds and selects a card, and
+// Transmit reads the card's base message, which the host does not see.
 class CICRTool final : public CReaderToolBase {
  public:
   CICRTool();

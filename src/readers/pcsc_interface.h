@@ -51,7 +51,7 @@ struct PcscEntryPoints {
   LONG(*SCardEstablishContext)
   (DWORD scope, const void* reserved1, const void* reserved2, SCARDCONTEXT* context) = nullptr;
   LONG (*SCardReleaseContext)(SCARDCONTEXT context) = nullptr;
-  /// With SCARD_AUTOALLOCATE as length, readers is where a pointer to the list goes.
+  // With SCARD_AUTOALLOCATE as length, readers is where a pointer to the list goes.
   LONG(*SCardListReadersA)
   (SCARDCONTEXT context, const char* groups, char** readers, DWORD* length) = nullptr;
   LONG (*SCardFreeMemory)(SCARDCONTEXT context, const void* memory) = nullptr;

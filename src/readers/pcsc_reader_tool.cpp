@@ -21,8 +21,8 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kReplyEnd,
                                .moreDataUnwanted = 1,
                                .showsSecondStatus = true};
 
-/// The names of the readers in the default group, in the library's order. The library owns the
-/// list until this object goes.
+// The names of the readers in the default group, in the library's order. The library owns the
+// list until this object goes.
 class ReaderNames {
  public:
   ReaderNames(const PcscEntryPoints& winscard, SCARDCONTEXT context)
@@ -40,7 +40,7 @@ class ReaderNames {
     if (m_list != nullptr) m_winscard.SCardFreeMemory(m_context, m_list);
   }
 
-  /// The next name; the empty text at the end.
+  // The next name; the empty text at the end.
   std::string_view Next() {
     const auto end = std::find(m_rest.begin(), m_rest.end(), '\0');
     const std::string_view name = m_rest.substr(0, static_cast<std::size_t>(end - m_rest.begin()));
@@ -159,7 +159,7 @@ bool CPCSCReaderTool::CanListReaders() const {
          m_winscard->SCardFreeMemory != nullptr;
 }
 
-/// The context stays for the life of the tool, over any number of opens and closes.
+// The context stays for the life of the tool, over any number of opens and closes.
 bool CPCSCReaderTool::EstablishContext() {
   if (m_hContext != 0) return true;
   const LONG code =

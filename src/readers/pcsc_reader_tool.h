@@ -7,9 +7,9 @@
 
 namespace orvane {
 
-/// Any reader that the platform's PC/SC service knows. A reader opens without a card (the handle is
-/// then 0), and ResetCard connects anew when a card has come or was changed. Card slot 0 uses the
-/// standard calls, any other slot two control codes of the reader's own.
+// Any reader that the platform's PC/SC service knows. A reader opens without a card (the handle is
+// then 0), and ResetCard connects anew when a card has come or was changed. Card slot 0 uses the
+// standard calls, any other slot two control codes of the reader's own.
 class CPCSCReaderTool final : public CReaderToolBase {
  public:
   ~CPCSCReaderTool() override;

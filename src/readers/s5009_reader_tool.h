@@ -13,7 +13,7 @@ struct S5009EntryPoints {
 
   std::int32_t (*InitCOM)(std::int32_t port) = nullptr;
   std::int16_t (*CloseCOM)(std::int32_t port) = nullptr;
-  /// Lengths in characters.
+  // Lengths in characters.
   std::int32_t (*ExchangeAPDU)(std::int32_t slot, const char* command, std::int32_t length,
                                char* reply, std::uint32_t* replyLength) = nullptr;
   std::int32_t (*Mifare_SearchCard)(std::uint8_t* buffer, std::uint32_t* length) = nullptr;
@@ -32,8 +32,8 @@ struct S5009EntryPoints {
   void (*Mifare_BlockCopy)() = nullptr;
 };
 
-/// The S5009 reader, whose library speaks hexadecimal text. Its two kinds differ in what Reset asks
-/// for.
+// The S5009 reader, whose library speaks hexadecimal text. Its two kinds differ in what Reset asks
+// for.
 class CS5009ReaderTool final : public CReaderToolBase {
  public:
   CS5009ReaderTool() { m_nSlot = 3; }
@@ -52,7 +52,7 @@ class CS5009ReaderTool final : public CReaderToolBase {
  private:
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
-  std::int32_t m_nUseAts = 0;  ///< 1 makes ResetCard ask for the ATS
+  std::int32_t m_nUseAts = 0;  // 1 makes ResetCard ask for the ATS
   platform::Library<S5009EntryPoints> m_s5009;
 };
 

@@ -18,7 +18,7 @@ constexpr std::int32_t kConnectMilliseconds = 2000;
 constexpr std::int32_t kReadyMilliseconds = 1000;
 constexpr std::int32_t kLongestReply = 4096;
 
-/// "Encryption machine" and the port, in the system's code page.
+// "Encryption machine" and the port, in the system's code page.
 std::string MachineName(std::int32_t port) {
   const std::string digits = std::to_string(port);
   return platform::AnsiText(u"\u52A0\u5BC6\u673A" + std::u16string(digits.begin(), digits.end()));
@@ -45,7 +45,7 @@ std::int32_t CSJLTool::OpenByName(const char* name, std::int32_t kind) {
   return Connect(address.c_str(), port) ? 1 : 0;
 }
 
-/// A socket that could not be set up stays for Close; one that did not connect goes at once.
+// A socket that could not be set up stays for Close; one that did not connect goes at once.
 bool CSJLTool::Connect(const char* address, std::uint16_t port) {
   const auto target = platform::Ipv4Address(address);
   if (!platform::SetSendTimeout(m_nSocket, kSendReceiveMilliseconds) ||

@@ -7,8 +7,8 @@
 
 namespace orvane {
 
-/// An encryption machine on the network: a command goes out as it is, and what one receive brings
-/// is the reply.
+// An encryption machine on the network: a command goes out as it is, and what one receive brings
+// is the reply.
 class CSJLTool final : public CReaderToolBase {
  public:
   ~CSJLTool() override;
@@ -26,7 +26,7 @@ class CSJLTool final : public CReaderToolBase {
   std::int32_t Fail(const char* message);
 
   std::int32_t m_nSocket = -1;
-  std::string m_szError;  ///< text of the last failure
+  std::string m_szError;  // text of the last failure
 };
 
 }  // namespace orvane

@@ -7,8 +7,8 @@
 
 namespace orvane {
 
-/// A new driver for this kind, with nothing open; null if there is no such kind. Making one never
-/// fails on account of hardware or libraries.
+// A new driver for this kind, with nothing open; null if there is no such kind. Making one never
+// fails on account of hardware or libraries.
 std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind);
 
 }  // namespace orvane

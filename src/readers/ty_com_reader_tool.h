@@ -23,8 +23,8 @@ struct TyComEntryPoints {
   void (*TY_DCardExist)() = nullptr;
 };
 
-/// TY readers on a serial port. The library gives the status word as its own result; the reply
-/// holds the rest.
+// TY readers on a serial port. The library gives the status word as its own result; the reply
+// holds the rest.
 class CTYCOMReaderTool final : public CReaderToolBase {
  public:
   ~CTYCOMReaderTool() override;

@@ -29,8 +29,8 @@ struct TyUsbEntryPoints {
   void (*TYKey_EndTransEx)() = nullptr;
 };
 
-/// TY readers in USB keys. The library gives the status word as its own result; the reply holds the
-/// rest.
+// TY readers in USB keys. The library gives the status word as its own result; the reply holds the
+// rest.
 class CTYUSBReaderTool final : public CReaderToolBase {
  public:
   ~CTYUSBReaderTool() override;

@@ -22,8 +22,8 @@ struct WdEntryPoints {
   void (*ICC_reset)() = nullptr;
 };
 
-/// The WD reader, of which there is one. Its library is loaded from the folder of this library and
-/// from nowhere else. Reset is an exchange whose reply is the ATR.
+// The WD reader, of which there is one. Its library is loaded from the folder of this library and
+// from nowhere else. Reset is an exchange whose reply is the ATR.
 class CWDReaderTool final : public CReaderToolBase {
  public:
   CWDReaderTool();

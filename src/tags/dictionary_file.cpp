@@ -21,7 +21,7 @@ constexpr std::uint16_t kWideText = 0xFFFE;  // it follows from its first octet 
 
 static_assert(sizeof(TagdictData::longText) < kWideText, "the writer knows the first two forms");
 
-/// Reads in small pieces from a file of any size. All functions are false at its end.
+// Reads in small pieces from a file of any size. All functions are false at its end.
 class Reader {
  public:
   explicit Reader(platform::InputFile& file) : file_(file) {}
@@ -48,7 +48,7 @@ class Reader {
     return true;
   }
 
-  /// Little-endian.
+  // Little-endian.
   template <std::unsigned_integral Number>
   bool Read(Number& number) {
     std::array<char, sizeof(Number)> octets;

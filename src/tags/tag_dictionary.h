@@ -9,38 +9,38 @@
 
 namespace orvane {
 
-/// A list of records under tags, and the file that it is kept in. The caller runs Load before any
-/// other operation. What throws std::bad_alloc has changed nothing.
+// A list of records under tags, and the file that it is kept in. The caller runs Load before any
+// other operation. What throws std::bad_alloc has changed nothing.
 class TagDictionary {
  public:
-  /// Appends the records of the file, once in the process's life. False if a file was opened and
-  /// could not be read through: nothing of it is taken, and the next call tries again.
+  // Appends the records of the file, once in the process's life. False if a file was opened and
+  // could not be read through: nothing of it is taken, and the next call tries again.
   bool Load();
 
-  /// Replaces the file. False if that failed.
+  // Replaces the file. False if that failed.
   bool Save();
 
-  /// Gives the number of records, after copying them into an array of at least that size.
+  // Gives the number of records, after copying them into an array of at least that size.
   std::int32_t Copy(TagdictData* records) const;
 
-  /// The first record with this tag in either case; null if there is none.
+  // The first record with this tag in either case; null if there is none.
   const TagdictData* Find(const char* tag) const;
 
-  /// False if the tag is there already.
+  // False if the tag is there already.
   bool Add(const TagdictData& record);
 
-  /// Case counts. False if the tag is not there.
+  // Case counts. False if the tag is not there.
   bool Delete(const char* tag);
 
-  /// Deletes the record's tag, then adds the record. False if it could not be added.
+  // Deletes the record's tag, then adds the record. False if it could not be added.
   bool Update(const TagdictData& record);
 
  private:
-  /// A tag in upper case with zeros behind it. The last character of a record's is always zero, so
-  /// that no longer tag equals it.
+  // A tag in upper case with zeros behind it. The last character of a record's is always zero, so
+  // that no longer tag equals it.
   using Key = std::array<char, sizeof(TagdictData::tag)>;
 
-  /// The keys stand close together: a search reads nothing else.
+  // The keys stand close together: a search reads nothing else.
   struct Entry {
     Key key;
     std::unique_ptr<TagdictData> record;
@@ -57,7 +57,7 @@ class TagDictionary {
   bool loaded_ = false;
 };
 
-/// The one instance; made by the first call, never released. Null if memory ran out.
+// The one instance; made by the first call, never released. Null if memory ran out.
 TagDictionary* EnsureTagDictionary();
 
 }  // namespace orvane

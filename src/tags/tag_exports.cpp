@@ -26,7 +26,7 @@ void TagParsing_Free(TagParser* parser) { delete parser; }
 
 namespace {
 
-/// Runs an operation of the dictionary, after its load; 0 if memory runs out for any of this.
+// Runs an operation of the dictionary, after its load; 0 if memory runs out for any of this.
 template <typename Operation>
 std::int32_t WithDictionary(const Operation& operation) {
   orvane::TagDictionary* const dictionary = orvane::EnsureTagDictionary();

@@ -8,22 +8,22 @@
 
 #include "orvane.h"
 
-/// The object behind the host's handle: of each tag that was parsed, the last value. An element
-/// costs no copy and no allocation of its own; the host's record is made when it asks.
+// The object behind the host's handle: of each tag that was parsed, the last value. An element
+// costs no copy and no allocation of its own; the host's record is made when it asks.
 struct TagParser {
  public:
-  /// Adds the elements of a text, up to the first fault. True if there was none. Throws
-  /// std::bad_alloc with nothing added.
+  // Adds the elements of a text, up to the first fault. True if there was none. Throws
+  // std::bad_alloc with nothing added.
   bool Parse(std::string_view text);
 
-  /// Fills a record of zeros. False if the tag, in either case, is not known.
+  // Fills a record of zeros. False if the tag, in either case, is not known.
   bool Find(std::string_view tag, TagRecord& record) const;
 
  private:
   struct Entry {
-    std::size_t begin = 0;  ///< of the value in digits_
+    std::size_t begin = 0;  // of the value in digits_
     std::size_t size = 0;
-    std::array<char, 2> lengthText{};  ///< zeros where nothing is known
+    std::array<char, 2> lengthText{};  // zeros where nothing is known
   };
   struct Element;
 
@@ -33,7 +33,7 @@ struct TagParser {
   unsigned OctetAt(std::size_t at) const;
   void GiveBackRoom() noexcept;
 
-  std::array<Entry, 256> entries_{};  ///< by tag
-  std::string digits_;                ///< the parsed texts, one behind the other
-  std::size_t used_ = 0;              ///< how many digits the entries have in all
+  std::array<Entry, 256> entries_{};  // by tag
+  std::string digits_;                // the parsed texts, one behind the other
+  std::size_t used_ = 0;              // how many digits the entries have in all
 };

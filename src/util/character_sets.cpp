@@ -13,7 +13,7 @@ constexpr auto kNoTranslation = "Invalid UTF-8 sequence.";
 constexpr auto kError = "Error in conversion.";
 constexpr auto kCountsDiffer = "La falla!";
 
-/// Sizes, converts and gives the text before the first zero.
+// Sizes, converts and gives the text before the first zero.
 template <typename Unit, typename Convert>
 std::basic_string<Unit> Leg(const char* noTranslation, Convert convert) {
   const Conversion size = convert(std::span<Unit>{});

@@ -9,18 +9,18 @@ namespace orvane {
 inline constexpr char kHexDigits[] = "0123456789ABCDEF";
 inline constexpr unsigned kBadDigit = 0xFF;
 
-/// 0 to 15 for a hexadecimal digit of either case, else kBadDigit.
+// 0 to 15 for a hexadecimal digit of either case, else kBadDigit.
 unsigned HexDigitValue(char c);
 
-/// Writes two upper-case digits an octet, high digit first: 2 * count characters, no terminator.
+// Writes two upper-case digits an octet, high digit first: 2 * count characters, no terminator.
 void EncodeHex(const unsigned char* octets, std::size_t count, char* text);
 
-/// The same as a text of its own.
+// The same as a text of its own.
 std::string HexText(const unsigned char* octets, std::size_t count);
 
-/// Reads digits of either case, two an octet, and skips blanks. An odd last digit becomes a high
-/// half. The first other character ends the work with false; what stands before it is written.
-/// No octet is written before its first digit has been read, so text and octets may be one area.
+// Reads digits of either case, two an octet, and skips blanks. An odd last digit becomes a high
+// half. The first other character ends the work with false; what stands before it is written.
+// No octet is written before its first digit has been read, so text and octets may be one area.
 bool DecodeHex(std::string_view text, unsigned char* octets);
 
 }  // namespace orvane

@@ -11,7 +11,7 @@ using orvane::TimeText;
 
 constexpr int32_t kWithMs = 1;
 
-/// Fills the caller's room: the text and zeros behind it, at least one.
+// Fills the caller's room: the text and zeros behind it, at least one.
 template <std::size_t kRoom>
 void Store(const TimeText& text, char* out) {
   static_assert(kRoom <= std::tuple_size_v<TimeText>);

@@ -11,8 +11,8 @@ constexpr uint32_t kSecondsPerDay = 86400;
 constexpr uint32_t kZeroOfStamps = 28800;
 constexpr std::size_t kMillisecondDigits = 3;
 
-/// Blanks, a sign, and digits up to the first other character; modulo 2^32, so that a stamp reads
-/// the same whether it was printed with or without a sign.
+// Blanks, a sign, and digits up to the first other character; modulo 2^32, so that a stamp reads
+// the same whether it was printed with or without a sign.
 uint32_t DecimalNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
   const bool negative = text.starts_with('-');

@@ -16,8 +16,8 @@ namespace {
 
 constexpr auto kUtf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
-/// The character set of the environment's locale, without touching the process's own locale.
-/// The C locale names none: UTF-8 stands in there.
+// The character set of the environment's locale, without touching the process's own locale.
+// The C locale names none: UTF-8 stands in there.
 std::string EnvironmentCharacterSet() {
   const std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)> environment(
       newlocale(LC_CTYPE_MASK, "", nullptr), &freelocale);
@@ -42,8 +42,8 @@ class Converter {
 
   explicit operator bool() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
 
-  /// Converts the bytes at the front of in, appends the result to out and takes them off in.
-  /// False if it stops before something that does not map or is cut.
+  // Converts the bytes at the front of in, appends the result to out and takes them off in.
+  // False if it stops before something that does not map or is cut.
   bool Convert(std::string_view& in, std::string& out) {
     std::array<char, 1024> area;
     for (;;) {
@@ -67,7 +67,7 @@ std::string_view Bytes(std::u16string_view text) {
   return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
 }
 
-/// Each byte that does not map becomes U+FFFD.
+// Each byte that does not map becomes U+FFFD.
 std::optional<std::string> Decode(const std::string& from, std::string_view text) {
   Converter converter(kUtf16, from);
   if (!converter) return std::nullopt;
@@ -83,8 +83,8 @@ bool IsPair(std::u16string_view text) {
   return text.size() > 1 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
 }
 
-/// Each character that does not map becomes '?'. They are converted one by one: glibc takes a long
-/// way back from a character that it can't convert in the middle of a text.
+// Each character that does not map becomes '?'. They are converted one by one: glibc takes a long
+// way back from a character that it can't convert in the middle of a text.
 std::optional<std::string> Encode(const std::string& to, std::u16string_view text) {
   // Language tags begin with this unit. Where a set lacks them, iconv silently leaves them out.
   constexpr char16_t kTagLead = 0xDB40;

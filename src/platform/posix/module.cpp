@@ -9,7 +9,7 @@
 namespace orvane::platform {
 namespace {
 
-/// NAME.dll is libNAME.so here.
+// NAME.dll is libNAME.so here.
 std::string SharedObjectName(std::string_view fileName) {
   const auto stem = fileName.substr(0, fileName.rfind('.'));
   return "lib" + std::string(stem) + ".so";

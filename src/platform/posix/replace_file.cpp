@@ -29,7 +29,7 @@ class Descriptor {
   int number_;
 };
 
-/// Where a symbolic link leads in the end, whether or not a file is there.
+// Where a symbolic link leads in the end, whether or not a file is there.
 std::string LinkTarget(std::filesystem::path path) {
   constexpr int kMostLinks = 40;
   for (int links = 0; links < kMostLinks; ++links) {
@@ -65,7 +65,7 @@ bool HasPermissionsOf(const Descriptor& file, const struct stat& old) {
          fchmod(file.Number(), old.st_mode & 07777) == 0;
 }
 
-/// Makes a file that was not there, beside the one at this path. Sets `name`.
+// Makes a file that was not there, beside the one at this path. Sets `name`.
 Descriptor CreateBeside(const std::string& path, std::string& name) {
   // Other processes, even with the same number on another machine, may be at the same work.
   constexpr int kMostNames = 1000;

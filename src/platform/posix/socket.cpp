@@ -19,7 +19,7 @@ bool SetTimeout(int socket, int option, std::int32_t milliseconds) {
   return setsockopt(socket, SOL_SOCKET, option, &time, sizeof time) == 0;
 }
 
-/// A signal that comes in between does not end the wait.
+// A signal that comes in between does not end the wait.
 bool Wait(int socket, short events, std::int32_t milliseconds) {
   if (socket == -1) return false;
   using Clock = std::chrono::steady_clock;

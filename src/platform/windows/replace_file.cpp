@@ -30,7 +30,7 @@ File OpenForWriting(const std::string& path, DWORD disposition) {
                           disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-/// The file's own path, with all links followed.
+// The file's own path, with all links followed.
 std::string FinalPath(const File& file, const std::string& path) {
   char area[2 * MAX_PATH];
   const DWORD length =
@@ -58,7 +58,7 @@ bool CutAt(const File& file, std::size_t size) {
   return Seek(file, size) && SetEndOfFile(file.Handle()) != 0;
 }
 
-/// Makes a file that was not there, beside the one at this path. Sets `name`.
+// Makes a file that was not there, beside the one at this path. Sets `name`.
 File CreateBeside(const std::string& path, std::string& name) {
   constexpr DWORD kMostNames = 1000;
   for (DWORD i = 0; i < kMostNames; ++i) {

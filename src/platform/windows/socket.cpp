@@ -5,7 +5,7 @@
 namespace orvane::platform {
 namespace {
 
-/// Socket numbers are kernel handles, which fit in 32 bits.
+// Socket numbers are kernel handles, which fit in 32 bits.
 SOCKET Number(std::int32_t socket) {
   return socket == -1 ? INVALID_SOCKET : static_cast<SOCKET>(socket);
 }
