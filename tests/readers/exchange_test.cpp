@@ -1,137 +1,69 @@
-#include <gtest/gtest.h>
-
-#include <optional>
-
-#include "readers/reader_host.h"
-#include "support/simulated_module.h"
+#include "readers/driver_test.h"
 
 namespace orvane_test {
 namespace {
 
-using support::SimulatedModule;
+using Results = std::vector<std::int64_t>;
+
+enum Trait : unsigned {
+  kWordIsResult = 1,
+  kWordInReply = 2,
+  kStrips = 4,
+  kShowsSecondStatus = 8,
+  kConfirmsSecondEnd = 16
+};
 
 /// How one driver exchanges a command, and how it differs from the others.
 struct Driver {
   const char* name;
-  const char* vendor;
-  int kind;
-  const char* reader;
-  const char* slot;       ///< null: the one after opening
-  const char* function;   ///< of the vendor's library
-  const char* callBegin;  ///< its line in the journal, before the command
-  const char* callEnd;    ///< and behind it
-  bool wordIsResult = false;
-  bool wordInReply = true;
-  bool strips = false;
-  bool showsSecondStatus = false;
-  bool confirmsSecondEnd = false;
+  const SimulatedReader& reader;
+  const char* slot;  ///< null: the one after opening
+  const char* call;  ///< of the vendor's library; * stands for the command
+  unsigned traits;   ///< of Trait
+  Results failures;  ///< results of a call that failed
+  const char* atrCall;
+  Results atrFailures;
+  std::size_t longestAtr = 256;
   std::size_t longestReply = 256;
-  std::vector<std::int64_t> failures;  ///< results of a call that failed
+  std::size_t longestCommand = 4096;
+
+  bool Is(Trait trait) const { return (traits & trait) != 0; }
+  std::string Function() const { return std::string(call).substr(0, std::string(call).find('(')); }
+  std::int64_t Success() const { return Is(kWordIsResult) ? 0x9000 : 0; }
 };
 
+constexpr std::int64_t kAnyError = 0x8010001F;
+
+const Results kNone, kPcscError{kAnyError}, kOne{1}, kMinusOne{-1}, kNotZero{1, -1},
+    kCardErrors{kAnyError, 0x80100069}, kNotSuccess{0x6103, 0}, kWdErrors{0xFFFF, 0x6FF0};
+constexpr unsigned kPcscTraits = kWordInReply | kStrips | kShowsSecondStatus;
+constexpr unsigned kStrippedReply = kWordInReply | kStrips;
+
 const Driver kDrivers[] = {
-    {.name = "Pcsc",
-     .vendor = "winscard",
-     .kind = ReaderKindPcsc,
-     .reader = "Simulated Reader 0",
-     .slot = nullptr,
-     .function = "SCardTransmit",
-     .callBegin = "SCardTransmit(0xFFFFFFFFEA010001, 1, ",
-     .callEnd = ")",
-     .strips = true,
-     .showsSecondStatus = true,
-     .failures = {0x8010001F, 0x80100069}},
-    {.name = "PcscByControlCode",
-     .vendor = "winscard",
-     .kind = ReaderKindPcsc,
-     .reader = "Simulated Reader 0",
-     .slot = "01",
-     .function = "SCardControl",
-     .callBegin = "SCardControl(0xFFFFFFFFEA010001, 0x312EE4, ",
-     .callEnd = ")",
-     .strips = true,
-     .showsSecondStatus = true,
-     .failures = {0x8010001F, 0x80100069}},
-    {.name = "D8Contactless",
-     .vendor = "dcrf32",
-     .kind = ReaderKindD8,
-     .reader = "COM1",
-     .slot = nullptr,
-     .function = "dc_pro_commandlink",
-     .callBegin = "dc_pro_commandlink(1, ",
-     .callEnd = ", 10, 56)",
-     .strips = true,
-     .failures = {1, -1}},
-    {.name = "D8Contact",
-     .vendor = "dcrf32",
-     .kind = ReaderKindD8,
-     .reader = "COM1",
-     .slot = "01",
-     .function = "dc_cpuapdu",
-     .callBegin = "dc_cpuapdu(1, ",
-     .callEnd = ")",
-     .strips = true,
-     .failures = {1, -1}},
-    {.name = "Bsit",
-     .vendor = "STJZZ_BSIT",
-     .kind = ReaderKindBsit,
-     .reader = "BSIT:1",
-     .slot = nullptr,
-     .function = "bsit_SendApdu",
-     .callBegin = "bsit_SendApdu(0, ",
-     .callEnd = ")",
-     .strips = true,
-     .failures = {1, -1}},
-    {.name = "S5009",
-     .vendor = "S5009",
-     .kind = ReaderKindS5009,
-     .reader = "COM1",
-     .slot = nullptr,
-     .function = "ExchangeAPDU",
-     .callBegin = "ExchangeAPDU(3, \"",
-     .callEnd = "\", 10)",
-     .longestReply = 128,
-     .failures = {1, -1}},
-    {.name = "TyCom",
-     .vendor = "tyreader",
-     .kind = ReaderKindTyCom,
-     .reader = "COM1",
-     .slot = "02",
-     .function = "TY_Dtsi_api",
-     .callBegin = "TY_Dtsi_api(0, 2, ",
-     .callEnd = ")",
-     .wordIsResult = true,
-     .wordInReply = false,
-     .failures = {}},
-    {.name = "TyUsb",
-     .vendor = "tykeyint",
-     .kind = ReaderKindTyUsb,
-     .reader = "USB1",
-     .slot = "02",
-     .function = "TYKey_SendCommand",
-     .callBegin = "TYKey_SendCommand(-1000, ",
-     .callEnd = ")",
-     .wordIsResult = true,
-     .wordInReply = false,
-     .showsSecondStatus = true,
-     .failures = {}},
-    {.name = "Wd",
-     .vendor = "wdcrwx",
-     .kind = ReaderKindWd,
-     .reader = "WDUSB1",
-     .slot = nullptr,
-     .function = "ICC_tsi_api",
-     .callBegin = "ICC_tsi_api(1, ",
-     .callEnd = ")",
-     .wordIsResult = true,
-     .confirmsSecondEnd = true,
-     .failures = {0xFFFF, 0x6FF0}},
-};
+    {"Pcsc", kPcsc, nullptr, "SCardTransmit(0xFFFFFFFFEA010001, 1, *)", kPcscTraits, kCardErrors,
+     "SCardGetAttrib", kPcscError},
+    {"PcscByControlCode", kPcsc, "01", "SCardControl(0xFFFFFFFFEA010001, 0x312EE4, *)", kPcscTraits,
+     kCardErrors, "SCardControl", kPcscError},
+    {"D8Contactless", kD8, nullptr, "dc_pro_commandlink(1, *, 10, 56)", kStrippedReply, kNotZero,
+     "dc_pro_resethex", kOne, 128, 256, 255},
+    {"D8Contact", kD8, "01", "dc_cpuapdu(1, *)", kStrippedReply, kNotZero, "dc_cpureset_hex", kOne,
+     128, 256, 255},
+    {"Bsit", kBsit, nullptr, "bsit_SendApdu(0, *)", kStrippedReply, kNotZero, "bsit_ResetCard",
+     kOne},
+    {"S5009", kS5009, nullptr, "ExchangeAPDU(3, \"*\", 10)", kWordInReply, kNotZero,
+     "Mifare_SearchCard", kMinusOne, 256, 128, 133},
+    {"S5009Ats", kS5009Ats, nullptr, "ExchangeAPDU(3, \"*\", 10)", kWordInReply, kNotZero,
+     "Mifare_GetATS", kMinusOne, 256, 128, 133},
+    {"TyCom", kTyCom, "02", "TY_Dtsi_api(0, 2, *)", kWordIsResult, kNone, "TY_Dreset", kNotSuccess},
+    {"TyUsb", kTyUsb, "02", "TYKey_SendCommand(-1000, *)", kWordIsResult | kShowsSecondStatus,
+     kNone, "TYKey_ColdReset", kNotSuccess},
+    {"Wd", kWd, nullptr, "ICC_tsi_api(1, *)", kWordIsResult | kWordInReply | kConfirmsSecondEnd,
+     kWdErrors, "ICC_tsi_api", kWdErrors, 256, 256, 255}};
 
 /// What a call of the vendor's library is to give.
 struct Prepared {
   std::int64_t result;
-  std::optional<std::string> reply;
+  std::string reply;
   std::int64_t length = SIMULATOR_TRUE_LENGTH;
 };
 
@@ -141,10 +73,12 @@ struct Answer {
   const char* word;
   std::int64_t length = SIMULATOR_TRUE_LENGTH;  ///< reported of the reply
 
-  std::string Reply(const Driver& driver) const { return driver.wordInReply ? data + word : data; }
+  std::string Reply(const Driver& driver) const {
+    return driver.Is(kWordInReply) ? data + word : data;
+  }
 
   Prepared By(const Driver& driver) const {
-    return {driver.wordIsResult ? std::stol(word, nullptr, 16) : 0, Reply(driver), length};
+    return {driver.Is(kWordIsResult) ? std::stol(word, nullptr, 16) : 0, Reply(driver), length};
   }
 };
 
@@ -165,50 +99,49 @@ Reply Expected(const Driver& driver, const Row& row) {
   const Given given = row.given;
   if (given == Given::kNothing) return {0, ""};
   const bool last =
-      given == Given::kGood || (given == Given::kShownSecond && driver.showsSecondStatus);
+      given == Given::kGood || (given == Given::kShownSecond && driver.Is(kShowsSecondStatus));
   std::string reply = (last ? row.answers.back() : row.answers.front()).Reply(driver);
   if (given == Given::kGood) {
-    if (driver.strips && reply.size() > 4) reply.resize(reply.size() - 4);
+    if (driver.Is(kStrips) && reply.size() > 4) reply.resize(reply.size() - 4);
     return {1, reply};
   }
   reply.resize(4, '0');  // the area is clear before each call
   return {0, reply};
 }
 
-class Exchange : public testing::TestWithParam<Driver> {
+class Exchange : public DriverTest, public testing::WithParamInterface<Driver> {
  protected:
-  void SetUp() override {
-    ASSERT_EQ(OpenReaderA(driver.reader, driver.kind), 1);
-    if (driver.slot != nullptr) ChangeSlot(driver.slot);
+  Exchange() : DriverTest(GetParam().reader) {}
+  void SetUp() override { OpenAnew(driver.slot); }
+
+  /// The line of the journal for a command.
+  std::string Call(const std::string& command) const {
+    std::string call = driver.call;
+    return call.replace(call.find('*'), 1, command) + '\n';
   }
-  void TearDown() override { ReaderTest::EmptySlots(); }
 
   /// Sends a command. The first call is to carry it, and a second one, if there is one, GET
   /// RESPONSE with this Le.
   void Expect(const char* name, const std::vector<Prepared>& calls, const Reply& expected,
               const char* secondLength = "03") {
     SCOPED_TRACE(name);
-    module.Restart();
     std::string expectedCalls;
-    std::string command = "00B0000003";
     for (const Prepared& call : calls) {
-      module.Answer(driver.function, call.result, call.reply ? call.reply->c_str() : nullptr,
-                    call.length);
-      expectedCalls += driver.callBegin + command + driver.callEnd + '\n';
-      command = std::string("00C00000") + secondLength;
+      module.Answer(driver.Function().c_str(), call.result, call.reply.c_str(), call.length);
+      expectedCalls +=
+          Call(expectedCalls.empty() ? "00B0000003" : "00C00000" + std::string(secondLength));
     }
     EXPECT_EQ(Send("00B0000003"), expected);
-    EXPECT_EQ(CallsWithoutResults(module.Journal()), expectedCalls);
+    EXPECT_EQ(NewCallsWithoutResults(), expectedCalls);
   }
 
   const Driver& driver = GetParam();
-  const SimulatedModule module{driver.vendor};
   const Prepared more = Answer{"", "6103"}.By(driver);
-  const Reply moreShown{0, driver.wordInReply ? "6103" : "0000"};
+  const Reply moreShown{0, driver.Is(kWordInReply) ? "6103" : "0000"};
 };
 
 TEST_P(Exchange, FollowsTheStatusWord) {
-  const std::size_t most = driver.longestReply - (driver.wordInReply ? 2 : 0);
+  const std::size_t most = driver.longestReply - (driver.Is(kWordInReply) ? 2 : 0);
   const std::string longest(2 * most, '1');
   const Row rows[] = {
       {"success alone", {{"", "9000"}}, Given::kGood},
@@ -219,7 +152,6 @@ TEST_P(Exchange, FollowsTheStatusWord) {
       {"error", {{"", "6A82"}}, Given::kShown},
       {"data and warning", {{"0102", "6282"}}, Given::kShown},
       {"one octet and warning", {{"01", "6282"}}, Given::kShown},
-      {"wrong Le", {{"", "6C10"}}, Given::kShown},
       {"almost success", {{"", "9001"}}, Given::kShown},
       {"more data", {{"", "6103"}, {"010203", "9000"}}, Given::kGood},
       {"more data of 256 octets", {{"", "6100"}, {longest, "9000"}}, Given::kGood},
@@ -229,11 +161,9 @@ TEST_P(Exchange, FollowsTheStatusWord) {
       {"more data, then an error", {{"", "6103"}, {"", "6F00"}}, Given::kShownSecond},
       {"more data, then data and a warning", {{"", "6103"}, {"0102", "6282"}}, Given::kShownSecond},
       {"length 257", {{"", "9000", 257}}, Given::kNothing},
-      {"length 300", {{longest, "9000", 300}}, Given::kNothing},
       {"length 2147483647", {{"", "9000", 0x7FFFFFFF}}, Given::kNothing},
       {"length -1", {{"", "9000", -1}}, Given::kNothing},
       {"length 300 of more data", {{"", "6103", 300}}, Given::kNothing},
-      {"length 300 of an error", {{"", "6A82", 300}}, Given::kNothing},
       {"more data, then length 257", {{"", "6103"}, {"", "9000", 257}}, Given::kShown},
       {"more data, then length -1", {{"", "6103"}, {"", "9000", -1}}, Given::kShown},
   };
@@ -246,27 +176,62 @@ TEST_P(Exchange, FollowsTheStatusWord) {
 
 TEST_P(Exchange, EndsWithACallThatFails) {
   for (const std::int64_t failure : driver.failures) {
-    Expect("at once", {{failure, std::nullopt}}, {0, ""});
-    Expect("at once, with a reply", {{failure, "9000"}}, {0, ""});
-    Expect("behind more data", {more, {failure, std::nullopt}}, moreShown);
-    Expect("behind more data, with a reply", {more, {failure, "01029000"}}, moreShown);
+    Expect("at once", {{failure, "9000"}}, {0, ""});
+    Expect("behind more data", {more, {failure, "01029000"}}, moreShown);
   }
 }
 
 /// A reply too short to hold the status word is none, unless the word comes as the result.
 TEST_P(Exchange, ReadsNoStatusWordThatIsNotThere) {
-  const std::int64_t success = driver.wordIsResult ? 0x9000 : 0;
   for (const char* reply : {"", "90"}) {
     const Reply good{1, reply};
-    const bool goodSecond = driver.wordIsResult && !driver.confirmsSecondEnd;
-    Expect("at once", {{success, reply}}, driver.wordIsResult ? good : Reply{0, ""});
-    Expect("behind more data", {more, {success, reply}}, goodSecond ? good : moreShown);
+    const bool goodSecond = driver.Is(kWordIsResult) && !driver.Is(kConfirmsSecondEnd);
+    Expect("at once", {{driver.Success(), reply}}, driver.Is(kWordIsResult) ? good : Reply{0, ""});
+    Expect("behind more data", {more, {driver.Success(), reply}}, goodSecond ? good : moreShown);
+  }
+}
+
+TEST_P(Exchange, SendsTheLongestCommand) {
+  const std::string longest(2 * driver.longestCommand, 'A');
+  EXPECT_EQ(Send(longest + "AA"), (Reply{0, ""}));
+  EXPECT_EQ(NewCalls(), "");
+  const Answer good{"", "9000"};
+  module.Answer(driver.Function().c_str(), driver.Success(), good.Reply(driver).c_str());
+  EXPECT_EQ(Send(longest), (Reply{1, good.Reply(driver)}));
+  EXPECT_NE(NewCalls().find(longest), std::string::npos);
+}
+
+/// What is reported of an ATR is not trusted.
+TEST_P(Exchange, ReadsTheAtr) {
+  const std::string longest(2 * driver.longestAtr, 'A');
+  const Reply none{0, kUntouched};
+  const struct {
+    std::string atr;
+    std::int64_t length;
+    Reply expected;
+  } rows[] = {
+      {"3B0102", SIMULATOR_TRUE_LENGTH, {1, "3B0102"}},
+      {"3B0102", 1, {1, "3B"}},
+      {"3B", 3, {1, "3B0000"}},
+      {"", SIMULATOR_TRUE_LENGTH, {1, ""}},
+      {longest, SIMULATOR_TRUE_LENGTH, {1, longest}},
+      {longest, static_cast<std::int64_t>(driver.longestAtr) + 1, none},
+      {"3B", 0x7FFFFFFF, none},
+      {"3B", -1, none},
+  };
+  for (const auto& row : rows) {
+    module.Answer(driver.atrCall, driver.Success(), row.atr.c_str(), row.length);
+    EXPECT_EQ(ResetCard(), row.expected) << row.atr << ' ' << row.length;
+  }
+  for (const std::int64_t failure : driver.atrFailures) {
+    module.Answer(driver.atrCall, failure, "3B0102");
+    EXPECT_EQ(ResetCard(), none) << failure;
   }
 }
 
 TEST_P(Exchange, TalksToTheCard) {
-  const std::string end = driver.strips || !driver.wordInReply ? "" : "9000";
-  ASSERT_EQ(ResetCard(), (Reply{1, "3B6A0000803180664F5256414E45"}));
+  const std::string end = driver.Is(kStrips) || !driver.Is(kWordInReply) ? "" : "9000";
+  ASSERT_EQ(ResetCard(), (Reply{1, kCardAtr}));
   EXPECT_EQ(Send("00A4040008F04F5256414E4501"),
             (Reply{1,
                    "6F298408F04F5256414E4501A51D500A4F5256414E45205041598701015F2D02656E9F38069F"
@@ -275,7 +240,7 @@ TEST_P(Exchange, TalksToTheCard) {
   EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, "6A82"}));
   module.InsertCard(false);
   EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
-  EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, driver.wordInReply ? "" : "0000"}));
+  EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, driver.Is(kWordInReply) ? "" : "0000"}));
   EXPECT_EQ(CloseReader(), 1);
 }
 

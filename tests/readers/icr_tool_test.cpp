@@ -3,30 +3,7 @@
 namespace orvane_test {
 namespace {
 
-class IcrTool : public DriverTest {
- protected:
-  IcrTool() : DriverTest("sdtapi") {}
-};
-
-constexpr char kUsb[] = "ICR-COM1001(ICRUSB)";
-
-TEST_F(IcrTool, OpensPorts) {
-  const OpenRow rows[] = {
-      {kUsb, 0, 1, "SDT_OpenPort(1001) = 0x90\nSDT_OpenPort(1001) = 0x90\n"},
-      {"ICR-COM1", 0, 1, "SDT_OpenPort(1) = 0x90\n"},
-      {"ICR-COM3", 0, 0, "SDT_OpenPort(3) = 0x1\n"},
-      {"COM1001", 0, 1, "SDT_OpenPort(1001) = 0x90\n"},
-      {"ICR-COM", 0, 0, "SDT_OpenPort(0) = 0x1\n"},
-      {"ICRUSB", 0, 0, ""},
-      {nullptr, 1, 0, ""},
-  };
-  for (const OpenRow& row : rows) {
-    StartAnew();
-    NewCalls();
-    EXPECT_EQ(row.Open(ReaderKindIcr), row.expected) << row;
-    EXPECT_EQ(NewCalls(), row.calls) << row;
-  }
-}
+using IcrTool = DriverOf<kIcr>;
 
 TEST_F(IcrTool, TriesTheUsbReaderUpToThreeTimes) {
   constexpr std::int64_t kDone = 0x90, kBusy = 0x05;
@@ -46,18 +23,17 @@ TEST_F(IcrTool, TriesTheUsbReaderUpToThreeTimes) {
       module.Answer("SDT_OpenPort", result);
       calls += "SDT_OpenPort(1001)\n";
     }
-    EXPECT_EQ(OpenReaderA(kUsb, ReaderKindIcr), row.expected);
-    EXPECT_EQ(CallsWithoutResults(NewCalls()), calls);
+    EXPECT_EQ(OpenReaderA("ICR-COM1001(ICRUSB)", ReaderKindIcr), row.expected);
+    EXPECT_EQ(NewCallsWithoutResults(), calls);
   }
 }
 
 TEST_F(IcrTool, ReadsACardButGivesNothing) {
-  ASSERT_EQ(OpenReaderA("ICR-COM1", ReaderKindIcr), 1);
-  NewCalls();
+  OpenAnew();
   ChangeSlot("0C");
   EXPECT_EQ(ResetCard(), (Reply{1, ""}));
   EXPECT_EQ(Send("00A40400"), (Reply{1, ""}));
-  EXPECT_EQ(CallsWithoutResults(NewCalls()),
+  EXPECT_EQ(NewCallsWithoutResults(),
             "SDT_StartFindIDCard(1, 0)\nSDT_StartFindIDCard(1, 0)\nSDT_SelectIDCard(1, 0)\n"
             "SDT_ReadBaseMsg(1, 0)\n");
   module.InsertCard(false);
@@ -74,7 +50,7 @@ TEST_F(IcrTool, NeedsTheSecondFindAndTheSelection) {
       {{0x80, 0x9F}, 0x90, 1}, {{0x9F, 0x80}, 0x90, 0}, {{0x9F, 0x90}, 0x90, 0},
       {{0x9F, 0x9F}, 0x9F, 0}, {{0x9F, 0x9F}, 0x81, 0},
   };
-  ASSERT_EQ(OpenReaderA("ICR-COM1", ReaderKindIcr), 1);
+  OpenAnew();
   for (const auto& row : rows) {
     for (const std::int64_t find : row.finds) module.Answer("SDT_StartFindIDCard", find);
     module.Answer("SDT_SelectIDCard", row.selection);
@@ -84,7 +60,7 @@ TEST_F(IcrTool, NeedsTheSecondFindAndTheSelection) {
 
 TEST_F(IcrTool, HasRoomForLongMessages) {
   const std::string everywhere(2 * 40960, 'A');
-  ASSERT_EQ(OpenReaderA("ICR-COM1", ReaderKindIcr), 1);
+  OpenAnew();
   for (const std::int64_t length : {SIMULATOR_TRUE_LENGTH, INT64_C(-1), INT64_C(0x7FFFFFFF)}) {
     module.Answer("SDT_ReadBaseMsg", 0x90, everywhere.c_str(), length);
     EXPECT_EQ(Send(std::string(8192, 'A')), (Reply{1, ""}));
@@ -95,8 +71,7 @@ TEST_F(IcrTool, HasRoomForLongMessages) {
 
 /// It knows no open and closed: every close goes to the library.
 TEST_F(IcrTool, ClosesEachTime) {
-  ASSERT_EQ(OpenReaderA("ICR-COM1", ReaderKindIcr), 1);
-  NewCalls();
+  OpenAnew();
   EXPECT_EQ(CloseReader(), 1);
   EXPECT_EQ(CloseReader(), 0);
   EmptySlots();

@@ -1,30 +1,14 @@
-#include <gtest/gtest.h>
-
-#include "readers/reader_host.h"
-#include "support/simulated_module.h"
+#include "readers/driver_test.h"
 
 namespace orvane_test {
 namespace {
 
-struct Driver {
-  const char* vendor;
-  int kind;
-  const char* reader;
-};
-
-const Driver kTyUsb{"tykeyint", ReaderKindTyUsb, "USB1"};
-const Driver kTyCom{"tyreader", ReaderKindTyCom, "COM1"};
-const Driver kD8{"dcrf32", ReaderKindD8, "COM1"};
-const Driver kS5009{"S5009", ReaderKindS5009, "COM1"};
-const Driver kS5009Ats{"S5009", ReaderKindS5009Ats, "COM1"};
-const Driver kIcr{"sdtapi", ReaderKindIcr, "ICR-COM1"};
-const Driver kBsit{"STJZZ_BSIT", ReaderKindBsit, "BSIT:1"};
+const SimulatedReader* const kVendors[] = {&kTyUsb, &kTyCom, &kD8, &kS5009, &kBsit, &kIcr};
 
 /// Records listed, open by port, open by name, reset and send in slot 0 and in slot 12, close.
-std::vector<int> Results(const Driver& driver) {
-  std::vector<int> results = {static_cast<int>(List(driver.kind, 0, 0).size()),
-                              OpenReader(1, driver.kind, 9600),
-                              OpenReaderA(driver.reader, driver.kind)};
+std::vector<int> Results(const SimulatedReader& reader) {
+  std::vector<int> results = {static_cast<int>(List(reader.kind, 0, 0).size()),
+                              OpenReader(1, reader.kind, 9600), Open(reader)};
   for (const char* slot : {"00", "0C"}) {
     ChangeSlot(slot);
     results.push_back(ResetCard().result);
@@ -38,103 +22,105 @@ class MissingModule : public ReaderTest {};
 
 TEST_F(MissingModule, LeavesNothingToOpen) {
   const struct {
-    const Driver& driver;
+    const SimulatedReader& reader;
     int listed;  // without any port offered
     int closed;
   } rows[] = {{kTyUsb, 0, 1}, {kTyCom, 0, 1},    {kD8, 1, 1}, {kS5009, 0, 1},
               {kBsit, 0, 1},  {kS5009Ats, 0, 1}, {kIcr, 1, 0}};
   for (const auto& row : rows) {
-    EXPECT_EQ(Results(row.driver), (std::vector<int>{row.listed, 0, 0, 0, 0, 0, 0, row.closed}))
-        << row.driver.vendor;
+    EXPECT_EQ(Results(row.reader), (std::vector<int>{row.listed, 0, 0, 0, 0, 0, 0, row.closed}))
+        << row.reader.vendor;
   }
 }
 
-/// The next open looks for the library again; only the identity-card reader looks once.
+/// The next open looks for the library again; only the identity-card reader looks once. The last
+/// reader unloads it.
 TEST_F(MissingModule, MayComeLater) {
-  for (const Driver* driver : {&kTyUsb, &kTyCom, &kD8, &kS5009, &kBsit, &kIcr}) {
-    EmptySlots();
-    EXPECT_EQ(OpenReaderA(driver->reader, driver->kind), 0) << driver->vendor;
-    const support::SimulatedModule module(driver->vendor);
-    EXPECT_EQ(OpenReaderA(driver->reader, driver->kind), driver == &kIcr ? 0 : 1) << driver->vendor;
-    EmptySlots();
-    EXPECT_EQ(OpenReaderA(driver->reader, driver->kind), 1) << driver->vendor;
-    EmptySlots();
-  }
-}
-
-TEST_F(MissingModule, IsUnloadedWithTheLastReader) {
-  for (const Driver* driver : {&kTyUsb, &kTyCom, &kD8, &kS5009, &kBsit, &kIcr}) {
+  for (const SimulatedReader* reader : kVendors) {
+    SCOPED_TRACE(reader->vendor);
+    EXPECT_EQ(Open(*reader), 0);
     {
-      const support::SimulatedModule module(driver->vendor);
-      EXPECT_EQ(OpenReaderA(driver->reader, driver->kind), 1);
+      const support::SimulatedModule module(reader->vendor);
+      EXPECT_EQ(Open(*reader), reader == &kIcr ? 0 : 1);
+      EmptySlots();
+      EXPECT_EQ(Open(*reader), 1);
     }
-    EXPECT_TRUE(support::IsLoaded(driver->vendor)) << "the reader is open";
+    EXPECT_TRUE(support::IsLoaded(reader->vendor)) << "the reader is open";
     EmptySlots();
-    EXPECT_FALSE(support::IsLoaded(driver->vendor));
+    EXPECT_FALSE(support::IsLoaded(reader->vendor));
   }
 }
 
 TEST_F(MissingModule, OrOneFunctionOfIt) {
+  const std::vector<int> all = {2, 1, 1, 1, 1, 1, 1, 1}, none = {2, 0, 0, 0, 0, 0, 0, 1},
+                         noReset = {2, 1, 1, 0, 1, 0, 1, 1}, noSend = {2, 1, 1, 1, 0, 1, 0, 1};
   const struct {
-    const Driver& driver;
-    const char* missing;
+    const SimulatedReader& reader;
+    std::vector<const char*> missing;  // one of these at a time
     std::vector<int> expected;
+    int listed = 2;  // in the place of the number there
   } rows[] = {
-      {kTyUsb, "TYKey_GetATR", {2, 1, 1, 1, 1, 1, 1, 1}},  // never called
-      {kTyUsb, "TYKey_Change", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kTyUsb, "TYKey_Status", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kTyUsb, "TYKey_OpenTYKey", {2, 0, 0, 0, 0, 0, 0, 1}},
-      {kTyUsb, "TYKey_CloseTYKey", {2, 1, 1, 1, 1, 1, 1, 1}},
-      {kTyUsb, "TYKey_ColdReset", {2, 1, 1, 0, 1, 0, 1, 1}},
-      {kTyUsb, "TYKey_SendCommand", {2, 1, 1, 1, 0, 1, 0, 1}},
-
-      {kTyCom, "TY_DCardExist", {0, 1, 1, 1, 1, 1, 1, 1}},  // never called
-      {kTyCom, "TY_Open", {0, 0, 0, 0, 0, 0, 0, 1}},
-      {kTyCom, "TY_Close", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kTyCom, "TY_Dreset", {0, 1, 1, 0, 1, 0, 1, 1}},
-      {kTyCom, "TY_Dtsi_api", {0, 1, 1, 1, 0, 1, 0, 1}},
-
-      {kD8, "dc_init", {1, 0, 0, 0, 0, 0, 0, 1}},
-      {kD8, "dc_exit", {1, 1, 1, 1, 1, 1, 1, 1}},
-      {kD8, "dc_config_card", {1, 0, 0, 1, 1, 1, 1, 1}},
-      {kD8, "dc_setcpu", {1, 1, 1, 1, 1, 1, 1, 1}},
-      {kD8, "dc_reset", {1, 1, 1, 0, 0, 1, 1, 1}},
-      {kD8, "dc_request", {1, 1, 1, 0, 0, 1, 1, 1}},
-      {kD8, "dc_anticoll", {1, 1, 1, 0, 0, 1, 1, 1}},
-      {kD8, "dc_select", {1, 1, 1, 0, 0, 1, 1, 1}},
-      {kD8, "dc_pro_resethex", {1, 1, 1, 0, 0, 1, 1, 1}},
-      {kD8, "dc_pro_commandlink", {1, 1, 1, 1, 0, 1, 1, 1}},
-      {kD8, "dc_cpureset_hex", {1, 1, 1, 1, 1, 0, 1, 1}},
-      {kD8, "dc_cpuapdu", {1, 1, 1, 1, 1, 1, 0, 1}},
-
-      {kS5009, "Mifare_BlockCopy", {0, 1, 1, 1, 1, 1, 1, 1}},  // never called
-      {kS5009, "InitCOM", {0, 0, 0, 0, 0, 0, 0, 1}},
-      {kS5009, "CloseCOM", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kS5009, "ExchangeAPDU", {0, 1, 1, 1, 0, 1, 0, 1}},
-      {kS5009, "Mifare_SearchCard", {0, 1, 1, 0, 1, 0, 1, 1}},
-      {kS5009, "Mifare_GetATS", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kS5009Ats, "Mifare_SearchCard", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kS5009Ats, "Mifare_GetATS", {0, 1, 1, 0, 1, 0, 1, 1}},
-
-      {kIcr, "SDT_OpenPort", {1, 0, 0, 0, 0, 0, 0, 0}},
-      {kIcr, "SDT_ClosePort", {1, 0, 1, 1, 1, 1, 1, 0}},
-      {kIcr, "SDT_StartFindIDCard", {1, 0, 1, 0, 0, 0, 0, 1}},
-      {kIcr, "SDT_SelectIDCard", {1, 0, 1, 0, 0, 0, 0, 1}},
-      {kIcr, "SDT_ReadBaseMsg", {1, 0, 1, 1, 0, 1, 0, 1}},
-
-      {kBsit, "bsit_GetCardState", {2, 1, 1, 1, 1, 1, 1, 1}},  // never called
-      {kBsit, "bsit_gethidlist", {0, 1, 1, 1, 1, 1, 1, 1}},
-      {kBsit, "bsit_openHID", {2, 0, 0, 0, 0, 0, 0, 1}},
-      {kBsit, "bsit_CloseHID", {2, 1, 1, 1, 1, 1, 1, 1}},
-      {kBsit, "bsit_SetSlot", {2, 1, 1, 1, 1, 1, 1, 1}},
-      {kBsit, "bsit_ResetCard", {2, 1, 1, 0, 1, 0, 1, 1}},
-      {kBsit, "bsit_SendApdu", {2, 1, 1, 1, 0, 1, 0, 1}},
+      {kTyUsb, {"TYKey_GetATR", "TYKey_CloseTYKey"}, all},  // the first is never called
+      {kTyUsb, {"TYKey_Change", "TYKey_Status"}, all, 0},
+      {kTyUsb, {"TYKey_OpenTYKey"}, none},
+      {kTyUsb, {"TYKey_ColdReset"}, noReset},
+      {kTyUsb, {"TYKey_SendCommand"}, noSend},
+      {kTyCom, {"TY_DCardExist", "TY_Close"}, all, 0},
+      {kTyCom, {"TY_Open"}, none, 0},
+      {kTyCom, {"TY_Dreset"}, noReset, 0},
+      {kTyCom, {"TY_Dtsi_api"}, noSend, 0},
+      {kPcsc, {"SCardStatusA", "SCardDisconnect", "SCardGetStatusChangeA", "g_rgSCardT1Pci"}, all},
+      {kPcsc, {"SCardEstablishContext", "SCardReleaseContext"}, none, 0},
+      {kPcsc, {"SCardListReadersA", "SCardFreeMemory"}, {2, 0, 1, 1, 1, 1, 1, 1}, 0},
+      {kPcsc, {"SCardConnectA"}, none},
+      {kPcsc, {"SCardTransmit"}, noSend},
+      {kPcsc, {"SCardGetAttrib"}, noReset},
+      {kPcsc, {"SCardControl"}, {2, 1, 1, 0, 0, 0, 0, 1}},
+      {kPcsc, {"g_rgSCardT0Pci"}, {2, 1, 1, 1, 0, 1, 1, 1}},
+      {kD8, {"dc_exit", "dc_setcpu"}, all, 1},
+      {kD8, {"dc_init"}, none, 1},
+      {kD8, {"dc_config_card"}, {2, 0, 0, 1, 1, 1, 1, 1}, 1},
+      {kD8,
+       {"dc_reset", "dc_request", "dc_anticoll", "dc_select", "dc_pro_resethex"},
+       {2, 1, 1, 0, 0, 1, 1, 1},
+       1},
+      {kD8, {"dc_pro_commandlink"}, {2, 1, 1, 1, 0, 1, 1, 1}, 1},
+      {kD8, {"dc_cpureset_hex"}, {2, 1, 1, 1, 1, 0, 1, 1}, 1},
+      {kD8, {"dc_cpuapdu"}, {2, 1, 1, 1, 1, 1, 0, 1}, 1},
+      {kS5009, {"Mifare_BlockCopy", "CloseCOM", "Mifare_GetATS"}, all, 0},
+      {kS5009, {"InitCOM"}, none, 0},
+      {kS5009, {"ExchangeAPDU"}, noSend, 0},
+      {kS5009, {"Mifare_SearchCard"}, noReset, 0},
+      {kS5009Ats, {"Mifare_SearchCard"}, all, 0},
+      {kS5009Ats, {"Mifare_GetATS"}, noReset, 0},
+      {kIcr, {"SDT_OpenPort"}, {2, 0, 0, 0, 0, 0, 0, 0}, 1},
+      {kIcr, {"SDT_ClosePort"}, {2, 0, 1, 1, 1, 1, 1, 0}, 1},
+      {kIcr, {"SDT_StartFindIDCard", "SDT_SelectIDCard"}, {2, 0, 1, 0, 0, 0, 0, 1}, 1},
+      {kIcr, {"SDT_ReadBaseMsg"}, {2, 0, 1, 1, 0, 1, 0, 1}, 1},
+      {kBsit, {"bsit_GetCardState", "bsit_CloseHID", "bsit_SetSlot"}, all},
+      {kBsit, {"bsit_gethidlist"}, all, 0},
+      {kBsit, {"bsit_openHID"}, none},
+      {kBsit, {"bsit_ResetCard"}, noReset},
+      {kBsit, {"bsit_SendApdu"}, noSend},
   };
   for (const auto& row : rows) {
-    const auto module = support::ModuleWithout(row.driver.vendor, row.missing);
-    EXPECT_EQ(Results(row.driver), row.expected) << "without " << row.missing;
-    EmptySlots();
+    std::vector<int> expected = row.expected;
+    expected[0] = row.listed;
+    for (const char* missing : row.missing) {
+      const auto module = support::ModuleWithout(row.reader.vendor, missing);
+      EXPECT_EQ(Results(row.reader), expected) << "without " << missing;
+      EmptySlots();
+    }
   }
+}
+
+TEST_F(MissingModule, StatusChangesFindsNoCard) {
+  const auto winscard = support::ModuleWithout("winscard", "SCardGetStatusChangeA");
+  winscard.InsertCard(false);
+  EXPECT_EQ(Open(kPcsc), 1);
+  winscard.InsertCard(true);
+  EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
+  EmptySlots();
 }
 
 }  // namespace
