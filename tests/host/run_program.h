@@ -1,11 +1,15 @@
-#ifndef TESTS_HOST_RUN_PROGRAM_H
-#define TESTS_HOST_RUN_PROGRAM_H
+#pragma once
 
-#include <filesystem>
+#include <cstdlib>
 #include <string>
-#include <string_view>
+
+#include "tags/working_folder.h"
 
 namespace host_test {
+
+using orvane_test::ReadFile;
+using orvane_test::WorkingFolder;
+using orvane_test::WriteFile;
 
 struct Outcome {
   int exitCode;  // -1 if the program ended otherwise than by an exit
@@ -13,27 +17,21 @@ struct Outcome {
   std::string err;
 };
 
-// A folder of its own for one test, removed at its end.
-class Folder {
- public:
-  Folder();
-  ~Folder();
-  // Writes a file byte by byte and gives its path.
-  std::string Write(std::string_view name, std::string_view content) const;
-  std::string Path(std::string_view name) const;
-
- private:
-  std::filesystem::path path_;
-};
-
-// Runs the program `orvane` with arguments as a shell takes them, and input as standard input. The
-// program stands in the build's folder or in another one.
-Outcome RunOrvane(const Folder& folder, const std::string& arguments, std::string_view input = "",
-                  const std::string& programFolder = ORVANE_BUILD_FOLDER);
-
-// The exit code in what std::system gave; -1 if there was none.
+/// The exit code in what std::system gave; -1 if there was none.
 int ExitCodeOf(int status);
 
-}  // namespace host_test
+/// Runs the program `orvane` in the current folder, with arguments as a shell takes them, and input
+/// as standard input. The program stands in the build's folder or in another one.
+inline Outcome RunOrvane(const std::string& arguments, const std::string& input = "",
+                         const std::string& programFolder = ORVANE_BUILD_FOLDER) {
+  WriteFile("in", input);
+  const std::string command = programFolder + "/orvane " + arguments + " <in >out 2>err";
+  const int exitCode = ExitCodeOf(std::system(command.c_str()));
+  return {exitCode, *ReadFile("out"), *ReadFile("err")};
+}
 
-#endif
+inline bool Shows(const std::string& text, const std::string& part) {
+  return text.find(part) != text.npos;
+}
+
+}  // namespace host_test

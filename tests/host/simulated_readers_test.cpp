@@ -7,65 +7,52 @@
 namespace host_test {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr char kSimulated[] = "simulated: no hardware is touched";
 
-bool Shows(const Outcome& outcome, std::string_view text) {
-  return outcome.out.find(text) != std::string::npos;
-}
+class SimulatedReaders : public testing::Test {
+ protected:
+  WorkingFolder folder;
+};
 
-TEST(SimulatedReaders, OfEveryMakerRunTheExample) {
-  const Folder folder;
-  for (const char* reader :
+TEST_F(SimulatedReaders, OfEveryMakerRunTheExample) {
+  for (const std::string reader :
        {"1:USB1", "1:1", "2:COM1", "2:1", "3:Simulated Reader 0", "3:1", "4:WDUSB1", "5:COM1",
         "5:COM100(D8USB)", "5:1", "5:100", "7:COM1", "7:1", "8:COM1", "8:1", "12:BSIT:1", "12:1"}) {
-    const Outcome outcome = RunOrvane(folder, "run --simulate -r '" + std::string(reader) + "' " +
-                                                  ORVANE_SOURCE_FOLDER "/examples/payment.orv");
+    const Outcome outcome = RunOrvane("run --simulate -r \"" + reader +
+                                      "\" " ORVANE_SOURCE_FOLDER "/examples/payment.orv");
     EXPECT_EQ(outcome.exitCode, 0) << reader << '\n' << outcome.err;
     EXPECT_EQ(outcome.err, "") << reader;
-    EXPECT_TRUE(Shows(outcome, kSimulated)) << reader << '\n' << outcome.out;
-    EXPECT_TRUE(Shows(outcome, "done  ")) << reader << '\n' << outcome.out;
+    EXPECT_TRUE(Shows(outcome.out, kSimulated)) << reader << '\n' << outcome.out;
+    EXPECT_TRUE(Shows(outcome.out, "done  ")) << reader << '\n' << outcome.out;
   }
 }
 
-TEST(SimulatedReaders, OfIdentityCardsGiveNothing) {
-  const Folder folder;
-  const std::string script = folder.Write(
-      "script.orv",
-      "@reset()\n@compare(@strlen(%ATR),0,1)\n00A40000\n@compare(@strlen(%RESP),0,1)\n");
-  const Outcome outcome = RunOrvane(folder, "run --simulate -r '11:ICR-COM1001(ICRUSB)' " + script);
+TEST_F(SimulatedReaders, OfIdentityCardsGiveNothing) {
+  WriteFile("script",
+            "@reset()\n@compare(@strlen(%ATR),0,1)\n00A40000\n@compare(@strlen(%RESP),0,1)\n");
+  const Outcome outcome = RunOrvane("run --simulate -r \"11:ICR-COM1001(ICRUSB)\" script");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
 }
 
-TEST(SimulatedReaders, AreListedAsTheyAreOpened) {
-  const Folder folder;
-  const Outcome outcome = RunOrvane(folder, "readers --simulate");
-  for (const char* line : {" 1:USB1\n", " 1:USB2\n", " 12:BSIT:1\n", " 12:BSIT:2\n"}) {
-    EXPECT_TRUE(Shows(outcome, line)) << outcome.out;
-  }
-}
-
 /// It is a device on the network, with or without simulators for the rest.
-TEST(EncryptionMachine, IsNoSimulatorToTheProgram) {
-  for (const char* option : {"", "--simulate "}) {
+TEST_F(SimulatedReaders, DoNotIncludeTheEncryptionMachine) {
+  WriteFile("script", "30 31\n@compare(%RESP,9000AA,1)\n30\n@compare(%RESP,30,1)\n");
+  for (const std::string option : {"", "--simulate "}) {
     simulator::EncryptionMachine machine;
     machine.Prepare({{{std::chrono::milliseconds(0), simulator::FromHex("9000AA")}}});
-    const Folder folder;
-    const std::string script =
-        folder.Write("script.orv", "30 31\n@compare(%RESP,9000AA,1)\n30\n@compare(%RESP,30,1)\n");
-    const Outcome outcome =
-        RunOrvane(folder, std::string("run ") + option + "-r 10:" + machine.Name() + ' ' + script);
+    const Outcome outcome = RunOrvane("run " + option + "-r 10:" + machine.Name() + " script");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.out << outcome.err;
-    EXPECT_FALSE(Shows(outcome, kSimulated)) << outcome.out;
+    EXPECT_FALSE(Shows(outcome.out, kSimulated)) << outcome.out;
     EXPECT_TRUE(machine.Journal().starts_with("1 opens\n1 sends 3031\n1 sends 30\n"))
         << machine.Journal();
   }
 }
 
 /// Beside the library stands what is no simulator: nothing may be sent to it as if it were one.
-TEST(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
-  namespace fs = std::filesystem;
-  const Folder folder;
-  const fs::path here = folder.Path(""), build = ORVANE_BUILD_FOLDER;
+TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
+  const fs::path here = fs::current_path(), build = ORVANE_BUILD_FOLDER;
   for (const fs::directory_entry& entry : fs::directory_iterator(build)) {
     const std::string name = entry.path().filename().string();
     if (name.starts_with("orvane") || name.starts_with("liborvane")) fs::copy(entry, here / name);
@@ -73,15 +60,14 @@ TEST(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
   fs::copy(build / "simulators", here / "simulators");
   support::WriteModuleWithout("wdcrwx", "SimulatorRestart", here);
 
-  const std::string script = folder.Write("script.orv", "@reset()\n");
-  const Outcome refused =
-      RunOrvane(folder, "run --simulate -r 4:WDUSB1 " + script, "", here.string());
+  WriteFile("script", "@reset()\n");
+  const Outcome refused = RunOrvane("run --simulate -r 4:WDUSB1 script", "", here.string());
   EXPECT_EQ(refused.exitCode, 4);
   EXPECT_EQ(refused.err,
             "orvane: the WD library beside this one is no simulator: it is not opened\n");
-  const Outcome real = RunOrvane(folder, "run -r 4:WDUSB1 " + script, "", here.string());
+  const Outcome real = RunOrvane("run -r 4:WDUSB1 script", "", here.string());
   EXPECT_EQ(real.exitCode, 0) << real.err;
-  EXPECT_FALSE(Shows(real, kSimulated)) << real.out;
+  EXPECT_FALSE(Shows(real.out, kSimulated)) << real.out;
 }
 
 }  // namespace

@@ -1,11 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
-
 #include "host/run_program.h"
 
 namespace host_test {
@@ -14,28 +8,22 @@ namespace {
 // The program finds the dictionary in the folder that it runs in.
 class Tags : public testing::Test {
  protected:
-  Tags() { std::filesystem::current_path(folder.Path("")); }
-  ~Tags() override { std::filesystem::current_path(before); }
-
-  Folder folder;
-  std::filesystem::path before = std::filesystem::current_path();
-};
-
-struct Step {
-  std::string arguments;
-  int exitCode;
-  std::string out;
-  std::string err;
-  std::string input;
+  WorkingFolder folder;
 };
 
 TEST_F(Tags, AreEditedAndShown) {
   const std::string list = ORVANE_SOURCE_FOLDER "/examples/tags.txt";
-  const std::vector<Step> steps = {
+  const struct {
+    std::string arguments;
+    int exitCode;
+    std::string out;
+    std::string err;
+    std::string input;
+  } steps[] = {
       {"tags list", 0, "", "", ""},
       {"tags find 5A", 1, "", "orvane: the dictionary has no tag 5A\n", ""},
       {"tags remove 5A", 1, "", "orvane: the dictionary has no tag 5A\n", ""},
-      {"tags add 5a Number 'of the card'", 0, "", "", ""},
+      {"tags add 5a Number \"of the card\"", 0, "", "", ""},
       {"tags add 5A Other", 1, "",
        "orvane: the dictionary has tag 5A already; --replace puts this in its place\n", ""},
       {"tags add 9f36 Counter", 0, "", "", ""},
@@ -72,8 +60,8 @@ TEST_F(Tags, AreEditedAndShown) {
        "        Template in the answer to SELECT: parameters and management data\n",
        "", ""},
   };
-  for (const Step& step : steps) {
-    const Outcome outcome = RunOrvane(folder, step.arguments, step.input);
+  for (const auto& step : steps) {
+    const Outcome outcome = RunOrvane(step.arguments, step.input);
     EXPECT_EQ(outcome.exitCode, step.exitCode) << step.arguments;
     EXPECT_EQ(outcome.out, step.out) << step.arguments;
     EXPECT_EQ(outcome.err, step.err) << step.arguments;
@@ -81,17 +69,17 @@ TEST_F(Tags, AreEditedAndShown) {
 }
 
 TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {
-  RunOrvane(folder, "tags add A5 Inner");
+  RunOrvane("tags add A5 Inner");
   const std::string select = "apdu 00A4040008F04F5256414E4501";
-  const std::string plain = RunOrvane(folder, select).out;
-  const std::string tree = RunOrvane(folder, select + " --tlv").out;
-  EXPECT_EQ(plain.find("Inner"), plain.npos) << plain;
-  EXPECT_NE(tree.find("             A5  29  Inner\n               50  10\n"), tree.npos) << tree;
+  const std::string plain = RunOrvane(select).out;
+  const std::string tree = RunOrvane(select + " --tlv").out;
+  EXPECT_FALSE(Shows(plain, "Inner")) << plain;
+  EXPECT_TRUE(Shows(tree, "             A5  29  Inner\n               50  10\n")) << tree;
 }
 
 TEST_F(Tags, AreNotSaidToBeStoredWhenTheyAreNot) {
   std::filesystem::create_directory("dictdata.bin");
-  const Outcome outcome = RunOrvane(folder, "tags add 5A Number");
+  const Outcome outcome = RunOrvane("tags add 5A Number");
   EXPECT_EQ(outcome.exitCode, 5);
   EXPECT_EQ(outcome.err, "orvane: dictdata.bin can't be written\n");
 }

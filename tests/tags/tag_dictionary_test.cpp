@@ -3,15 +3,52 @@
 #include <algorithm>
 #include <cstring>
 #include <random>
-#include <string>
-#include <vector>
+#include <stdexcept>
 
-#include "tags/dictionary_process.h"
+#include "support/module_loading.h"
+#include "tags/dictionary.h"
 
 namespace orvane_test {
 namespace {
 
-using List = std::vector<Texts>;
+/// A dictionary that no call has touched yet, as a process has it that has just begun: that of a
+/// copy of the library, loaded from a file of its own, which stays loaded.
+class DictionaryProcess {
+ public:
+  DictionaryProcess() {
+    const std::string name = support::ModuleFileName("orvane");
+    const auto folder = MakeTemporaryFolder();
+    std::filesystem::copy_file(std::filesystem::path(ORVANE_BUILD_FOLDER) / name, folder / name);
+    std::string why;
+    module_ = support::LoadModule(folder / name, why);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    if (module_ == nullptr) throw std::runtime_error(why);
+  }
+
+  List Records() const { return ListOf(Export<decltype(GetTagdict)>("GetTagdict")); }
+  int Find(const std::string& tag, TagdictData& out) const {
+    return Export<decltype(FindTagdictData)>("FindTagdictData")(tag.c_str(), &out);
+  }
+  int Delete(const std::string& tag) const {
+    return Export<decltype(DeleteTagdictData)>("DeleteTagdictData")(tag.c_str());
+  }
+  int Add(const TagdictData& record) const {
+    return Export<decltype(AddTagdictData)>("AddTagdictData")(&record);
+  }
+  int Update(const TagdictData& record) const {
+    return Export<decltype(UpTagdictData)>("UpTagdictData")(&record);
+  }
+  int Flush() const { return Export<decltype(FlushTagdict)>("FlushTagdict")(); }
+
+ private:
+  template <typename Function>
+  Function* Export(const char* name) const {
+    return reinterpret_cast<Function*>(support::FindExport(module_, name));
+  }
+
+  void* module_;
+};
 
 std::string operator""_octets(const char* text, std::size_t size) { return {text, size}; }
 
@@ -21,152 +58,110 @@ class TagDictionary : public testing::Test {
 };
 
 TEST_F(TagDictionary, ReadsAnyFile) {
+  const List none, abc = {{"5A", "ABC", ""}}, bare = {{"5A", "", ""}};
   const std::string first = FileText("5A") + FileText("ABC") + FileText("");
   const std::string second = FileText("57") + FileText("") + FileText("x");
   const std::string end = FileText("") + FileText("");  // the texts behind a tag
-  const Texts abc{"5A", "ABC", ""};
-  std::string wide;
-  for (int i = 0; i < 1024; ++i) wide += "t\0"_octets;
+  const std::string longer = std::string(7, '\xFF');    // before a length in 64 bits
+  const std::string wide = "\xFF\xFE\xFF";
+  std::string wideText;
+  for (int i = 0; i < 1024; ++i) wideText += "t\0"_octets;
   const auto count = [](std::uint64_t records) { return LittleEndian(records, 4); };
   const struct {
     const char* what;
     std::string file;
     List records;
   } rows[] = {
-      {"one record", "\x01\0\0\0\x02\x35\x41\x03\x41\x42\x43\0"_octets, {abc}},
-      {"none", count(0), {}},
-      {"none, octets behind", count(0) + first, {}},
-      {"octets behind the last record", count(1) + first + second, {abc}},
-      {"a negative count", count(0xFFFFFFFF) + first, {}},
-      {"the lowest count", count(0x80000000) + first, {}},
-      {"an empty file", "", {}},
-      {"a cut count", "\x01\0\0"_octets, {}},
-      {"a count alone", count(1), {}},
-      {"a record that is cut by one octet",
-       count(2) + first + second.substr(0, second.size() - 1),
-       {abc}},
-      {"a cut length", count(2) + first + FileText("57") + "\xFF\x10", {abc}},
-      {"two thousand million records", count(2000000000) + first, {abc}},
-      {"a length in 16 bits", count(1) + "\xFF\x02\0"_octets + "5A" + end, {{"5A", "", ""}}},
-      {"a length in 32 bits",
-       count(1) + "\xFF\xFF\xFF\x02\0\0\0"_octets + "5A" + end,
-       {{"5A", "", ""}}},
-      {"a length in 64 bits",
-       count(1) + std::string(7, '\xFF') + LittleEndian(2, 8) + "5A" + end,
-       {{"5A", "", ""}}},
-      {"a length past the end",
-       count(2) + first + std::string(7, '\xFF') + LittleEndian(~0ULL, 8) + "5A" + end,
-       {abc}},
-      {"a zero in a text", count(1) + FileText("5A\0B"_octets) + end, {{"5A", "", ""}}},
-      {"a tag that is too long",
-       count(2) + FileText(std::string(20, 'T')) + end + first,
-       {{std::string(19, 'T'), "", ""}, abc}},
+      {"one record", "\x01\0\0\0\x02\x35\x41\x03\x41\x42\x43\0"_octets, abc},
+      {"octets behind the last record", count(1) + first + second, abc},
+      {"the highest negative count", count(0xFFFFFFFF) + first, none},
+      {"an empty file", "", none},
+      {"a cut record", count(2) + first + second.substr(0, second.size() - 1), abc},
+      {"a cut length", count(2) + first + FileText("57") + "\xFF\x10", abc},
+      {"two thousand million records", count(2000000000) + first, abc},
+      {"16 bits", count(1) + "\xFF\x02\0"_octets + "5A" + end, bare},
+      {"32 bits", count(1) + "\xFF\xFF\xFF\x02\0\0\0"_octets + "5A" + end, bare},
+      {"64 bits", count(1) + longer + LittleEndian(2, 8) + "5A" + end, bare},
+      {"past the end", count(2) + first + longer + LittleEndian(~0ULL, 8) + "5A" + end, abc},
+      {"a zero in a text", count(1) + FileText("5A\0B"_octets) + end, bare},
       {"texts that are too long",
-       count(2) + FileText("5B") + FileText(std::string(200, 's')) +
+       count(2) + FileText(std::string(20, 'T')) + FileText(std::string(200, 's')) +
            FileText(std::string(40000, 'l')) + first,
-       {{"5B", std::string(199, 's'), std::string(1023, 'l')}, abc}},
-      {"a wide text", count(1) + "\xFF\xFE\xFF\x02\x35\0\x41\0"_octets + end, {{"5A", "", ""}}},
+       {{std::string(19, 'T'), std::string(199, 's'), std::string(1023, 'l')}, abc[0]}},
+      {"a wide text", count(1) + wide + "\x02\x35\0\x41\0"_octets + end, bare},
       {"a wide text that is too long",
-       count(2) + "\xFF\xFE\xFF\xFF\0\4"_octets + wide + end + first,
-       {{std::string(19, 't'), "", ""}, abc}},
-      {"a wide text's length in 64 bits",
-       count(1) + "\xFF\xFE\xFF" + std::string(7, '\xFF') + LittleEndian(1, 8) + "5\0"_octets + end,
-       {{"5", "", ""}}},
-      {"a wide text past the end",
-       count(2) + first + "\xFF\xFE\xFF" + std::string(7, '\xFF') +
-           LittleEndian(0x8000000000000000, 8) + "5\0"_octets + end,
-       {abc}},
-      {"a wide zero", count(1) + "\xFF\xFE\xFF\x03\x35\0\0\0\x41\0"_octets + end, {{"5", "", ""}}},
+       count(2) + wide + "\xFF\0\4"_octets + wideText + end + first,
+       {{std::string(19, 't'), "", ""}, abc[0]}},
+      {"wide, 64 bits", count(1) + wide + longer + LittleEndian(2, 8) + "5\0A\0"_octets + end,
+       bare},
+      {"wide, past the end",
+       count(2) + first + wide + longer + LittleEndian(1ULL << 63U, 8) + "5\0"_octets + end, abc},
+      {"a wide zero", count(1) + wide + "\x04\x35\0\x41\0\0\0\x42\0"_octets + end, bare},
   };
   for (const auto& row : rows) {
     WriteFile(kDictionaryFile, row.file);
     const DictionaryProcess process;
-    const List records = process.List();
-    EXPECT_EQ(records, row.records) << row.what;
-    // A second look finds the same.
-    EXPECT_EQ(process.List(), records) << row.what;
     EXPECT_EQ(process.Flush(), 1);
-    EXPECT_EQ(ReadFile(kDictionaryFile), FileImage(records)) << row.what;
+    EXPECT_EQ(ReadFile(kDictionaryFile), FileImage(row.records)) << row.what;
+    EXPECT_EQ(process.Records(), row.records) << row.what;
   }
 }
 
 TEST_F(TagDictionary, WritesTheFileByteByByte) {
   const DictionaryProcess empty;
-  EXPECT_EQ(empty.List(), List{});
+  EXPECT_EQ(empty.Records(), List{});
   EXPECT_FALSE(ReadFile(kDictionaryFile));
   EXPECT_EQ(empty.Flush(), 1);
   EXPECT_EQ(ReadFile(kDictionaryFile), "\0\0\0\0"_octets);
 
-  EXPECT_EQ(empty.Add(Texts{"5A", "ABC", ""}), 1);
+  EXPECT_EQ(empty.Add(MakeRecord({"5A", "ABC", ""})), 1);
   EXPECT_EQ(ReadFile(kDictionaryFile), "\0\0\0\0"_octets);
   EXPECT_EQ(empty.Flush(), 1);
   EXPECT_EQ(ReadFile(kDictionaryFile), "\x01\0\0\0\x02\x35\x41\x03\x41\x42\x43\0"_octets);
-  EXPECT_EQ(empty.Delete("5A"), 1);
-  EXPECT_EQ(empty.Flush(), 1);
-  EXPECT_EQ(ReadFile(kDictionaryFile), "\0\0\0\0"_octets);
 
-  EXPECT_EQ(empty.Add(Texts{"", std::string(199, 's'), std::string(254, 'l')}), 1);
-  EXPECT_EQ(empty.Add(Texts{std::string(19, 'T'), "", std::string(255, 'l')}), 1);
-  EXPECT_EQ(empty.Add(Texts{"5A", "", std::string(1023, 'l')}), 1);
-  const List records = empty.List();
+  EXPECT_EQ(empty.Delete("5A"), 1);
+  EXPECT_EQ(empty.Add(MakeRecord({"", std::string(199, 's'), std::string(254, 'l')})), 1);
+  EXPECT_EQ(empty.Add(MakeRecord({std::string(19, 'T'), "", std::string(255, 'l')})), 1);
+  EXPECT_EQ(empty.Add(MakeRecord({"5A", "", std::string(1023, 'l')})), 1);
   EXPECT_EQ(empty.Flush(), 1);
   EXPECT_EQ(ReadFile(kDictionaryFile),
             "\x03\0\0\0\0\xC7"_octets + std::string(199, 's') + '\xFE' + std::string(254, 'l') +
                 '\x13' + std::string(19, 'T') + "\0\xFF\xFF\0"_octets + std::string(255, 'l') +
                 "\x02\x35\x41\0\xFF\xFF\x03"_octets + std::string(1023, 'l'));
-  EXPECT_EQ(DictionaryProcess().List(), records);
-  // No other file has been left.
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
+  EXPECT_EQ(DictionaryProcess().Records(), empty.Records());
+  EXPECT_EQ(FilesIn("."), 1);
 }
 
-TEST_F(TagDictionary, RewritesTheFileWhenFlushComesFirst) {
-  const std::string image = FileImage({{"5A", "a", "b"}, {"", "", ""}, {"5A", "again", ""}});
-  WriteFile(kDictionaryFile, image);
-  EXPECT_EQ(DictionaryProcess().Flush(), 1);
-  EXPECT_EQ(ReadFile(kDictionaryFile), image);
-}
-
-TEST_F(TagDictionary, ReadsTheFileOnceAndWhenItIsThere) {
+TEST_F(TagDictionary, ReadsOneFileOnceInTheDirectoryOfTheCall) {
+  const List file = {{"57", "file", ""}}, own = {{"5A", "own", ""}};
   const DictionaryProcess process;
-  EXPECT_EQ(process.Add(Texts{"5A", "own", ""}), 1);
-  WriteFile(kDictionaryFile, FileImage({{"57", "file", ""}}));
-  EXPECT_EQ(process.List(), (List{{"5A", "own", ""}, {"57", "file", ""}}));
+  EXPECT_EQ(process.Add(MakeRecord(own[0])), 1);
+  {
+    const WorkingFolder other;
+    WriteFile(kDictionaryFile, FileImage(file));
+    EXPECT_EQ(process.Records(), (List{own[0], file[0]}));
+  }
   WriteFile(kDictionaryFile, FileImage({{"58", "", ""}}));
-  EXPECT_EQ(process.List().size(), 2U);
+  EXPECT_EQ(process.Records().size(), 2U);
   EXPECT_EQ(process.Flush(), 1);
-  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage({{"5A", "own", ""}, {"57", "file", ""}}));
+  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage({own[0], file[0]}));
 
   // What was flushed is not read again.
   std::filesystem::remove(kDictionaryFile);
   const DictionaryProcess second;
-  EXPECT_EQ(second.Add(Texts{"5A", "", ""}), 1);
+  EXPECT_EQ(second.Add(MakeRecord(own[0])), 1);
   EXPECT_EQ(second.Flush(), 1);
-  EXPECT_EQ(second.List(), (List{{"5A", "", ""}}));
-  EXPECT_EQ(second.Flush(), 1);
-  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage({{"5A", "", ""}}));
-}
-
-TEST_F(TagDictionary, LooksInTheDirectoryOfTheCall) {
-  const DictionaryProcess process;
-  EXPECT_EQ(process.List(), List{});
-  {
-    const WorkingFolder other;
-    WriteFile(kDictionaryFile, FileImage({{"5A", "", ""}}));
-    EXPECT_EQ(process.List(), (List{{"5A", "", ""}}));
-  }
-  EXPECT_EQ(process.Flush(), 1);
-  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage({{"5A", "", ""}}));
+  EXPECT_EQ(second.Records(), own);
 }
 
 TEST_F(TagDictionary, HandsBackTheWholeRecord) {
   const DictionaryProcess process;
-  TagdictData record;
+  TagdictData record, found{};
   std::memset(&record, 'x', sizeof record);
   std::strcpy(record.tag, "5a");
   std::strcpy(record.shortText, "short");
   std::strcpy(record.longText, "long");
   ASSERT_EQ(process.Add(record), 1);
-  TagdictData found{};
   ASSERT_EQ(process.Find("5A", found), 1);
   EXPECT_EQ(std::memcmp(&found, &record, sizeof record), 0);
 
@@ -175,108 +170,61 @@ TEST_F(TagDictionary, HandsBackTheWholeRecord) {
   const Texts cut{std::string(19, 'y'), std::string(199, 'y'), std::string(1023, 'y')};
   EXPECT_EQ(process.Add(record), 1);
   EXPECT_EQ(process.Add(record), 0);
-  EXPECT_EQ(process.List().back(), cut);
-  EXPECT_EQ(process.Find(std::string(20, 'y'), found), 0);
-  EXPECT_EQ(process.Find(std::string(19, 'Y'), found), 1);
-  EXPECT_EQ(process.Delete(std::string(20, 'y')), 0);
   EXPECT_EQ(process.Update(record), 1);
-  EXPECT_EQ(process.List().size(), 2U);
+  EXPECT_EQ(process.Records(), (List{{"5a", "short", "long"}, cut}));
+  EXPECT_EQ(process.Find(std::string(20, 'y'), found), 0);
+  EXPECT_EQ(process.Delete(std::string(20, 'y')), 0);
+  EXPECT_EQ(std::memcmp(&found, "5a", 3), 0) << "what is not found is not written";
+  EXPECT_EQ(process.Find(std::string(19, 'Y'), found), 1);
   EXPECT_EQ(process.Delete(std::string(19, 'y')), 1);
-
-  // What is not found is not written.
-  std::memset(&found, 'z', sizeof found);
-  EXPECT_EQ(process.Find("57", found), 0);
-  EXPECT_EQ(found.tag[0], 'z');
-  EXPECT_EQ(found.longText[1023], 'z');
 }
 
-TEST_F(TagDictionary, TellsCaseApartOnlyWhenDeleting) {
-  const DictionaryProcess process;
-  EXPECT_EQ(process.Add(Texts{"5A", "1", ""}), 1);
-  EXPECT_EQ(process.Add(Texts{"57", "2", ""}), 1);
-  EXPECT_EQ(process.Add(Texts{"", "3", ""}), 1);
-  EXPECT_EQ(process.Add(Texts{"5a", "4", ""}), 0);
-  EXPECT_EQ(process.Delete("5a"), 0);
-  EXPECT_EQ(process.Update(Texts{"5a", "5", ""}), 0);
-  EXPECT_EQ(process.List(), (List{{"5A", "1", ""}, {"57", "2", ""}, {"", "3", ""}}));
-  EXPECT_EQ(process.Update(Texts{"5A", "6", ""}), 1);
-  EXPECT_EQ(process.Update(Texts{"58", "7", ""}), 1);
-  EXPECT_EQ(process.List(),
-            (List{{"57", "2", ""}, {"", "3", ""}, {"5A", "6", ""}, {"58", "7", ""}}));
-  EXPECT_EQ(process.Delete(""), 1);
-  EXPECT_EQ(process.Delete(""), 0);
-  EXPECT_EQ(process.List(), (List{{"57", "2", ""}, {"5A", "6", ""}, {"58", "7", ""}}));
-  // Letters outside ASCII have one case.
-  EXPECT_EQ(process.Add(Texts{"\xC3\xA4", "", ""}), 1);
-  EXPECT_EQ(process.Add(Texts{"\xC3\x84", "", ""}), 1);
+std::string Upper(std::string text) {
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+  return text;
 }
 
-/// The operations on a plain list.
-class Model {
- public:
-  explicit Model(List records) : records_(std::move(records)) {}
-  const List& Records() const { return records_; }
-
-  List::const_iterator Find(const std::string& tag) const {
-    return std::find_if(records_.begin(), records_.end(),
-                        [&](const Texts& record) { return Upper(record.tag) == Upper(tag); });
-  }
-  int Add(const Texts& texts) {
-    if (Find(texts.tag) != records_.end()) return 0;
-    records_.push_back(texts);
-    return 1;
-  }
-  int Delete(const std::string& tag) {
-    const auto found = std::find_if(records_.begin(), records_.end(),
-                                    [&](const Texts& record) { return record.tag == tag; });
-    if (found == records_.end()) return 0;
-    records_.erase(found);
-    return 1;
-  }
-  int Update(const Texts& texts) {
-    if (Find(texts.tag) != records_.end()) Delete(texts.tag);
-    return Add(texts);
-  }
-
- private:
-  static std::string Upper(std::string text) {
-    for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-    return text;
-  }
-  List records_;
-};
+List::iterator FindIn(List& list, const std::string& tag) {
+  return std::find_if(list.begin(), list.end(),
+                      [&](const Texts& texts) { return Upper(texts[0]) == Upper(tag); });
+}
 
 TEST_F(TagDictionary, BehavesLikeAPlainList) {
   // Tags that differ in case alone can only come from a file.
-  const List start = {{"5a", "1", ""}, {"5A", "2", ""}, {"5A", "3", ""}, {"9f36", "", "4"}};
-  WriteFile(kDictionaryFile, FileImage(start));
+  List model = {{"5a", "1", ""}, {"5A", "2", ""}, {"5A", "3", ""}, {"9f36", "", "4"}};
+  WriteFile(kDictionaryFile, FileImage(model));
   const DictionaryProcess process;
-  Model model(start);
   std::mt19937 random(42);
-  const std::vector<std::string> tags = {"",    "5A",    "5a", "9F36", "9f36",
-                                         "9F3", "9F361", "zZ", "ZZ"};
+  const std::vector<std::string> tags = {"",      "5A", "5a", "9F36",     "9f36",    "9F3",
+                                         "9F361", "zZ", "ZZ", "\xC3\xA4", "\xC3\x84"};
   for (int step = 0; step < 3000; ++step) {
     const Texts texts{tags[random() % tags.size()], std::to_string(step), ""};
-    switch (random() % 4) {
-      case 0: {
-        TagdictData found{};
-        const auto known = model.Find(texts.tag);
-        const bool isKnown = known != model.Records().end();
-        ASSERT_EQ(process.Find(texts.tag, found), isKnown ? 1 : 0);
-        ASSERT_EQ(TextsOf(found), isKnown ? *known : Texts{});
-        break;
-      }
-      case 1:
-        ASSERT_EQ(process.Add(texts), model.Add(texts)) << texts;
-        break;
-      case 2:
-        ASSERT_EQ(process.Delete(texts.tag), model.Delete(texts.tag)) << texts;
-        break;
-      case 3:
-        ASSERT_EQ(process.Update(texts), model.Update(texts)) << texts;
-        break;
+    const TagdictData record = MakeRecord(texts);
+    const auto known = FindIn(model, texts[0]);
+    bool done = known != model.end();
+    const auto operation = random() % 4;
+    if (operation == 0) {
+      TagdictData found{};
+      ASSERT_EQ(process.Find(texts[0], found), done ? 1 : 0) << texts[0];
+      ASSERT_EQ(TextsOf(found), done ? *known : Texts{});
+      continue;
     }
-    ASSERT_EQ(process.List(), model.Records()) << step;
+    if (operation != 1) {  // here alone the case of a tag counts
+      const auto same = std::find_if(model.begin(), model.end(),
+                                     [&](const Texts& other) { return other[0] == texts[0]; });
+      done = same != model.end();
+      if (done) model.erase(same);
+    }
+    if (operation != 2) {
+      done = FindIn(model, texts[0]) == model.end();
+      if (done) model.push_back(texts);
+    }
+    ASSERT_EQ(operation == 1   ? process.Add(record)
+              : operation == 2 ? process.Delete(texts[0])
+                               : process.Update(record),
+              done ? 1 : 0)
+        << operation << ' ' << texts[0];
+    ASSERT_EQ(process.Records(), model) << step;
   }
 }
 
