@@ -1,142 +1,171 @@
-// What no command hands over, but another caller of the module might.
+// What no command hands over to the default provider, but another caller might.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <vector>
 
 #include "crypto/default_provider.h"
+#include "orvane.h"
 
 namespace orvane_test {
 namespace {
 
 constexpr char kKey8[] = "0123456789ABCDEF";
 constexpr char kKey16[] = "0123456789ABCDEFFEDCBA9876543210";
-constexpr Handed kNoIv = {nullptr, 0};
+constexpr char kKey32[] = "0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF";
+constexpr char kRefused[] = "refused";
 
-TEST(OddInputs, AreRefusedByEveryEntryWithAKey) {
-  const KeyCall calls[] = {
-      {{""}, {"00"}, kNoIv, 0},
-      {{"", -8}, {"00"}, kNoIv, 0},
-      {{nullptr, 8}, {"00"}, kNoIv, 0},
-      {{"01234567"}, {"00"}, kNoIv, 0},
-      {{"0123456789ABCDEF01"}, {"00"}, kNoIv, 1},
-      {{"0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF01"}, {"00"}, kNoIv, 1},
-      {{"0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF"}, {"00"}, kNoIv, 1},
-      {{kKey8}, {"00", -1}, kNoIv, 0},
-      {{kKey8}, {"00", INT32_MIN}, kNoIv, 0},
-      {{kKey8}, {nullptr, 1}, kNoIv, 0},
-      {{kKey8}, {"00"}, kNoIv, 2},
-      {{kKey8}, {"00"}, kNoIv, 5},
-      {{kKey8}, {"00"}, kNoIv, -1},
-      {{kKey8}, {"00"}, kNoIv, INT32_MIN},
-      {{kKey8}, {"00"}, kNoIv, INT32_MAX},
-      {{kKey8}, {"00"}, kNoIv, 1},  // the mode of a longer key
-      {{kKey16}, {"00"}, kNoIv, 0},
-  };
-  for (const KeyCall& call : calls) {
-    for (const KeyEntry entry : {Encrypt, Decrypt, Mac, SubKey}) {
-      EXPECT_EQ(entry(call), kRefused) << "row " << &call - calls;
+std::int32_t Size(const std::vector<std::uint8_t>& octets) {
+  return static_cast<std::int32_t>(octets.size());
+}
+
+std::string ToHex(const std::uint8_t* octets, std::int32_t count) {
+  std::string hex(static_cast<std::size_t>(2 * count), '\0');
+  HexToAscii(octets, hex.data(), count);
+  return hex;
+}
+
+/// An octet string in memory of just its size, so that the sanitizers see it read too far. The
+/// count is the true one unless another is told.
+struct Handed {
+  Handed(const std::string& hex = "") : octets(hex.size() / 2), count(Size(octets)) {
+    AsciiToHex(hex.c_str(), octets.data(), static_cast<std::int32_t>(hex.size()));
+  }
+  Handed(const char* hex) : Handed(std::string(hex)) {}
+  Handed(const char* hex, std::int32_t told) : Handed(hex) { count = told; }
+
+  std::vector<std::uint8_t> octets;
+  std::int32_t count;
+};
+
+enum class Entry { kEncrypt, kDecrypt, kMac, kSubKey };
+using enum Entry;
+
+/// The result in hexadecimal, or kRefused for a call that is refused as it should be: with 0, the
+/// length -1 and the output area as it was.
+std::string Call(Entry entry, std::int32_t mode, const Handed& key, const Handed& data,
+                 const Handed& iv = {}) {
+  std::uint8_t output[256] = {};
+  std::int32_t length = 4711;
+  const CryptoProvider& provider = kDefaultProvider;
+  const auto run = entry == kEncrypt ? provider.CryptoBlockFlagged : provider.CryptoBlockDefault;
+  const std::uint8_t *k = key.octets.data(), *d = data.octets.data(), *i = iv.octets.data();
+  const int returned =
+      entry == kMac
+          ? provider.CryptoMac(k, key.count, d, data.count, i, iv.count, output, &length, mode)
+      : entry == kSubKey ? provider.CryptoSubKey(k, key.count, d, data.count, output, &length, mode)
+                         : run(i, iv.count, k, key.count, d, data.count, output, &length, mode);
+  EXPECT_EQ(returned, length == -1 ? 0 : 1);
+  const auto written = std::clamp(length, 0, 256);
+  EXPECT_TRUE(std::all_of(output + written, output + 256, [](int c) { return c == 0; }));
+  return length == -1 ? kRefused : ToHex(output, written);
+}
+
+TEST(OddInputs, ThatMakeNoSenseAreRefused) {
+  constexpr std::int32_t kLeast = INT32_MIN;
+  for (const Entry entry : {kEncrypt, kDecrypt, kMac, kSubKey}) {
+    for (const Handed& key :
+         {Handed(), Handed("", -8), Handed("", 8), Handed("01234567"), Handed(kKey16)}) {
+      EXPECT_EQ(Call(entry, 0, key, "00"), kRefused) << key.count;
     }
+    for (const char* key : {kKey8, "0123456789ABCDEF01", kKey32})
+      EXPECT_EQ(Call(entry, 1, key, "00"), kRefused) << key;
+    for (const Handed& data : {Handed("00", -1), Handed("00", kLeast), Handed("", 1)})
+      EXPECT_EQ(Call(entry, 0, kKey8, data), kRefused) << data.count;
+    for (const std::int32_t mode : {2, 5, -1, kLeast, INT32_MAX})
+      EXPECT_EQ(Call(entry, mode, kKey8, "00"), kRefused) << mode;
+    const bool turnsBlocks = entry == kEncrypt || entry == kDecrypt;
+    const std::string single = Call(entry, 3, kKey8, "00"), triple = Call(entry, 4, kKey16, "00");
+    EXPECT_EQ(single != kRefused && triple != kRefused, turnsBlocks);
+    EXPECT_EQ(single == kRefused && triple == kRefused, !turnsBlocks);
+    if (entry == kSubKey) continue;
+    for (const Handed& iv : {Handed("00", -1), Handed("", 8)})
+      EXPECT_EQ(Call(entry, turnsBlocks ? 3 : 0, kKey8, "00", iv), kRefused);
+    if (entry == kMac) continue;
+    EXPECT_EQ(Call(entry, 4, kKey8, "00"), kRefused);
+    EXPECT_EQ(Call(entry, 3, kKey16, "00"), kRefused);
+    EXPECT_EQ(Call(entry, 0, kKey8, std::string(2 * 257, '0')), kRefused);
   }
 }
 
-TEST(OddInputs, AreRefusedWhereTheyMatter) {
-  for (const KeyEntry entry : {Encrypt, Decrypt, Mac}) {
-    for (const Handed& iv : {Handed{"00", -1}, Handed{nullptr, 8}}) {
-      EXPECT_EQ(entry({{kKey8}, {"00"}, iv, entry == &Mac ? 0 : 3}), kRefused);
-    }
+TEST(OddInputs, AreFilledAndNeverReadOrWrittenTooFar) {
+  EXPECT_EQ(Call(kEncrypt, 4, kKey16, "1122334455", "1234"), "1C50B98210D8E2B1");
+  EXPECT_EQ(Call(kEncrypt, 3, kKey8, "1122334455"), "A15772642E11DBA9");
+  EXPECT_EQ(Call(kDecrypt, 0, kKey8, "1122334455"), "AC105DD42932BEDD");
+  EXPECT_EQ(Call(kMac, 1, kKey16, "4E6F7720697320"), "72B8E81E1463770B");
+  EXPECT_EQ(Call(kSubKey, 1, kKey16, "112233"), "F651BE927008A02D9C03986FEB1189A4");
+  const std::string most(2 * 256, '0'), longText(2 * 100003, '0');
+  for (const Entry entry : {kEncrypt, kDecrypt}) {
+    EXPECT_EQ(Call(entry, 3, kKey8, most).size(), most.size());
+    EXPECT_EQ(Call(entry, 0, kKey8, Handed(most.c_str(), 249)).size(), most.size());
   }
-  for (const KeyEntry entry : {Encrypt, Decrypt}) {
-    EXPECT_EQ(entry({{kKey8}, {"00"}, kNoIv, 4}), kRefused) << "the mode of a longer key";
-    EXPECT_EQ(entry({{kKey16}, {"00"}, kNoIv, 3}), kRefused);
-  }
-  for (const KeyEntry entry : {Mac, SubKey}) {
-    EXPECT_EQ(entry({{kKey8}, {"00"}, kNoIv, 3}), kRefused) << "a mode of the block entries";
-    EXPECT_EQ(entry({{kKey16}, {"00"}, kNoIv, 4}), kRefused);
-  }
-}
-
-TEST(OddInputs, FillTheAreaButNeverOverrunIt) {
-  const std::string most(2 * 256, '0');
-  for (const KeyEntry entry : {Encrypt, Decrypt}) {
-    for (const std::int32_t mode : {0, 3}) {
-      EXPECT_EQ(entry({{kKey8}, {most.c_str()}, kNoIv, mode}).size(), most.size());
-      EXPECT_EQ(entry({{kKey8}, {most.c_str(), 249}, kNoIv, mode}).size(), most.size());
-      EXPECT_EQ(entry({{kKey8}, {(most + "00").c_str()}, kNoIv, mode}), kRefused);
-    }
-  }
-  const std::string longText(2 * 100003, '0');
-  EXPECT_EQ(Mac({{kKey16}, {longText.c_str()}, kNoIv, 1}).size(), 16u);
-  EXPECT_EQ(SubKey({{kKey16}, {longText.c_str()}, kNoIv, 1}).size(), 32u);
+  EXPECT_EQ(Call(kMac, 1, kKey16, longText).size(), 16u);
+  EXPECT_EQ(Call(kSubKey, 1, kKey16, longText).size(), 32u);
 }
 
 TEST(OddInputs, NoPlaceForTheResult) {
-  const auto key = FromHex(kKey8);
   std::uint8_t area[256] = {};
+  std::uint8_t* nowhere = nullptr;
   std::int32_t length = 0;
-  const CryptoProvider& provider = DefaultProvider();
-  EXPECT_EQ(provider.CryptoMac(key.data(), 8, area, 1, nullptr, 0, area, nullptr, 0), 0);
-  EXPECT_EQ(provider.CryptoMac(key.data(), 8, area, 1, nullptr, 0, nullptr, &length, 0), 0);
+  const CryptoProvider& provider = kDefaultProvider;
+  EXPECT_EQ(provider.CryptoMac(area, 8, area, 1, nullptr, 0, area, nullptr, 0), 0);
+  EXPECT_EQ(provider.CryptoMac(area, 8, area, 1, nullptr, 0, nullptr, &length, 0), 0);
   EXPECT_EQ(length, -1);
   EXPECT_EQ(provider.CryptoHash(area, 1, nullptr, 0, &length), 0);
-  std::uint8_t* nowhere = nullptr;
   EXPECT_EQ(provider.CryptoHash(area, 1, &nowhere, 0, &length), 0);
   EXPECT_EQ(provider.CryptoRsaPublic("CA1", "11", "41", nullptr, 0), 0);
 }
 
 TEST(OddInputs, HashTakesAnyLength) {
-  const auto hash = [](const std::uint8_t* data, std::int32_t count) -> std::string {
-    std::vector<std::uint8_t> area(4096);
-    std::uint8_t* output = area.data();
-    std::int32_t length = 0;
-    const bool done = DefaultProvider().CryptoHash(data, count, &output, 0, &length) != 0;
-    EXPECT_EQ(output, area.data());
-    return done ? ToHex(area.data(), static_cast<std::size_t>(length)) : kRefused;
-  };
   const std::vector<std::uint8_t> million(1000000, 'a');
-  EXPECT_EQ(hash(nullptr, 0), "DA39A3EE5E6B4B0D3255BFEF95601890AFD80709");
-  EXPECT_EQ(hash(million.data(), 1000000), "34AA973CD4C4DAA4F61EEB2BDBAD27316534016F");  // FIPS 180
-  EXPECT_EQ(hash(million.data(), -1), kRefused);
-  EXPECT_EQ(hash(nullptr, 1), kRefused);
+  const struct {
+    const std::uint8_t* data;
+    std::int32_t count;
+    std::string digest;
+  } rows[] = {{nullptr, 0, "DA39A3EE5E6B4B0D3255BFEF95601890AFD80709"},
+              {million.data(), 1000000, "34AA973CD4C4DAA4F61EEB2BDBAD27316534016F"},  // FIPS 180
+              {million.data(), -1, ""},
+              {nullptr, 1, ""}};
+  for (const auto& row : rows) {
+    std::uint8_t area[4096];
+    std::uint8_t* output = area;
+    std::int32_t length = 0;
+    EXPECT_EQ(kDefaultProvider.CryptoHash(row.data, row.count, &output, 0, &length),
+              row.digest.empty() ? 0 : 1);
+    EXPECT_EQ(ToHex(output, std::max(length, 0)), row.digest);
+    EXPECT_EQ(output, area);
+  }
 }
 
 TEST(OddInputs, RsaRefusesWhatIsNoNumberOrTooLarge) {
-  struct Row {
-    std::string modulus, exponent, data;
-  };
   const std::string longest(4096, 'F');  // digits: 16,384 bits
-  const Row rows[] = {
-      {"", "11", "41"},
-      {"CA1", "", "41"},
-      {"CA1", "11", ""},
-      {"CAG", "11", "41"},
-      {"CA1", "1-", "41"},
-      {"CA1", "11", "0x41"},
-      {"-CA1", "11", "41"},
-      {"CA1", "+11", "41"},
-      {"CA 1", "11", "41"},
-      {"\xC3\x84", "11", "41"},
-      {"0", "11", "0"},
-      {"0000", "11", "0"},
-      {"CA1", "11", "CA1"},
-      {"CA1", "11", "CA2"},
-      {longest + "F", "11", "41"},
-      {"CA1", longest + "F", "41"},
-      {longest, "11", longest},
-      {std::string(1 << 20, 'F'), std::string(1 << 20, 'F'), std::string(1 << 20, 'E')},
-  };
-  const auto entry = DefaultProvider().CryptoRsaPublic;
-  for (const Row& row : rows) {
-    const char* result = nullptr;
-    EXPECT_EQ(entry(row.modulus.c_str(), row.exponent.c_str(), row.data.c_str(), &result, 0), 0)
-        << row.modulus.substr(0, 80);
-    EXPECT_EQ(result, nullptr);
-  }
-  const char* result = nullptr;
-  EXPECT_EQ(entry(nullptr, "11", "41", &result, 0), 0);
-  EXPECT_EQ(entry("CA1", nullptr, "41", &result, 0), 0);
-  EXPECT_EQ(entry("CA1", "11", nullptr, &result, 0), 0);
-
   const std::string zeros(1 << 20, '0');
+  const std::string tooLong = longest + "F";
+  const char *const n = "CA1", *const e = "11", *const m = "41", *const most = longest.c_str();
+  const char* const rows[][3] = {{"", e, m},
+                                 {n, "", m},
+                                 {n, e, ""},
+                                 {"CAG", e, m},
+                                 {n, "1-", m},
+                                 {n, e, "0x41"},
+                                 {"-CA1", e, m},
+                                 {"CA 1", e, m},
+                                 {"\xC3\x84", e, m},
+                                 {"0000", e, "0"},
+                                 {n, e, "CA1"},
+                                 {n, e, "CA2"},
+                                 {tooLong.c_str(), e, m},
+                                 {n, tooLong.c_str(), m},
+                                 {most, e, most},
+                                 {nullptr, e, m},
+                                 {n, nullptr, m},
+                                 {n, e, nullptr}};
+  const auto entry = kDefaultProvider.CryptoRsaPublic;
+  const char* result = nullptr;
+  for (const auto& row : rows)
+    EXPECT_EQ(entry(row[0], row[1], row[2], &result, 0), 0) << &row - rows;
+  EXPECT_EQ(result, nullptr);
+
   ASSERT_EQ(entry((zeros + longest).c_str(), "1", "AB", &result, 0), 1);
   EXPECT_EQ(result, std::string(4094, '0') + "AB") << "leading zeros are no part of the length";
 }

@@ -74,27 +74,19 @@ SIMULATOR_API std::int32_t CryptoHash(const std::uint8_t* data, std::int32_t dat
   return call.Return<std::int32_t>(answer);
 }
 
-SIMULATOR_API std::int32_t CryptoBlockFlagged(const std::uint8_t* iv, std::int32_t ivBytes,
-                                              const std::uint8_t* key, std::int32_t keyBytes,
-                                              const std::uint8_t* data, std::int32_t dataBytes,
-                                              std::uint8_t* output, std::int32_t* outputBytes,
-                                              std::int32_t mode) {
-  return Record(
-      "CryptoBlockFlagged",
-      {Show(iv, ivBytes, kIvArea), Show(key, keyBytes, kKeyArea), Show(data, dataBytes, kDataArea)},
-      output, outputBytes, mode);
-}
+#define BLOCK_ENTRY(name)                                                      \
+  SIMULATOR_API std::int32_t name(                                             \
+      const std::uint8_t* iv, std::int32_t ivBytes, const std::uint8_t* key,   \
+      std::int32_t keyBytes, const std::uint8_t* data, std::int32_t dataBytes, \
+      std::uint8_t* output, std::int32_t* outputBytes, std::int32_t mode) {    \
+    return Record(#name,                                                       \
+                  {Show(iv, ivBytes, kIvArea), Show(key, keyBytes, kKeyArea),  \
+                   Show(data, dataBytes, kDataArea)},                          \
+                  output, outputBytes, mode);                                  \
+  }
 
-SIMULATOR_API std::int32_t CryptoBlockDefault(const std::uint8_t* iv, std::int32_t ivBytes,
-                                              const std::uint8_t* key, std::int32_t keyBytes,
-                                              const std::uint8_t* data, std::int32_t dataBytes,
-                                              std::uint8_t* output, std::int32_t* outputBytes,
-                                              std::int32_t mode) {
-  return Record(
-      "CryptoBlockDefault",
-      {Show(iv, ivBytes, kIvArea), Show(key, keyBytes, kKeyArea), Show(data, dataBytes, kDataArea)},
-      output, outputBytes, mode);
-}
+BLOCK_ENTRY(CryptoBlockFlagged)
+BLOCK_ENTRY(CryptoBlockDefault)
 
 SIMULATOR_API std::int32_t CryptoSubKey(const std::uint8_t* key, std::int32_t keyBytes,
                                         const std::uint8_t* data, std::int32_t dataBytes,

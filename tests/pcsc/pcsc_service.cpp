@@ -21,7 +21,7 @@ namespace {
 constexpr char kProgram[] = "/usr/sbin/pcscd";
 constexpr char kReaderDriver[] = "/usr/lib/pcsc/drivers/serial/libifdvpcd.so";
 constexpr char kSocket[] = "/run/pcscd/pcscd.comm";
-constexpr char kProcessFile[] = "/run/pcscd/pcscd.pid";
+constexpr char kLog[] = ORVANE_BUILD_FOLDER "/tests/pcscd.log";
 
 bool Runs() {
   const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -42,36 +42,10 @@ std::string WhatIsLacking() {
   return {};
 }
 
-/// Whether the process that left its number behind still is the service.
-bool IsAlive() {
-  std::string process;
-  std::ifstream(kProcessFile) >> process;
-  std::string number;
-  std::string name;
-  char state = 'Z';
-  std::ifstream("/proc/" + process + "/stat") >> number >> name >> state;
-  return name == "(pcscd)" && state != 'Z';
-}
-
-/// A service that is on its way out removes its files at the very end; one that was killed leaves
-/// them, and the next one would take them for a sign that it runs. False if one lives on in
-/// silence.
-bool ClearLeftovers() {
-  if (!WaitUntil([] { return !IsAlive(); })) return false;
-  std::filesystem::remove(kProcessFile);
-  std::filesystem::remove(kSocket);
-  return true;
-}
-
-std::string ReadText(const std::string& path) {
-  std::ifstream file(path);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-[[noreturn]] void BecomeService(const char* log, pid_t parent) {
+[[noreturn]] void BecomeService(pid_t parent) {
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (getppid() != parent) _exit(1);
-  const int output = open(log, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  const int output = open(kLog, O_WRONLY | O_CREAT | O_TRUNC, 0600);
   dup2(output, STDOUT_FILENO);
   dup2(output, STDERR_FILENO);
   execl(kProgram, kProgram, "--foreground", "--info", nullptr);
@@ -88,26 +62,22 @@ PcscService::PcscService() : lock_(open(kProgram, O_RDONLY | O_CLOEXEC)) {
 
 PcscService::~PcscService() {
   if (process_ != -1) Stop();
-  if (!folder_.empty()) std::filesystem::remove_all(folder_);
   close(lock_);
 }
 
+// One that is on its way out keeps another from starting, so this tries again and again.
 void PcscService::Start() {
-  if (!ClearLeftovers()) {
-    fault_ = "a pcscd runs that does not answer";
-    return;
-  }
-  std::string folder = std::filesystem::temp_directory_path() / "orvane-pcscd-XXXXXX";
-  folder_ = mkdtemp(folder.data());
-  const std::string log = LogFile();
-  const pid_t parent = getpid();
-  process_ = fork();
-  if (process_ == 0) BecomeService(log.c_str(), parent);
   const bool runs = WaitUntil([this] {
     if (process_ != -1 && waitpid(process_, nullptr, WNOHANG) == process_) process_ = -1;
-    return process_ == -1 || Runs();
+    if (process_ != -1) return Runs();
+    const pid_t parent = getpid();
+    process_ = fork();
+    if (process_ == 0) BecomeService(parent);
+    return false;
   });
-  if (!runs || process_ == -1) fault_ = "pcscd did not start:\n" + ReadText(log);
+  std::ifstream log(kLog);
+  if (!runs)
+    fault_ = "pcscd did not start:\n" + std::string(std::istreambuf_iterator<char>(log), {});
 }
 
 void PcscService::Stop() {

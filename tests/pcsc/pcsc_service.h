@@ -22,10 +22,8 @@ class PcscService {
  private:
   void Start();
   void Stop();
-  std::string LogFile() const { return folder_ + "/log"; }
 
   int lock_;
-  std::string folder_;
   pid_t process_ = -1;
   std::string lack_;
   std::string fault_;

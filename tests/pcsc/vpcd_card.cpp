@@ -10,8 +10,9 @@
 
 namespace {
 
-// A message of one octet is one of these; any other message is a command APDU.
-enum Control : uint8_t { kPowerOff = 0, kPowerOn = 1, kReset = 2, kAskForAtr = 4 };
+// A message of one octet switches the power off or on, resets, or asks for the ATR with this one;
+// any other message is a command APDU.
+constexpr uint8_t kAskForAtr = 4;
 
 void SwitchOn(int socket, int option) {
   const int on = 1;
@@ -56,31 +57,19 @@ std::vector<std::string> VpcdCard::Commands() const {
 }
 
 void VpcdCard::Serve() {
-  while (const auto message = Receive()) {
-    const auto answer = Answer(*message);
-    if (answer && !Send(*answer)) return;
-  }
-}
-
-std::optional<std::vector<uint8_t>> VpcdCard::Answer(std::span<const uint8_t> message) {
-  if (message.size() == 1) {
-    if (message[0] == kAskForAtr) return card_.Atr();
-    card_.Reset();
-    return std::nullopt;
-  }
-  {
-    const std::lock_guard lock(mutex_);
-    commands_.push_back(simulator::ToHex(message));
-  }
-  return card_.Transmit(message);
-}
-
-std::optional<std::vector<uint8_t>> VpcdCard::Receive() {
   uint8_t length[2];
-  if (!ReceiveAll(length)) return std::nullopt;
-  std::vector<uint8_t> message(static_cast<size_t>(length[0] << 8 | length[1]));
-  if (!ReceiveAll(message)) return std::nullopt;
-  return message;
+  while (ReceiveAll(length)) {
+    std::vector<uint8_t> message(static_cast<size_t>(length[0] << 8 | length[1]));
+    if (!ReceiveAll(message)) return;
+    if (message.size() != 1) {
+      const std::lock_guard lock(mutex_);
+      commands_.push_back(simulator::ToHex(message));
+    } else if (message[0] != kAskForAtr) {
+      card_.Reset();
+      continue;
+    }
+    if (!Send(message.size() == 1 ? card_.Atr() : card_.Transmit(message))) return;
+  }
 }
 
 bool VpcdCard::ReceiveAll(std::span<uint8_t> octets) {

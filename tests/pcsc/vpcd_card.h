@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <span>
 #include <string>
 #include <thread>
@@ -30,8 +29,6 @@ class VpcdCard {
 
  private:
   void Serve();
-  std::optional<std::vector<uint8_t>> Answer(std::span<const uint8_t> message);
-  std::optional<std::vector<uint8_t>> Receive();
   bool ReceiveAll(std::span<uint8_t> octets);
   bool Send(const std::vector<uint8_t>& answer);
 
