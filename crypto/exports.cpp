@@ -2,9 +2,9 @@
 // and besides take anything that a caller may hand them: what makes no sense is answered with 0 and
 // the length -1, and the output area is left as it was.
 //
-// CryptoBlockFlagged encrypts and CryptoBlockDefault decrypts: data is filled with 00 to whole blocks,
-// an initial value is cut or filled with 00 to a block. The others are told in mac.h, sub_key.h,
-// rsa.h and hash.h.
+// CryptoBlockFlagged encrypts and CryptoBlockDefault decrypts: data is filled with 00 to whole
+// blocks, an initial value is cut or filled with 00 to a block. The others are told in mac.h,
+// sub_key.h, rsa.h and hash.h.
 #include <optional>
 
 #include "hash.h"
