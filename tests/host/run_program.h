@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <string>
 
 #include "tags/working_folder.h"
@@ -17,16 +16,17 @@ struct Outcome {
   std::string err;
 };
 
-/// The exit code in what std::system gave; -1 if there was none.
-int ExitCodeOf(int status);
+/// Runs a program with arguments as a shell takes them, where only single quotes are used. The
+/// files `in`, `out` and `err` of the current folder are its standard input, output and error.
+/// Gives its exit code; -1 if it ended otherwise.
+int RunInFolder(const std::string& program, const std::string& arguments);
 
 /// Runs the program `orvane` in the current folder, with arguments as a shell takes them, and input
 /// as standard input. The program stands in the build's folder or in another one.
 inline Outcome RunOrvane(const std::string& arguments, const std::string& input = "",
                          const std::string& programFolder = ORVANE_BUILD_FOLDER) {
   WriteFile("in", input);
-  const std::string command = programFolder + "/orvane " + arguments + " <in >out 2>err";
-  const int exitCode = ExitCodeOf(std::system(command.c_str()));
+  const int exitCode = RunInFolder(programFolder + "/orvane", arguments);
   return {exitCode, *ReadFile("out"), *ReadFile("err")};
 }
 

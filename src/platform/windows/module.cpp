@@ -3,9 +3,27 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace orvane::platform {
+namespace {
+
+/// With its last backslash. Wide, since a folder's name may have characters that the code page
+/// lacks. Empty if the path is too long for the system's usual area.
+std::wstring OwnFolder() {
+  HMODULE self = nullptr;
+  constexpr DWORD kByAddress =
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  if (GetModuleHandleExW(kByAddress, reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == 0) return {};
+  wchar_t path[MAX_PATH];
+  const DWORD length = GetModuleFileNameW(self, path, MAX_PATH);
+  if (length == 0 || length == MAX_PATH) return {};
+  const std::wstring own(path, length);
+  return own.substr(0, own.rfind(L'\\') + 1);
+}
+
+}  // namespace
 
 Module::Module(Module&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
 
@@ -23,21 +41,16 @@ void* Module::Find(const char* name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
-Module LoadModule(const char* fileName) { return Module(LoadLibraryA(fileName)); }
+Module LoadModule(const char* fileName) {
+  Module module(LoadLibraryA(fileName));
+  return module ? std::move(module) : LoadModuleFromOwnFolder(fileName);
+}
 
 Module LoadModuleFromOwnFolder(const char* fileName) {
-  HMODULE self = nullptr;
-  constexpr DWORD kByAddress =
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  if (GetModuleHandleExA(kByAddress, reinterpret_cast<LPCSTR>(&LoadModuleFromOwnFolder), &self) ==
-      0) {
-    return {};
-  }
-  char path[MAX_PATH];
-  const DWORD length = GetModuleFileNameA(self, path, MAX_PATH);
-  if (length == 0 || length == MAX_PATH) return {};
-  const std::string own(path, length);
-  return Module(LoadLibraryA((own.substr(0, own.rfind('\\') + 1) + fileName).c_str()));
+  const std::wstring folder = OwnFolder();
+  if (folder.empty()) return {};
+  const std::string_view name = fileName;
+  return Module(LoadLibraryW((folder + std::wstring(name.begin(), name.end())).c_str()));
 }
 
 }  // namespace orvane::platform
