@@ -21,13 +21,19 @@ struct Outcome {
 /// Gives its exit code; -1 if it ended otherwise.
 int RunInFolder(const std::string& program, const std::string& arguments);
 
+/// With line ends that are line feeds, whatever the platform stores.
+inline std::string ReadText(const char* file) {
+  std::ifstream text(file);
+  return {std::istreambuf_iterator<char>(text), {}};
+}
+
 /// Runs the program `orvane` in the current folder, with arguments as a shell takes them, and input
 /// as standard input. The program stands in the build's folder or in another one.
 inline Outcome RunOrvane(const std::string& arguments, const std::string& input = "",
                          const std::string& programFolder = ORVANE_BUILD_FOLDER) {
   WriteFile("in", input);
   const int exitCode = RunInFolder(programFolder + "/orvane", arguments);
-  return {exitCode, *ReadFile("out"), *ReadFile("err")};
+  return {exitCode, ReadText("out"), ReadText("err")};
 }
 
 inline bool Shows(const std::string& text, const std::string& part) {
