@@ -5,15 +5,13 @@
 namespace orvane::platform {
 namespace {
 
-HANDLE Handle() {
-  static const HANDLE handle = CreateMutexW(nullptr, FALSE, nullptr);
-  return handle;
-}
+// Made as the library is loaded: no first call can fail for want of memory.
+const HANDLE logMutex = CreateMutexW(nullptr, FALSE, nullptr);
 
 }  // namespace
 
-void LogMutex::lock() { WaitForSingleObject(Handle(), INFINITE); }
+void LogMutex::lock() { WaitForSingleObject(logMutex, INFINITE); }
 
-void LogMutex::unlock() { ReleaseMutex(Handle()); }
+void LogMutex::unlock() { ReleaseMutex(logMutex); }
 
 }  // namespace orvane::platform
