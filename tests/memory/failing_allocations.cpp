@@ -1,12 +1,12 @@
-#include "support/failing_allocations.h"
+#include "memory/failing_allocations.h"
 
 #include <cstdlib>
 #include <new>
 
-int support::allocationsLeft = support::kAnyNumber;
+int orvane_test::allocationsLeft = orvane_test::kAnyNumber;
 
 void* operator new(std::size_t size) {
-  int& left = support::allocationsLeft;
+  int& left = orvane_test::allocationsLeft;
   void* const area = left == 0 ? nullptr : std::malloc(size);
   if (area == nullptr) throw std::bad_alloc();
   if (left > 0) --left;

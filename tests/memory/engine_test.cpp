@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "engine/script_host.h"
+#include "memory/failing_allocations.h"
+
+namespace orvane_test {
+namespace {
+
+const std::string kLong = "303132333435363738394041424344454647484950515253";
+const std::string kKey = "0123456789ABCDEFFEDCBA9876543210";
+const std::string kModulus = "E1F3A8D24C5B6E7F90123456789ABCDEF0123456789ABCDEF0123456789ABCDF";
+
+// First in the file: only the first call of a process makes the engine.
+TEST(Memory, MissingMakesNoEngine) {
+  const auto set = [] { return SetVarValue("%A", "1"); };
+  int allocations = 0;
+  int code = 0;
+  while ((code = RunWith(allocations, set)) == ScriptNoEngine) ++allocations;
+  EXPECT_GT(allocations, 0);
+  EXPECT_EQ(set(), 0);
+  EXPECT_EQ(RunOne("%A"), (Outcome{1, "1"}));
+}
+
+TEST(Memory, MissingLeavesVariables) {
+  const std::string name = "%" + kLong;
+  const std::string longer = kLong + kLong;
+  const auto set = [&](const std::string& value) {
+    return SetVarValue(name.c_str(), value.c_str());
+  };
+  const auto get = [&] { return GetVarValue(name.c_str()); };
+  const auto setFirst = [&] { return set(kLong) == ScriptDone; };
+  EXPECT_GT(FailuresOf(setFirst, [&] { EXPECT_EQ(get(), ScriptUndefinedVariable); }), 0);
+  const auto setAgain = [&] { return set(longer) == ScriptDone; };
+  EXPECT_GT(FailuresOf(setAgain, [&] { EXPECT_EQ(Value(name).text, kLong); }), 0);
+  EXPECT_EQ(RunWith(0, [&] { return set(kLong); }), ScriptException);
+  EXPECT_EQ(RunWith(0, get), ScriptException);
+  EXPECT_EQ(Value(name).text, longer);
+}
+
+using Words = std::vector<std::string>;
+
+std::string Call(const std::string& keyword, const Words& arguments) {
+  std::string text = keyword + "(";
+  for (const std::string& argument : arguments) text += (text.back() == '(' ? "" : ",") + argument;
+  return text + ")";
+}
+
+// A call that fails ends on one of its arguments, and those behind it are operands of the
+// statement.
+bool IsLeftOfCall(const std::string& text, const Words& arguments) {
+  std::string left;
+  for (auto word = arguments.rbegin(); word != arguments.rend() && left != text; ++word) {
+    left = *word + left;
+  }
+  return left == text || text.empty() || text == "RSA\u52A0\u5BC6\u5931\u8D25";
+}
+
+Outcome RunShort(int allocations, const std::string& statement) {
+  char text[512];
+  const int code = RunWith(allocations, [&] { return RunScript(statement.c_str(), text); });
+  return {code, text};
+}
+
+// What one run without enough memory may give: the right outcome, an exception with what there was
+// so far, a failed operand without a text, or the outcome of a failed call.
+void ExpectDefined(const Outcome& outcome, const Outcome& right, const Words& arguments) {
+  if (outcome == right || outcome == Outcome{KindExpression, ""}) return;
+  if (outcome.code == ScriptException) {
+    EXPECT_TRUE(right.text.starts_with(outcome.text)) << outcome;
+  } else {
+    EXPECT_EQ(outcome.code, right.code) << outcome;
+    EXPECT_TRUE(IsLeftOfCall(outcome.text, arguments)) << outcome;
+  }
+}
+
+TEST(Memory, MissingInACommandIsAFailureOfTheStatement) {
+  const struct {
+    const char* keyword;
+    Words arguments;
+  } rows[] = {
+      {"@strmid", {kLong, "1", "20"}},
+      {"@strmidh", {kLong, "1", "20"}},
+      {"@strlen", {kLong}},
+      {"@strlenh", {kLong}},
+      {"@xor", {kLong, kKey}},
+      {"@asc2hex", {kLong}},
+      {"@hex2asc", {kLong}},
+      {"@compare", {kLong, kLong, "1"}},
+      {"@setreader", {kLong}},
+      {"@setslot", {kLong}},
+      {"@openreader", {kLong}},
+      {"@reset", {}},
+      {"@stop", {}},
+      {"@des", {kKey, kLong, "1"}},
+      {"@descbc", {kKey, kLong, kKey, "1"}},
+      {"@mac", {kKey, kLong, kKey, "1"}},
+      {"@subkey", {kKey, kKey}},
+      {"@hash", {kLong}},
+      {"@rsapubenc", {kModulus, "010001", kLong}},
+      {"@strlen", {"@xor(@asc2hex(" + kLong + ")," + kKey + ")"}},
+      {"", {kLong, kKey}},
+  };
+  SetVarValue("%KEPT", kLong.c_str());
+  for (const auto& row : rows) {
+    for (const std::string target : {"", "%OUT = "}) {
+      const std::string statement =
+          target + (*row.keyword ? Call(row.keyword, row.arguments) : kLong + " " + kKey);
+      SCOPED_TRACE(statement);
+      const Outcome right = RunOne(statement);
+      ASSERT_TRUE(right.code <= 8);
+      char text[512];
+      const int needed = AllocationsOf([&] { RunScript(statement.c_str(), text); });
+      for (int left = 0; left < needed; ++left) {
+        SetVarValue("%OUT", kKey.c_str());
+        const Outcome outcome = RunShort(left, statement);
+        ExpectDefined(outcome, right, row.arguments);
+        const bool stored = outcome.code == 0 && !target.empty();
+        EXPECT_EQ(Value("%OUT").text, stored ? outcome.text : kKey);
+        EXPECT_EQ(Value("%KEPT").text, kLong);
+        EXPECT_EQ(RunOne(statement), right);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orvane_test

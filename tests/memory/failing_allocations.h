@@ -1,0 +1,43 @@
+// Makes memory run out, and counts what is taken. Linking this replaces the allocation functions of
+// the whole program, the library's among them.
+#pragma once
+
+namespace orvane_test {
+
+constexpr int kAnyNumber = -1;
+extern int allocationsLeft;
+
+// Runs a call during which only this many allocations succeed.
+template <typename Call>
+auto RunWith(int allocations, Call call) {
+  struct Limit {
+    explicit Limit(int count) { allocationsLeft = count; }
+    ~Limit() { allocationsLeft = kAnyNumber; }
+  };
+  const Limit limit(allocations);
+  return call();
+}
+
+// The number of allocations that a call makes.
+template <typename Call>
+int AllocationsOf(Call call) {
+  constexpr int kPlenty = 1'000'000;
+  return RunWith(kPlenty, [&] {
+    call();
+    return kPlenty - allocationsLeft;
+  });
+}
+
+// Runs a call that gives 1 where it succeeds, with ever more memory until it does; checks after
+// each failure.
+template <typename Call, typename Check>
+int FailuresOf(Call call, Check check) {
+  int allocations = 0;
+  while (RunWith(allocations, call) != 1) {
+    check();
+    if (++allocations == 1000) break;
+  }
+  return allocations;
+}
+
+}  // namespace orvane_test
