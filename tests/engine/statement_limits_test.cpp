@@ -69,5 +69,11 @@ TEST(Statements, OfAnySizeAreRead) {
   EXPECT_EQ(RunOne("%BIG = " + std::string(1 << 20, ' ') + "1"), (Outcome{0, "1"}));
 }
 
+TEST(Variables, OfAnyNumberAreKept) {
+  const auto name = [](int i) { return "%V" + std::to_string(i * 7919 % 100'000); };
+  for (int i = 0; i < 100'000; ++i) SetVarValue(name(i).c_str(), std::to_string(i).c_str());
+  for (int i = 0; i < 100'000; ++i) ASSERT_EQ(RunOne(name(i)), (Outcome{1, std::to_string(i)}));
+}
+
 }  // namespace
 }  // namespace orvane_test

@@ -69,6 +69,20 @@ TEST_F(MixedReaders, StandSideBySideInAllSlots) {
   for (unsigned slot = 6; slot < 16; ++slot) expectWork(slot);
 }
 
+// One library serves all slots; a reader that closes takes nothing from the others.
+TEST_F(MixedReaders, OfOneLibraryFillAllSlots) {
+  for (unsigned slot = 0; slot < 16; ++slot) {
+    SetReader(slot);
+    ASSERT_EQ(Open(kPcsc), 1) << slot;
+  }
+  for (unsigned slot = 0; slot < 16; ++slot) {
+    SetReader(slot);
+    EXPECT_EQ(ResetCard().result, 1) << slot;
+    EXPECT_EQ(Send("00A4000C023F00").result, 1) << slot;
+    EXPECT_EQ(CloseReader(), 1) << slot;
+  }
+}
+
 /// Whether a tool whose open failed is still the one that the next open of its kind finds.
 TEST_F(MixedReaders, KeepAToolThatKnowsItsKind) {
   const struct {

@@ -119,6 +119,18 @@ TEST(TagParser, GoesAsDeepAsAValueReaches) {
   EXPECT_EQ(Shown(Record(parser, "5A")), "00:");
 }
 
+TEST(TagParser, ReadsAnyLength) {
+  std::string text;
+  for (std::size_t i = 0; text.size() < 1 << 20; ++i) {
+    text += Hex(2, 0x80 + i % 0x1F) + "02" + Hex(4, i % 0x10000);
+  }
+  const Parser parser = MakeParser();
+  EXPECT_EQ(TagParsing_Parse(parser.get(), text.c_str()), 1);
+  const std::string last = text.substr(text.size() - 8);
+  EXPECT_EQ(Shown(Record(parser, last.substr(0, 2))), "02:" + last.substr(4));
+  EXPECT_EQ(TagParsing_Parse(parser.get(), (text + "5A02").c_str()), 0);
+}
+
 class RandomText {
  public:
   std::string Make() {
