@@ -122,9 +122,9 @@ enum ReaderKind {
 /* One line of a reader list: 272 octets, back to back, without gaps. */
 typedef struct ReaderInfo {
   int32_t kind;     /* as the driver reports it: ReaderKindS5009 for both S5009 kinds */
-  int32_t hasPort;  /* 1: port opens this reader through OpenReader. 0: only the name does */
-  int32_t port;     /* 0 if hasPort is 0 */
-  char name[256];   /* zero-terminated; opens this reader through OpenReaderA */
+  int32_t hasPort;  /* 1: port is a port number. 0: the reader is known by its name alone */
+  int32_t port;     /* for OpenReader, but for the kinds 10 and 11; 0 if hasPort is 0 */
+  char name[256];   /* zero-terminated; for OpenReaderA, but for kind 10 */
   int32_t reserved; /* 0 */
 } ReaderInfo;
 
@@ -170,7 +170,9 @@ ORVANE_API void ChangeSlot(const char* slotHex);
  *            counts as 0; above 8,192 gives 0 and the empty text
  *   respHex  room for 8,193 characters; zero-terminated and written in every case
  * 1 on status word 9000. A status word 61xx is followed up with one GET RESPONSE. With any other
- * status word the result is 0 and respHex holds that word; it is empty when there was no answer.
+ * status word the result is 0 and respHex holds the first two octets of the reply: that word, if no
+ * data stands before it; 0000 if the kinds 1, 2 and 4 had no reply. It is empty when there was no
+ * answer.
  * After success the kinds 3, 5 and 12 give the data without the status word, or 9000 where there is
  * no data; the kinds 4, 7 and 8 give the data and the status word; 1 and 2 give what their library
  * replied. */
