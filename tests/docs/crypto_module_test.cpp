@@ -1,0 +1,17 @@
+// The example of a crypto module, as the page shows it.
+#include "docs/page.h"
+
+namespace orvane_test {
+namespace {
+
+const std::string kPage = ReadText("docs/crypto-module.md");
+
+TEST(DocsCryptoModule, IsShownWhole) {
+  const std::string source = ReadText("examples/crypto/my_crypto.c");
+  EXPECT_NE(kPage.find("\n```c\n" + source + "```\n"), kPage.npos);
+}
+
+TEST(DocsCryptoModule, GivesWhatThePageSays) { RunExamples(kPage, MY_CRYPTO); }
+
+}  // namespace
+}  // namespace orvane_test

@@ -1,0 +1,90 @@
+#include <cctype>
+#include <filesystem>
+#include <set>
+
+#include "docs/page.h"
+#include "src/engine/command_table.h"
+
+namespace orvane_test {
+namespace {
+
+using Names = std::set<std::string>;
+
+Names UpperCased(const std::vector<std::string>& names) {
+  Names upper;
+  for (std::string name : names) {
+    for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    upper.insert(name);
+  }
+  return upper;
+}
+
+std::string Joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + '\n';
+  return text;
+}
+
+std::vector<std::string> WithSingleBlanks(std::vector<std::string> signatures) {
+  for (std::string& signature : signatures)
+    signature = std::regex_replace(signature, std::regex("\\s+"), " ");
+  return signatures;
+}
+
+TEST(Docs, LanguageGivesWhatThePageSays) {
+  RunExamples(ReadText("docs/language.md"), DEFAULT_CRYPTO);
+}
+
+TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
+  const std::string page = ReadText("docs/language.md");
+  const Names commands =
+      UpperCased(Matches(ReadText("src/engine/command_table.cpp"), "\\{\"(@\\w+)\", \\{"));
+  EXPECT_EQ(commands.size(), static_cast<std::size_t>(orvane::kCommandCount) - 1);
+  EXPECT_EQ(UpperCased(Matches(page, "\n\\| `(@\\w+)\\(")), commands);
+  const Names tested = UpperCased(Matches(Joined(ExampleLines(page)), "(@\\w+) ?\\("));
+  for (const std::string& command : commands) EXPECT_EQ(tested.count(command), 1U) << command;
+}
+
+TEST(Docs, ExportsAreThoseOfTheHeader) {
+  const auto declared =
+      WithSingleBlanks(Matches(ReadText("include/orvane.h"), "\nORVANE_API ([^;]*);"));
+  EXPECT_EQ(declared.size(), 40U);
+  EXPECT_EQ(WithSingleBlanks(Matches(ReadText("docs/exports.md"), "\n- `([^`]*)`")), declared);
+}
+
+TEST(Docs, ReadersAreThoseOfTheHeader) {
+  const std::string page = ReadText("docs/readers.md");
+  const std::string header = ReadText("include/orvane.h");
+  const auto constants = Matches(header, "\n  (ReaderKind\\w+ = \\d+)");
+  EXPECT_EQ(constants.size(), 11U);
+  const std::regex constant("(\\w+) = (\\d+)");
+  for (const std::string& text : constants) {
+    const std::string row = std::regex_replace(text, constant, "\n| $2 | `$1` |");
+    EXPECT_NE(page.find(row), page.npos) << row;
+  }
+  const auto libraries = Matches(header, "/\\* (\\w+)\\.dll[: ;]");
+  EXPECT_EQ(libraries.size(), 9U);
+  for (const std::string& name : libraries) {
+    const std::string files = std::string("| `").append(name).append(".dll`, `lib").append(name);
+    EXPECT_NE(page.find(files + ".so` |"), page.npos) << name;
+  }
+}
+
+TEST(Docs, NameFilesThatAreThere) {
+  namespace fs = std::filesystem;
+  const fs::path root = ORVANE_SOURCE_FOLDER;
+  Names pages = {"README.md"};
+  for (const auto& entry : fs::directory_iterator(root / "docs"))
+    pages.insert("docs/" + entry.path().filename().string());
+  const std::string folders = "src|include|host|crypto|pcsc|simulators|examples|tests|docs";
+  for (const std::string& name : pages) {
+    const std::string page = ReadText(name);
+    for (const std::string& file : Matches(page, "`((?:" + folders + ")/[\\w./-]*)`"))
+      EXPECT_TRUE(fs::exists(root / file)) << name << ": " << file;
+    for (const std::string& file : Matches(page, "\\]\\(([\\w./-]+)\\)"))
+      EXPECT_TRUE(fs::exists(root / fs::path(name).parent_path() / file)) << name << ": " << file;
+  }
+}
+
+}  // namespace
+}  // namespace orvane_test
