@@ -25,7 +25,9 @@ class Module {
 // of that name which the process has loaded already is the one that is found.
 Module LoadModule(const char* fileName);
 
-// Loads a library of that name from the folder of this library and from nowhere else.
+// Loads a library of that name from the folder of this library and from nowhere else. A library
+// that was loaded through a link has two: the link's, which comes first, and, but on Windows, that
+// of the file which the link leads to.
 Module LoadModuleFromOwnFolder(const char* fileName);
 
 }  // namespace orvane::platform

@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <climits>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,12 +17,17 @@ std::string SharedObjectName(std::string_view fileName) {
   return "lib" + std::string(stem) + ".so";
 }
 
-std::string OwnFolder() {
+// The file of this library under the name that it was loaded by; a link's own name.
+std::string OwnFile() {
   Dl_info self{};
-  if (dladdr(reinterpret_cast<void*>(&OwnFolder), &self) == 0 || self.dli_fname == nullptr)
-    return {};
-  const std::string path = self.dli_fname;
-  return path.substr(0, path.rfind('/') + 1);
+  if (dladdr(reinterpret_cast<void*>(&OwnFile), &self) == 0 || self.dli_fname == nullptr) return {};
+  return self.dli_fname;
+}
+
+// With its last slash. A bare name would be looked for everywhere.
+std::string FolderOf(const std::string& file) {
+  const auto slash = file.rfind('/');
+  return slash == std::string::npos ? "./" : file.substr(0, slash + 1);
 }
 
 Module Open(const std::string& path) { return Module(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)); }
@@ -48,9 +55,12 @@ Module LoadModule(const char* fileName) {
 }
 
 Module LoadModuleFromOwnFolder(const char* fileName) {
-  const std::string folder = OwnFolder();
-  // A bare name would be looked for everywhere.
-  return Open((folder.empty() ? "./" : folder) + SharedObjectName(fileName));
+  const std::string self = OwnFile(), name = SharedObjectName(fileName);
+  Module module = Open(FolderOf(self) + name);
+  // A link to the library may stand elsewhere than what belongs to it.
+  char target[PATH_MAX];
+  if (module || realpath(self.c_str(), target) == nullptr) return module;
+  return Open(FolderOf(target) + name);
 }
 
 }  // namespace orvane::platform
