@@ -46,15 +46,17 @@ std::string Hint(const ReaderAddress& address) {
 }  // namespace
 
 void LoadSimulators() {
-  const std::filesystem::path beside = ProgramFolder() / "simulators";
-  for (const auto& folder : {beside, ProgramFolder().parent_path() / "lib/orvane/simulators"}) {
+  const std::filesystem::path beside = ProgramFolder() / "simulators",
+                              installed = ProgramFolder().parent_path() / "lib/orvane/simulators";
+  for (const auto& folder : {beside, installed}) {
     const auto modules = ModulesIn(folder);
     for (const auto& module : modules) {
       if (!LoadModule(module)) throw Failure(kReaderFault, "can't load " + module.string());
     }
     if (!modules.empty()) return;
   }
-  throw Failure(kReaderFault, "there are no simulators in " + beside.string());
+  throw Failure(kReaderFault,
+                "there are no simulators in " + beside.string() + " or " + installed.string());
 }
 
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
