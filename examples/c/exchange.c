@@ -1,0 +1,110 @@
+/*
+ * A script host in C: runs a script on the simulated card and prints what goes to and fro.
+ *
+ *   cmake -S . -B build && cmake --build build
+ *   build/exchange ../exchange.orv
+ *
+ * Without CMake:
+ *
+ *   cc -o exchange exchange.c $(pkg-config --cflags --libs orvane) \
+ *     "-DSIMULATOR=\"$(pkg-config --variable=simulators orvane)/libwinscard.so\""
+ */
+#include <orvane.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#ifdef _WIN32
+#include <windows.h>
+static int Load(const char* file) { return LoadLibraryA(file) != NULL; }
+#else
+#include <dlfcn.h>
+static int Load(const char* file) { return dlopen(file, RTLD_NOW) != NULL; }
+#endif
+
+static void Fail(const char* what, const char* text) {
+  fprintf(stderr, "%s: %s\n", what, text);
+  exit(1);
+}
+
+/* The library looks for the PC/SC module when a reader is opened, and takes what is loaded under
+ * its name by then. Without this call a real PC/SC reader would be looked for; the name of the
+ * simulated one makes sure that none is opened. */
+static void OpenSimulatedReader(void) {
+  if (!Load(SIMULATOR)) Fail("can't load", SIMULATOR);
+  if (!OpenReaderA("Simulated Reader 0", ReaderKindPcsc)) Fail("can't open", "Simulated Reader 0");
+}
+
+static void ResetCard(void) {
+  char atr[1025];
+  if (!Reset(atr)) Fail("no answer", "reset");
+  printf("ATR %s\n", atr);
+  SetVarValue("%ATR", atr);
+}
+
+/* A PC/SC reader answers with the data, or with 9000 where there is none; with any other status
+ * word, that word is all there is. */
+static void Send(const char* command) {
+  char answer[8193];
+  const char *data = "", *statusWord = "9000";
+  int length = (int)strlen(command);
+  /* Where a variable is not defined the text is a message: nothing of it may reach a card. A script
+   * command that fails leaves the text shorter, which doesn't show here; for cards that matter, try
+   * each on its own before, as the program orvane does. */
+  if (length < 8 || length % 2 != 0 || CheckAsciiNum(command, 1, length) != 0) {
+    Fail("no command", command);
+  }
+  printf(">>  %s\n", command);
+  if (!SendCommand(command, length, answer)) {
+    if (answer[0] == '\0') Fail("no answer", command);
+    statusWord = answer;
+  } else if (strcmp(answer, "9000") != 0) {
+    data = answer;
+  }
+  printf("<<  %s%s%s\n", data, data[0] != '\0' ? " " : "", statusWord);
+  SetVarValue("%RESP", data);
+  SetVarValue("%SW", statusWord);
+}
+
+/* Runs one statement and does what it asks of its host. 0 at the end of the script. */
+static int Run(const char* statement) {
+  char text[512];
+  switch (RunScript(statement, text)) {
+    case KindAssignment:
+    case ScriptNothingToRun:
+      return 1;
+    case KindDollar:
+      puts(statement);
+      return 1;
+    case KindReset:
+      ResetCard();
+      return 1;
+    case KindExpression:
+      Send(text);
+      return 1;
+    case KindCompare:
+      if (strcmp(text, "1") != 0) Fail("not as expected", statement);
+      printf("ok  %s\n", statement);
+      return 1;
+    case KindStop:
+      return 0;
+    default: /* a failure, or a statement that this host doesn't know */
+      Fail("can't run", statement);
+      return 0;
+  }
+}
+
+int main(int count, char** arguments) {
+  char line[4096];
+  FILE* script = count == 2 ? fopen(arguments[1], "r") : NULL;
+  if (script == NULL) Fail("usage", "exchange SCRIPT");
+  OpenSimulatedReader();
+  while (fgets(line, sizeof line, script) != NULL) {
+    if (strlen(line) == sizeof line - 1) Fail("too long", line);
+    line[strcspn(line, "\r\n")] = '\0';
+    if (!Run(line)) break;
+  }
+  fclose(script);
+  CloseReader();
+  return 0;
+}

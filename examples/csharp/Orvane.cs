@@ -1,0 +1,247 @@
+// The functions of liborvane.so and orvane.dll for C# and the other languages of .NET. What they do
+// stands in orvane.h, function by function; this file says how they are called:
+//
+//   - A text that is handed over is a string. It goes out as zero-terminated bytes of the system's
+//     narrow character set (UTF-8 but on Windows); a character that this lacks throws.
+//   - A text or octets that come back are a byte[] of the caller's, with the room that orvane.h asks
+//     for: no function is told the size. Text() takes what was written up to the terminator.
+//   - A single number or record that comes back is an out parameter.
+//   - Results that C calls int32_t are int here. 1 stands for success but for RunScript,
+//     SetVarValue and GetVarValue, whose codes are ScriptCode and StatementKind.
+using System;
+using System.Runtime.InteropServices;
+using System.Text;
+
+public enum StatementKind
+{
+    Assignment = 0,
+    Expression = 1,
+    SetReader = 2,
+    SetSlot = 3,
+    Reset = 4,
+    Dollar = 5,
+    Stop = 6,
+    Compare = 7,
+    OpenReader = 8,
+}
+
+public enum ScriptCode
+{
+    NoEngine = -1,
+    Done = 0,
+    NothingToRun = 100,
+    UndefinedVariable = 1001,
+    EmptyName = 1002,
+    Exception = 1024,
+}
+
+public enum ReaderKind
+{
+    TyUsb = 1,
+    TyCom = 2,
+    Pcsc = 3,
+    Wd = 4,
+    D8 = 5,
+    Fm8201 = 6,
+    S5009 = 7,
+    S5009Ats = 8,
+    Tcp = 10,
+    Icr = 11,
+    Bsit = 12,
+}
+
+/// <summary>One line of a reader list: 272 octets.</summary>
+[StructLayout(LayoutKind.Sequential)]
+public struct ReaderInfo
+{
+    public int Kind;
+    public int HasPort;
+    public int Port;
+    [MarshalAs(UnmanagedType.ByValArray, SizeConst = 256)] public byte[] Name;
+    public int Reserved;
+}
+
+/// <summary>A record of the tag dictionary: 1,244 octets.</summary>
+[StructLayout(LayoutKind.Sequential)]
+public struct TagdictData
+{
+    [MarshalAs(UnmanagedType.ByValArray, SizeConst = 20)] public byte[] Tag;
+    [MarshalAs(UnmanagedType.ByValArray, SizeConst = 200)] public byte[] ShortText;
+    [MarshalAs(UnmanagedType.ByValArray, SizeConst = 1024)] public byte[] LongText;
+}
+
+[BestFitMapping(false, ThrowOnUnmappableChar = true)]
+public static class Orvane
+{
+    // orvane.dll on Windows, liborvane.so on Linux: looked for as the system does, and beside the
+    // program.
+    private const string Library = "orvane";
+    private const CallingConvention C = CallingConvention.Cdecl;
+
+    /// <summary>What was written to a buffer, up to its terminator.</summary>
+    public static string Text(byte[] buffer)
+    {
+        int length = Array.IndexOf(buffer, (byte)0);
+        return Encoding.UTF8.GetString(buffer, 0, length < 0 ? buffer.Length : length);
+    }
+
+    // ---- Scripts ----
+
+    /// <param name="result">512 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int RunScript(string script, byte[] result);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int SetVarValue(string name, string value);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int GetVarValue(string name);
+
+    // ---- Readers ----
+
+    /// <param name="list">max records if max is above 0 and the kind honours it, else count + 1 or
+    /// 16, whichever is more.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int GetReaderList(ReaderKind kind, [Out] ReaderInfo[] list, int count, int max);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int SetReader(uint index);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int OpenReader(int port, ReaderKind kind, int baud);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int OpenReaderA(string name, ReaderKind kind);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int CloseReader();
+
+    /// <param name="atrHex">1,025 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int Reset(byte[] atrHex);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void ChangeSlot(string slotHex);
+
+    /// <param name="respHex">8,193 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int SendCommand(string cmdHex, int hexLen, byte[] respHex);
+
+    // ---- Conversions: nothing is terminated, so hand over buffers of zeros ----
+
+    /// <param name="text">Bytes, with a zero at the end.</param>
+    /// <param name="output">Three times the length of text.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void URLEncode(byte[] text, byte[] output);
+
+    /// <param name="output">The length of text.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void URLDecode(string text, byte[] output);
+
+    /// <param name="text">2 * count bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void HexToAscii(byte[] octets, byte[] text, int count);
+
+    /// <param name="octets">Half as many bytes as there are digits, rounded up.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int AsciiToHex(string text, byte[] octets, int length);
+
+    /// <param name="output">4 * ((length + 1) / 2) bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int AsciiToHexStr(string text, byte[] output, int length);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int CheckAsciiNum(string text, int allowHex, int length);
+
+    /// <param name="value">Not written on failure.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int HexStrToInt(string text, out int value, int length);
+
+    /// <param name="value">Not written on failure.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int HexToInt(byte[] octets, out int value, int count);
+
+    /// <param name="output">4 bytes; the octets begin at 4 - count.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int IntToHex(byte[] output, int value, out int count);
+
+    /// <param name="output">8 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int IntToHexStr(byte[] output, int value, out int length);
+
+    // ---- Character sets: bytes on both sides, and a text that does not convert ends the process ----
+
+    /// <param name="text">Bytes of the ANSI code page, with a zero at the end.</param>
+    /// <param name="output">Three times the length of text.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void ASCII2UTF_8(byte[] text, byte[] output);
+
+    /// <param name="text">UTF-8, with a zero at the end.</param>
+    /// <param name="output">Four times the length of text.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void UTF_82ASCII(byte[] text, byte[] output);
+
+    // ---- Time ----
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void GetTimeStampInt(out uint stamp);
+
+    /// <param name="output">14 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void GetTimeStampStr(byte[] output, int withMs);
+
+    /// <param name="output">32 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void GetTimeStr(byte[] output);
+
+    /// <param name="output">32 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void GetTimeStrFromTimeStampInt(byte[] output, uint stamp);
+
+    /// <param name="output">36 bytes.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void GetTimeStrFromTimeStampStr(byte[] output, string stampText, int withMs);
+
+    // ---- Log files ----
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void AsciiLog(string path, string text);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void HexLog(string path, byte[] octets, int count);
+
+    // ---- Tags ----
+
+    /// <returns>A parser for the three functions below; give it back with the last.</returns>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern IntPtr TagParsing_Init();
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int TagParsing_Parse(IntPtr parser, string text);
+
+    /// <param name="output">2,050 bytes: the length in the first 4, then the value.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int TagParsing_GetTag(IntPtr parser, string tag, byte[] output);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern void TagParsing_Free(IntPtr parser);
+
+    /// <param name="records">Room for every record of the dictionary.</param>
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int GetTagdict([Out] TagdictData[] records, out int count);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int FindTagdictData(string tag, out TagdictData record);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int AddTagdictData(ref TagdictData record);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int DeleteTagdictData(string tag);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int UpTagdictData(ref TagdictData record);
+
+    [DllImport(Library, CallingConvention = C)]
+    public static extern int FlushTagdict();
+}
