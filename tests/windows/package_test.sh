@@ -3,7 +3,7 @@
 set -euo pipefail
 build=$1
 root=$(cd "$(dirname "$0")/../.." && pwd)
-zip=$(cd "$root" && realpath "$(script/package-windows "$build")")
+zip=$(cd "$root" && realpath "$(script/package windows "$build")")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 unzip -q "$zip" -d "$folder"
@@ -11,8 +11,9 @@ cd "$folder"/orvane-*-win64
 
 fail() { echo "$*" >&2; exit 1; }
 
-for file in orvane.dll orvane_crypto.dll orvane.exe orvane.lib liborvane.dll.a README.md windows.md \
-  include/orvane.h include/crypto_provider.h simulators/wd/wdcrwx.dll \
+for file in orvane.dll orvane_crypto.dll orvane.exe orvane.lib liborvane.dll.a README.md docs/windows.md \
+  include/orvane.h include/orvane/crypto_provider.h licences/{libgcrypt,libgpg-error}.txt \
+  examples/{python/exchange.py,node/exchange.js,csharp/Orvane.cs} simulators/wd/wdcrwx.dll \
   simulators/{winscard,dcrf32,S5009,tyreader,tykeyint,STJZZ_BSIT,sdtapi}.dll; do
   [ -s "$file" ] || fail "the package lacks $file"
 done
@@ -25,6 +26,14 @@ for module in *.dll *.exe simulators/*.dll simulators/wd/*.dll; do
   [ -z "$strangers" ] || fail "$module needs $strangers"
   ! sed -n '/Name Pointer\] Table/,/^$/p' <<<"$tables" | grep -E '\] (_Z|.*@)' || fail "$module exports these"
 done
+
+# A host built with the CMake package.
+cmake -S examples/c -B "$folder/host" -G Ninja -D CMAKE_TOOLCHAIN_FILE="$root/script/mingw-w64.cmake" \
+  -D CMAKE_BUILD_TYPE=Release -D CMAKE_PREFIX_PATH="$PWD" >out 2>&1 || fail "$(cat out)"
+cmake --build "$folder/host" >out || fail "$(cat out)"
+cp "$folder/host/exchange.exe" .
+"$root/script/wine" exchange.exe examples/exchange.orv | tr -d '\r' | diff "$root/tests/install/exchange.txt" - ||
+  fail "the host in C: another output"
 
 run() { "$root/script/wine" orvane.exe "$@"; }
 

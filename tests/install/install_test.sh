@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# One look at the installation: install_test.sh BUILD_FOLDER CASE
+# The case files installs and goes first.
+set -euo pipefail
+build=$1 name=$2
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+prefix=$build/tests/install/prefix
+simulators=$prefix/lib/orvane/simulators
+examples=$prefix/share/doc/orvane/examples
+script=$examples/exchange.orv
+work=$build/tests/install/$name
+rm -rf "$work"
+mkdir -p "$work"
+cd "$work"
+
+fail() { echo "$*" >&2; exit 1; }
+need() { for tool; do command -v "$tool" >/dev/null || { echo "skipped: there is no $tool"; exit 77; }; done; }
+same() { diff "$here/exchange.txt" - || fail "$name: another output"; }
+files_in() { (cd "$1" && find . -type l -printf '%P -> %l\n' -o -type f -printf '%P\n' | LC_ALL=C sort); }
+
+case $name in
+  files)
+    # What is installed works in another place as well.
+    rm -rf "$prefix"
+    cmake --install "$build" --prefix "$work/first" >log || fail "$(cat log)"
+    mv first "$prefix"
+    files_in "$prefix" | grep -v ^share/doc/ >installed
+    version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+    sed "s/VERSION/$version/" "$here/files.txt" | diff - installed || fail "other files"
+    # Nothing simulated stands where vendor libraries are looked for.
+    ! grep -l SimulatorRestart "$prefix"/lib/*.so || fail "a simulator beside the library"
+    grep -q SimulatorRestart "$simulators/libwinscard.so" || fail "no simulator"
+    ;;
+  program)
+    "$prefix/bin/orvane" run "$script" >out || fail "$(cat out)"
+    tail -n 1 out | grep -qx 'done  3 commands sent, 3 expectations met' || fail "$(cat out)"
+    # WD's, and the crypto module, which is not in the folder of the link.
+    LD_LIBRARY_PATH=$simulators/wd "$prefix/bin/orvane" run --simulate -r 4:WDUSB1 \
+      "$examples/authenticate.orv" >out || fail "$(cat out)"
+    ;;
+  cmake)
+    for project in "$here/cmake_package" "$examples/c"; do
+      cmake -S "$project" -B "${project##*/}" -D CMAKE_PREFIX_PATH="$prefix" \
+        -D CMAKE_C_FLAGS="-std=c99 -pedantic -Wall -Wextra -Werror" >log 2>&1 || fail "$(cat log)"
+    done
+    cmake --build c >log || fail "$(cat log)"
+    c/exchange "$script" | same
+    ;;
+  pkg_config)
+    export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+    pkg-config --exact-version "$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")" orvane
+    gcc -o exchange "$examples/c/exchange.c" $(pkg-config --cflags --libs orvane) \
+      "-DSIMULATOR=\"$(pkg-config --variable=simulators orvane)/libwinscard.so\""
+    LD_LIBRARY_PATH=$(pkg-config --variable=libdir orvane) ./exchange "$script" | same
+    ;;
+  python)
+    need python3
+    python3 "$examples/python/exchange.py" "$script" "$prefix" | same
+    ;;
+  node)
+    need node npm
+    cp "$examples"/node/* .
+    npm ci --ignore-scripts >log 2>&1 || { cat log; echo "skipped: npm can't fetch koffi"; exit 77; }
+    node exchange.js "$script" "$prefix" | same
+    ;;
+  csharp)
+    need python3 mcs mono
+    python3 "$here/csharp_declarations.py" "$prefix/include/orvane.h" "$examples/csharp/Orvane.cs"
+    mcs -warnaserror -out:Exchange.exe "$examples"/csharp/*.cs "$here/NativeLibrary.cs"
+    LD_LIBRARY_PATH=$prefix/lib mono Exchange.exe "$script" "$simulators/libwinscard.so" | same
+    ;;
+  debian)
+    need dpkg-deb dpkg-shlibdeps file
+    package=$("$root/script/package" debian "$build")
+    dpkg-deb -x "$package" .
+    diff <(files_in "$prefix") <(files_in usr) || fail "the package holds other files"
+    usr/bin/orvane run "usr/share/doc/orvane/examples/payment.orv" >out || fail "$(cat out)"
+    dpkg-deb -f "$package" Depends | tr ',' '\n' | grep -q '^ *libgcrypt20 ' || fail "no dependencies"
+    ;;
+  *) fail "there is no case $name" ;;
+esac
