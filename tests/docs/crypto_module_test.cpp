@@ -7,11 +7,11 @@ namespace {
 const std::string kPage = ReadText("docs/crypto-module.md");
 
 TEST(DocsCryptoModule, IsShownWhole) {
-  const std::string source = ReadText("examples/crypto/my_crypto.c");
+  const std::string source = ReadText("examples/crypto/aes_crypto.c");
   EXPECT_NE(kPage.find("\n```c\n" + source + "```\n"), kPage.npos);
 }
 
-TEST(DocsCryptoModule, GivesWhatThePageSays) { RunExamples(kPage, MY_CRYPTO); }
+TEST(DocsCryptoModule, GivesWhatThePageSays) { RunExamples(kPage, AES_CRYPTO); }
 
 }  // namespace
 }  // namespace orvane_test
