@@ -287,7 +287,7 @@ ORVANE_API void GetTimeStrFromTimeStampInt(char* out, uint32_t stamp);
 /* The time that a decimal stamp with three digits of milliseconds stands for, as GetTimeStampStr
  * writes it with withMs 1. withMs appends a colon and the milliseconds here; the last three
  * characters are taken off in any case. Either number may have blanks and a sign before it, ends at
- * the first character that is no digit, and counts modulo 2^32.
+ * the first character that is no digit, and counts modulo 2^32; the milliseconds modulo 2^16.
  *   out        room for 36 bytes; the empty text for a stampText below three characters
  *   stampText  at most 25 characters; out is untouched if it has more */
 ORVANE_API void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int32_t withMs);
