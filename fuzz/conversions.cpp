@@ -57,7 +57,8 @@ std::string EncodedUrl(std::string_view text) {
   std::string out;
   for (const char c : text) {
     const bool plain = IsDecimal(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-    out += plain ? std::string(1, c) : "%" + HexOf({&c, 1});
+    if (!plain) out += '%';
+    out += plain ? std::string(1, c) : HexOf({&c, 1});
   }
   return out;
 }
@@ -152,9 +153,9 @@ void CheckNumbers(std::string_view text) {
 
 void CheckNumber(std::uint32_t number) {
   char digits[9];
-  std::snprintf(digits, sizeof digits, "%X", static_cast<unsigned>(number));
+  std::snprintf(digits, sizeof digits, "%08X", static_cast<unsigned>(number));
   std::string hex(digits);
-  if (hex.size() % 2 == 1) hex.insert(0, "0");
+  while (hex.size() > 2 && hex.starts_with("00")) hex.erase(0, 2);
   int32_t length = 0;
   ExpectWritten(hex, "IntToHexStr", [&](char* out) {
     Expect(IntToHexStr(out, static_cast<int32_t>(number), &length) == 1, "result");
