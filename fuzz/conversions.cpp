@@ -8,12 +8,11 @@
 #include <string_view>
 
 #include "fuzz/input.h"
+#include "fuzz/plain_hex.h"
 #include "orvane.h"
 
 namespace orvane_fuzz {
 namespace {
-
-constexpr std::string_view kDigits = "0123456789ABCDEF";
 
 const unsigned char* Octets(std::string_view text) {
   return reinterpret_cast<const unsigned char*>(text.data());
@@ -21,37 +20,7 @@ const unsigned char* Octets(std::string_view text) {
 
 unsigned char* Octets(char* room) { return reinterpret_cast<unsigned char*>(room); }
 
-std::string HexOf(std::string_view octets) {
-  std::string text;
-  for (const char octet : octets) {
-    text += kDigits[static_cast<unsigned char>(octet) / 16];
-    text += kDigits[static_cast<unsigned char>(octet) % 16];
-  }
-  return text;
-}
-
-bool IsDecimal(char c) { return c >= '0' && c <= '9'; }
-bool IsHex(char c) { return IsDecimal(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-struct Decoded {
-  std::string octets;
-  bool good;
-};
-
-Decoded Decode(std::string_view text) {
-  std::string digits;
-  std::size_t at = 0;
-  for (; at < text.size() && (IsHex(text[at]) || text[at] == ' '); ++at) {
-    if (text[at] != ' ') digits += text[at];
-  }
-  if (digits.size() % 2 == 1) digits += '0';
-  Decoded decoded{"", at == text.size()};
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    decoded.octets += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-  }
-  return decoded;
-}
 
 std::string EncodedUrl(std::string_view text) {
   std::string out;

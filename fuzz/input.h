@@ -19,12 +19,13 @@ inline void Expect(bool right, const char* what) {
   std::abort();
 }
 
-/// For two answers that must be the same; bytes that don't print are shown as \xx.
+/// For two answers that must be the same; bytes that don't print are shown as \xx, zeros at
+/// the end not at all.
 inline void ExpectSame(std::string_view ours, std::string_view expected, const char* what) {
   if (ours == expected) return;
   const auto show = [](const char* name, std::string_view text) {
     std::fprintf(stderr, "%s, %zu bytes: ", name, text.size());
-    for (const char byte : text) {
+    for (const char byte : text.substr(0, text.find_last_not_of('\0') + 1)) {
       const bool prints = byte >= ' ' && byte <= '~' && byte != '\\';
       std::fprintf(stderr, prints ? "%c" : "\\%02x", static_cast<unsigned char>(byte));
     }
