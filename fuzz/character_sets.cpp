@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kSets[] = {"",           "ISO-8859-1", "GBK",          "GB18030",
                                  "BIG5-HKSCS", "CP1255",     "CP1252",       "KOI8-R",
-                                 "CP932",  "EUC-KR",     "EUC-JISX0213", "no-such-set"};
+                                 "CP932",      "EUC-KR",     "EUC-JISX0213", "no-such-set"};
 
 // The number of octets of the character that a text begins with; 0 if it begins with none.
 std::size_t CharacterSize(std::string_view text) {

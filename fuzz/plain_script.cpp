@@ -28,6 +28,8 @@ std::string Upper(std::string text) {
   return text;
 }
 
+std::string UpToZero(const std::string& text) { return text.substr(0, text.find('\0')); }
+
 std::string WithoutBlanks(std::string text) {
   std::erase(text, ' ');
   return text;
@@ -78,6 +80,21 @@ std::string Xor(std::string data, const std::string& mask) {
     octet = static_cast<char>(octet ^ blocks[i]);
   }
   return HexOf(result);
+}
+
+// Of the commands on text and data.
+std::string ValueOf(const std::string& name, const std::vector<std::string>& arguments) {
+  const std::string& first = arguments[0];
+  if (name == "@STRMID" || name == "@STRMIDH") {
+    const std::int64_t unit = name == "@STRMIDH" ? 2 : 1;
+    return Middle(first, unit * Decimal(arguments[1]), unit * Decimal(arguments[2]));
+  }
+  if (name == "@COMPARE") return arguments[2] == (first == arguments[1] ? "1" : "0") ? "1" : "0";
+  if (name == "@STRLEN") return std::to_string(first.size());
+  if (name == "@STRLENH") return std::to_string(first.size() / 2);
+  if (name == "@XOR") return Xor(first, arguments[1]);
+  if (name == "@ASC2HEX") return HexOf(first);
+  return UpToZero(Decode(first).octets);
 }
 
 struct Command {
@@ -301,26 +318,9 @@ bool PlainScript::RunCommand(const std::string& name, std::string& out, std::siz
   if (name == "@HASH") return Hash(out, position);
   if (name == "@COMPARE") kind_ = KindCompare;
   if (!ReadArguments(command->arguments, out, position)) return false;
-  const std::vector<std::string> arguments = arguments_;
-  if (name == "@XOR" && arguments[1].size() < 2) return false;
+  if (name == "@XOR" && arguments_[1].size() < 2) return false;
   ++position;
-  if (name == "@STRMID" || name == "@STRMIDH") {
-    const std::int64_t unit = name == "@STRMIDH" ? 2 : 1;
-    out = Middle(arguments[0], unit * Decimal(arguments[1]), unit * Decimal(arguments[2]));
-  } else if (name == "@COMPARE") {
-    out = arguments[2] == (arguments[0] == arguments[1] ? "1" : "0") ? "1" : "0";
-  } else if (name == "@STRLEN") {
-    out = std::to_string(arguments[0].size());
-  } else if (name == "@STRLENH") {
-    out = std::to_string(arguments[0].size() / 2);
-  } else if (name == "@XOR") {
-    out = Xor(arguments[0], arguments[1]);
-  } else if (name == "@ASC2HEX") {
-    out = HexOf(arguments[0]);
-  } else {
-    const std::string octets = Decode(arguments[0]).octets;
-    out = octets.substr(0, octets.find('\0'));
-  }
+  out = ValueOf(name, arguments_);
   return true;
 }
 
