@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <cstring>
 #include <map>
 #include <memory>
-#include <random>
 #include <string>
-#include <string_view>
 
 #include "orvane.h"
 
@@ -129,109 +126,6 @@ TEST(TagParser, ReadsAnyLength) {
   const std::string last = text.substr(text.size() - 8);
   EXPECT_EQ(Shown(Record(parser, last.substr(0, 2))), "02:" + last.substr(4));
   EXPECT_EQ(TagParsing_Parse(parser.get(), (text + "5A02").c_str()), 0);
-}
-
-class RandomText {
- public:
-  std::string Make() {
-    std::string text;
-    for (std::size_t i = Below(5) + 1; i > 0; --i) text += Element(Below(4));
-    for (std::size_t faults = Below(3); faults > 0; --faults) Spoil(text);
-    for (std::size_t i = Below(4); i > 0; --i) text.insert(Below(text.size() + 1), Below(3), ' ');
-    return text;
-  }
-
- private:
-  std::size_t Below(std::size_t limit) { return random_() % limit; }
-
-  std::string Element(std::size_t levels) {
-    const bool isConstructed = levels > 0 && Below(2) == 0;
-    std::string value;
-    if (isConstructed) {
-      for (std::size_t i = Below(16) % 5; i > 0; --i) value += Element(levels - 1);
-    } else {
-      for (std::size_t i = Below(Below(16) == 0 ? 600 : 12); i > 0; --i)
-        value += Hex(2, Below(256));
-    }
-    const std::size_t octets = value.size() / 2, tag = Below(256) & 0xDF;
-    const std::size_t width = (octets < 0x100 ? Below(4) + 1 : Below(3) + 2);
-    const bool isShort = octets < 0x80 && Below(2) == 0;
-    return Hex(2, isConstructed ? tag | 0x20 : tag) +
-           (isShort ? Hex(2, octets)
-                    : Hex(2, 0x80 + width) + Hex(2 * static_cast<int>(width), octets)) +
-           value;
-  }
-
-  /// Cuts the text, or takes away, puts in or changes a character.
-  void Spoil(std::string& text) {
-    constexpr std::string_view kCharacters = "0123456789abcdefABCDEFgG:/@`\t\xFF";
-    const char character = kCharacters[Below(Below(4) == 0 ? kCharacters.size() : 22)];
-    const std::size_t removed = Below(4) == 0 ? text.npos : Below(2);
-    text.replace(Below(text.size() + 1), removed, Below(2), character);
-  }
-
-  std::mt19937 random_{41};
-};
-
-using Records = std::map<std::string, std::string>;
-
-/// Parses in the plainest way, level by level on copies of the text.
-bool ParseSlowly(std::string text, Records& records) {
-  const auto number = [](const std::string& digits) { return std::stoull(digits, nullptr, 16); };
-  std::erase(text, ' ');
-  if (text.empty()) return false;
-  for (char& c : text) {
-    if (!std::isxdigit(static_cast<unsigned char>(c))) return false;
-    c = static_cast<char>(std::toupper(c));
-  }
-  while (!text.empty()) {
-    if (text.size() < 4) return false;
-    const std::string tag = text.substr(0, 2), lengthText = text.substr(2, 2);
-    if ((number(tag) & 0x1F) == 0x1F) return false;
-    text.erase(0, 4);
-    std::size_t length = number(lengthText);
-    if (length >= 0x80) {
-      const std::size_t digits = 2 * (length & 0x7F);
-      if (digits == 0 || digits > 8 || digits > text.size()) return false;
-      length = number(text.substr(0, digits));
-      text.erase(0, digits);
-    }
-    if (2 * length > text.size() || 2 * length > 2046) return false;
-    const std::string value = text.substr(0, 2 * length);
-    text.erase(0, value.size());
-    records[tag] = lengthText + std::string(2, '\0') + value;
-    records[tag].resize(kRecord, '\0');
-    if ((number(tag) & 0x20) != 0 && !ParseSlowly(value, records)) return false;
-  }
-  return true;
-}
-
-TEST(TagParser, AgreesWithASlowParserOnAnyText) {
-  RandomText texts;
-  int passed = 0;
-  constexpr int kTexts = 20000;
-  constexpr int kTextsAParser = 50;
-  Parser parser;
-  Records records;
-  for (int i = 0; i < kTexts; ++i) {
-    if (i % kTextsAParser == 0) {
-      parser = MakeParser();
-      records.clear();
-    }
-    const std::string text = texts.Make();
-    const bool expected = ParseSlowly(text, records);
-    ASSERT_EQ(TagParsing_Parse(parser.get(), text.c_str()), expected ? 1 : 0) << text;
-    passed += expected;
-    for (std::size_t tag = 0; tag < 256 && i % 5 == 0; ++tag) {
-      const std::string digits = Hex(2, tag);
-      const auto known = records.find(digits);
-      ASSERT_EQ(Record(parser, digits), known != records.end() ? known->second : "")
-          << digits << " after " << text;
-    }
-  }
-  // Both kinds of text have been there.
-  EXPECT_GT(passed, kTexts / 10);
-  EXPECT_LT(passed, kTexts - kTexts / 10);
 }
 
 }  // namespace
