@@ -32,6 +32,8 @@ struct Driver {
   std::int64_t Success() const { return Is(kWordIsResult) ? 0x9000 : 0; }
 };
 
+void PrintTo(const Driver& driver, std::ostream* out) { *out << driver.name; }
+
 constexpr std::int64_t kAnyError = 0x8010001F;
 
 const Results kNone, kPcscError{kAnyError}, kOne{1}, kMinusOne{-1}, kNotZero{1, -1},
