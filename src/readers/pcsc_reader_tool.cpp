@@ -37,7 +37,11 @@ class ReaderNames {
   ReaderNames(const ReaderNames&) = delete;
   ReaderNames& operator=(const ReaderNames&) = delete;
   ~ReaderNames() {
-    if (m_list != nullptr) m_winscard.SCardFreeMemory(m_context, m_list);
+    try {
+      if (m_list != nullptr) m_winscard.SCardFreeMemory(m_context, m_list);
+    } catch (...) {
+      // The names have been read all the same.
+    }
   }
 
   // The next name; the empty text at the end.
