@@ -106,6 +106,8 @@ TEST_F(TcpTool, TakesWhatOneReceiveBrings) {
   std::this_thread::sleep_for(milliseconds(400));
   machine.Prepare(kSilence);
   EXPECT_EQ(Send("00"), (Reply{1, "BBCC"}));
+  // What was there already came before the machine saw the request: the next must not join it.
+  ExpectJournal("1 opens\n1 sends 00\n1 sends 00\n");
 
   std::string tooMuch;
   for (int i = 0; i < 2500; ++i) tooMuch += "0F1E";
@@ -113,6 +115,7 @@ TEST_F(TcpTool, TakesWhatOneReceiveBrings) {
   EXPECT_EQ(Send("00"), (Reply{1, tooMuch.substr(0, 8192)}));
   machine.Prepare(kSilence);
   EXPECT_EQ(Send("00"), (Reply{1, tooMuch.substr(8192)}));
+  ExpectJournal("1 opens\n1 sends 00\n1 sends 00\n1 sends 00\n1 sends 00\n");
   EXPECT_EQ(Send("77"), (Reply{1, "77"}));
 }
 
