@@ -129,7 +129,8 @@ typedef struct ReaderInfo {
 } ReaderInfo;
 
 /* Lists the readers of one kind and gives the number of records written; 0 for a kind that does not
- * exist, or when the library behind it can't be had. Open readers are not disturbed.
+ * exist, or when the library behind it can't be had. Kind 0, which no reader has, may list the kind
+ * listed before. Open readers are not disturbed.
  *   list   room for max records if max is above 0 and the kind honours it (1, 2, 3, 7, 8, 11), else
  *          for count + 1 records or 16, whichever is more
  *   count  how many ports to offer, for the kinds whose ports can't be asked for (2, 5, 7, 8, 10,
