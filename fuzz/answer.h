@@ -9,14 +9,14 @@
 
 namespace orvane_fuzz {
 
-/// What a played function gives back, as a line of the input says it:
-///
-///   =RESULT LENGTH DATA
-///
-/// A dot, or nothing, stands for what a working library would give. LENGTH is what is reported as
-/// the length of the data, however wrong; a - reports none at all. DATA is hexadecimal text, or the
-/// text itself for a function that gives text. With ~ for the = the rest of the area is written to
-/// as well, with the digit 5; with ! an exception is thrown.
+// What a played function gives back, as a line of the input says it:
+//
+//   =RESULT LENGTH DATA
+//
+// A dot, or nothing, stands for what a working library would give. LENGTH is what is reported as
+// the length of the data, however wrong; a - reports none at all. DATA is hexadecimal text, or the
+// text itself for a function that gives text. With ~ for the = the rest of the area is written to
+// as well, with the digit 5; with ! an exception is thrown.
 struct Answer {
   char manner = '=';
   std::optional<std::int64_t> result;
@@ -26,7 +26,7 @@ struct Answer {
 
   static bool Begins(char first) { return first == '=' || first == '~' || first == '!'; }
 
-  /// Behind the first character, which `manner` is.
+  // Behind the first character, which `manner` is.
   static Answer Read(char manner, std::string_view rest) {
     Input line(reinterpret_cast<const std::uint8_t*>(rest.data()), rest.size());
     Answer answer;
@@ -47,7 +47,7 @@ struct Answer {
     }
   }
 
-  /// Fills an area as far as it goes.
+  // Fills an area as far as it goes.
   template <typename Byte>
   void Write(std::string_view bytes, Byte* area, std::size_t room) const {
     if (manner == '~') std::memset(area, '5', room);

@@ -12,15 +12,15 @@
 
 namespace orvane_fuzz {
 
-/// Ends the process, naming what was wrong.
+// Ends the process, naming what was wrong.
 inline void Expect(bool right, const char* what) {
   if (right) return;
   std::fprintf(stderr, "wrong: %s\n", what);
   std::abort();
 }
 
-/// For two answers that must be the same; bytes that don't print are shown as \xx, zeros at
-/// the end not at all.
+// For two answers that must be the same; bytes that don't print are shown as \xx, zeros at
+// the end not at all.
 inline void ExpectSame(std::string_view ours, std::string_view expected, const char* what) {
   if (ours == expected) return;
   const auto show = [](const char* name, std::string_view text) {
@@ -36,7 +36,7 @@ inline void ExpectSame(std::string_view ours, std::string_view expected, const c
   Expect(false, what);
 }
 
-/// Takes an input apart, from the front. Where it has ended, numbers are 0 and texts empty.
+// Takes an input apart, from the front. Where it has ended, numbers are 0 and texts empty.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size)
@@ -53,7 +53,7 @@ class Input {
     const std::string_view byte = Take(1);
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
-  /// What stands before the next such byte, which is taken too; all the rest if there is none.
+  // What stands before the next such byte, which is taken too; all the rest if there is none.
   std::string_view Until(char end) {
     const std::string_view part = Take(std::min(rest_.find(end), rest_.size()));
     Take(1);
@@ -65,8 +65,8 @@ class Input {
   std::string_view rest_;
 };
 
-/// A caller's buffer of just the size that the header promises to be enough. Writing beside it ends
-/// the process: at once under the address sanitizer, else when the buffer is given back.
+// A caller's buffer of just the size that the header promises to be enough. Writing beside it ends
+// the process: at once under the address sanitizer, else when the buffer is given back.
 class Room {
  public:
   static constexpr char kFiller = '\xA5';
@@ -86,7 +86,7 @@ class Room {
   char* Data() { return bytes_.get() + kGuard; }
   std::size_t Size() const { return size_; }
   std::string_view Bytes() const { return {bytes_.get() + kGuard, size_}; }
-  /// What stands before the first zero, or the whole room.
+  // What stands before the first zero, or the whole room.
   std::string_view Text() const { return Bytes().substr(0, Bytes().find('\0')); }
 
  private:
@@ -95,7 +95,7 @@ class Room {
   std::unique_ptr<char[]> bytes_;
 };
 
-/// Has a buffer written to that is just large enough for what should come out.
+// Has a buffer written to that is just large enough for what should come out.
 template <typename Write>
 void ExpectWritten(std::string_view expected, const char* what, const Write& write) {
   Room room(expected.size());
@@ -103,8 +103,8 @@ void ExpectWritten(std::string_view expected, const char* what, const Write& wri
   ExpectSame(room.Bytes(), expected, what);
 }
 
-/// A copy of a text that ends with its terminator, in an area of its own: reading on behind the
-/// terminator shows under the address sanitizer.
+// A copy of a text that ends with its terminator, in an area of its own: reading on behind the
+// terminator shows under the address sanitizer.
 class Text {
  public:
   explicit Text(std::string_view text) : room_(text.size() + 1) {

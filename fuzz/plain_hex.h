@@ -6,7 +6,7 @@
 
 namespace orvane_fuzz {
 
-/// Two upper-case digits an octet.
+// Two upper-case digits an octet.
 inline std::string HexOf(std::string_view octets) {
   std::string text;
   constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -27,8 +27,8 @@ struct Decoded {
   bool good;
 };
 
-/// Skips blanks; ends at the first other character that is no digit. An odd last digit is a high
-/// half.
+// Skips blanks; ends at the first other character that is no digit. An odd last digit is a high
+// half.
 inline Decoded Decode(std::string_view text) {
   std::string digits;
   std::size_t at = 0;

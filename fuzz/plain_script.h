@@ -11,12 +11,12 @@
 
 namespace orvane_fuzz {
 
-/// The script language a second time, as plainly as it can be told: every step makes strings anew.
+// The script language a second time, as plainly as it can be told: every step makes strings anew.
 class PlainScript {
  public:
   explicit PlainScript(const CryptoProvider& provider);
 
-  /// The code of RunScript. The text for the host is in Text().
+  // The code of RunScript. The text for the host is in Text().
   std::int32_t Run(const std::string& statement);
   const std::string& Text() const { return text_; }
 

@@ -8,7 +8,7 @@
 
 namespace orvane_test {
 
-/// Loads the module, so that the library finds this one and none that is installed.
+// Loads the module, so that the library finds this one and none that is installed.
 inline CryptoProvider LoadDefaultProvider() {
   const std::filesystem::path folder = ORVANE_BUILD_FOLDER;
   std::string why;

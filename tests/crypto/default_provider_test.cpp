@@ -19,7 +19,7 @@ constexpr char kNowIsTheTimeForAll[] = "4E6F77206973207468652074696D6520666F7220
 constexpr char kNowIsTheTimeForIt[] = "4E6F77206973207468652074696D6520666F72206974";
 constexpr char kTheQuickBrownFox[] = "54686520717566636B2062726F776E20666F78206A756D70";
 
-/// An argument can't be the empty text itself.
+// An argument can't be the empty text itself.
 std::string Argument(const std::string& text) { return text.empty() ? "%NONE" : text; }
 
 TEST(DefaultProvider, TurnsBlocksBothWays) {

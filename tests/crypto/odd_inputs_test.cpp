@@ -25,8 +25,8 @@ std::string ToHex(const std::uint8_t* octets, std::int32_t count) {
   return hex;
 }
 
-/// An octet string in memory of just its size, so that the sanitizers see it read too far. The
-/// count is the true one unless another is told.
+// An octet string in memory of just its size, so that the sanitizers see it read too far. The
+// count is the true one unless another is told.
 struct Handed {
   Handed(const std::string& hex = "") : octets(hex.size() / 2), count(Size(octets)) {
     AsciiToHex(hex.c_str(), octets.data(), static_cast<std::int32_t>(hex.size()));
@@ -41,8 +41,8 @@ struct Handed {
 enum class Entry { kEncrypt, kDecrypt, kMac, kSubKey };
 using enum Entry;
 
-/// The result in hexadecimal, or kRefused for a call that is refused as it should be: with 0, the
-/// length -1 and the output area as it was.
+// The result in hexadecimal, or kRefused for a call that is refused as it should be: with 0, the
+// length -1 and the output area as it was.
 std::string Call(Entry entry, std::int32_t mode, const Handed& key, const Handed& data,
                  const Handed& iv = {}) {
   std::uint8_t output[256] = {};

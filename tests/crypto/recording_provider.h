@@ -9,11 +9,8 @@
 // A prepared answer's data goes to the output area, or is the text of CryptoRsaPublic, and its
 // length is the length to set. Without a prepared answer the entries give the octets A1 B2, and
 // CryptoRsaPublic the text "0C3". Lengths that mean something else:
-#ifndef ORVANE_TESTS_CRYPTO_RECORDING_PROVIDER_H
-#define ORVANE_TESTS_CRYPTO_RECORDING_PROVIDER_H
+#pragma once
 
-#define RECORDING_SETS_NO_LENGTH 1000001   /* the entry leaves the length alone */
-#define RECORDING_POINTS_ELSEWHERE 1000002 /* CryptoHash writes to an area of its own */
-#define RECORDING_NULL_TEXT 1000003        /* CryptoRsaPublic leaves its text null */
-
-#endif
+#define RECORDING_SETS_NO_LENGTH 1000001    // the entry leaves the length alone
+#define RECORDING_POINTS_ELSEWHERE 1000002  // CryptoHash writes to an area of its own
+#define RECORDING_NULL_TEXT 1000003         // CryptoRsaPublic leaves its text null

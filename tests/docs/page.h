@@ -24,14 +24,14 @@
 
 namespace orvane_test {
 
-/// A file of the sources.
+// A file of the sources.
 inline std::string ReadText(const std::string& path) {
   std::ifstream in(std::string(ORVANE_SOURCE_FOLDER "/") + path);
   if (!in) throw std::runtime_error("can't open " + path);
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// What the group stands for in each match, in the text's order.
+// What the group stands for in each match, in the text's order.
 inline std::vector<std::string> Matches(const std::string& text, const std::string& pattern) {
   const std::regex expression(pattern);
   std::vector<std::string> matches;
@@ -40,7 +40,7 @@ inline std::vector<std::string> Matches(const std::string& text, const std::stri
   return matches;
 }
 
-/// The lines of all examples, blank ones left out.
+// The lines of all examples, blank ones left out.
 inline std::vector<std::string> ExampleLines(const std::string& page) {
   std::vector<std::string> lines;
   std::istringstream in(page);
@@ -55,7 +55,7 @@ inline std::vector<std::string> ExampleLines(const std::string& page) {
   return lines;
 }
 
-/// Runs a line and tells what it gave, as the page would.
+// Runs a line and tells what it gave, as the page would.
 inline std::string RunLine(const std::string& line) {
   static const std::regex setting("SetVarValue\\(\"(.*)\", \"(.*)\"\\)");
   static const std::regex asking("GetVarValue\\(\"(.*)\"\\)");
@@ -72,7 +72,7 @@ inline std::string RunLine(const std::string& line) {
   return given.str();
 }
 
-/// Runs the page's examples with this crypto module.
+// Runs the page's examples with this crypto module.
 inline void RunExamples(const std::string& page, const std::string& module) {
   std::string why;
   ASSERT_NE(support::LoadModule(module, why), nullptr) << why;

@@ -13,7 +13,7 @@ const std::string kSelect = "00 A4 04 00 08 F04F5256414E4501\n";
 const std::string kWorks = "00A40000023F00\n@compare(%SW,9000,1)\n";
 const std::string kOpened = "reader Simulated Reader 0 (PC/SC)|1 expectation";
 
-/// A run of the file `script`.
+// A run of the file `script`.
 struct Row {
   std::string options;
   std::string script;

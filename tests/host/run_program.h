@@ -16,19 +16,19 @@ struct Outcome {
   std::string err;
 };
 
-/// Runs a program with arguments as a shell takes them, where only single quotes are used. The
-/// files `in`, `out` and `err` of the current folder are its standard input, output and error.
-/// Gives its exit code; -1 if it ended otherwise.
+// Runs a program with arguments as a shell takes them, where only single quotes are used. The
+// files `in`, `out` and `err` of the current folder are its standard input, output and error.
+// Gives its exit code; -1 if it ended otherwise.
 int RunInFolder(const std::string& program, const std::string& arguments);
 
-/// With line ends that are line feeds, whatever the platform stores.
+// With line ends that are line feeds, whatever the platform stores.
 inline std::string ReadText(const char* file) {
   std::ifstream text(file);
   return {std::istreambuf_iterator<char>(text), {}};
 }
 
-/// Runs the program `orvane` in the current folder, with arguments as a shell takes them, and input
-/// as standard input. The program stands in the build's folder or in another one.
+// Runs the program `orvane` in the current folder, with arguments as a shell takes them, and input
+// as standard input. The program stands in the build's folder or in another one.
 inline Outcome RunOrvane(const std::string& arguments, const std::string& input = "",
                          const std::string& programFolder = ORVANE_BUILD_FOLDER) {
   WriteFile("in", input);

@@ -36,7 +36,7 @@ TEST_F(SimulatedReaders, OfIdentityCardsGiveNothing) {
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
 }
 
-/// It is a device on the network, with or without simulators for the rest.
+// It is a device on the network, with or without simulators for the rest.
 TEST_F(SimulatedReaders, DoNotIncludeTheEncryptionMachine) {
   WriteFile("script", "30 31\n@compare(%RESP,9000AA,1)\n30\n@compare(%RESP,30,1)\n");
   for (const std::string option : {"", "--simulate "}) {
@@ -50,7 +50,7 @@ TEST_F(SimulatedReaders, DoNotIncludeTheEncryptionMachine) {
   }
 }
 
-/// Beside the library stands what is no simulator: nothing may be sent to it as if it were one.
+// Beside the library stands what is no simulator: nothing may be sent to it as if it were one.
 TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
   const fs::path here = fs::current_path(), build = ORVANE_BUILD_FOLDER;
   for (const fs::directory_entry& entry : fs::directory_iterator(build)) {

@@ -48,7 +48,7 @@ class PcscModule : public ServiceTest {
     if (module_ != nullptr) Call("SCardReleaseContext", context_);
   }
 
-  /// Calls an export with exactly these argument types.
+  // Calls an export with exactly these argument types.
   template <typename... Arguments>
   uint32_t Call(const char* name, Arguments... arguments) {
     const auto function = reinterpret_cast<int32_t (*)(Arguments...)>(dlsym(module_, name));

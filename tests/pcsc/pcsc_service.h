@@ -4,9 +4,9 @@
 
 #include <string>
 
-/// The PC/SC service pcscd with the virtual reader of vsmartcard-vpcd, for as long as this object
-/// lives. One that runs already is used and left running; else one is started and stopped. Only one
-/// object on a machine at a time: another program's waits.
+// The PC/SC service pcscd with the virtual reader of vsmartcard-vpcd, for as long as this object
+// lives. One that runs already is used and left running; else one is started and stopped. Only one
+// object on a machine at a time: another program's waits.
 class PcscService {
  public:
   PcscService();
@@ -14,9 +14,9 @@ class PcscService {
   PcscService(const PcscService&) = delete;
   PcscService& operator=(const PcscService&) = delete;
 
-  /// The package or the right that this machine lacks for the service; empty if it lacks nothing.
+  // The package or the right that this machine lacks for the service; empty if it lacks nothing.
   const std::string& Lack() const { return lack_; }
-  /// What went wrong at the start; empty if the service runs.
+  // What went wrong at the start; empty if the service runs.
   const std::string& Fault() const { return fault_; }
 
  private:

@@ -23,7 +23,7 @@ Response Send(const std::string& command) {
   return {result, text};
 }
 
-/// The ATR, or "no card" where Reset fails.
+// The ATR, or "no card" where Reset fails.
 std::string ResetText() {
   char atr[1025];
   return Reset(atr) == 1 ? atr : "no card";

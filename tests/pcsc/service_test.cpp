@@ -5,7 +5,7 @@
 
 namespace {
 
-/// It takes the service a while to see that a card of an earlier test is gone.
+// It takes the service a while to see that a card of an earlier test is gone.
 bool IsEmpty(const char* name) {
   char atr[1025];
   const bool empty = OpenReaderA(name, ReaderKindPcsc) == 1 && Reset(atr) == 0;

@@ -9,22 +9,22 @@
 
 #include "common/virtual_card.h"
 
-/// The virtual card in a slot of the virtual reader of vsmartcard-vpcd. The reader waits for its
-/// cards on a port of this machine; while a card is in, a thread of its own answers for it.
+// The virtual card in a slot of the virtual reader of vsmartcard-vpcd. The reader waits for its
+// cards on a port of this machine; while a card is in, a thread of its own answers for it.
 class VpcdCard {
  public:
   static constexpr uint16_t kFirstSlotPort = 35963;
 
   ~VpcdCard() { Pull(); }
 
-  /// Puts the card in, which is out. False if the reader does not take it within some seconds.
+  // Puts the card in, which is out. False if the reader does not take it within some seconds.
   bool Insert();
-  /// Takes the card out, if it is in. The reader notices a little later.
+  // Takes the card out, if it is in. The reader notices a little later.
   void Pull();
 
   std::string Atr() const;
 
-  /// The commands that reached the card so far, as hexadecimal text.
+  // The commands that reached the card so far, as hexadecimal text.
   std::vector<std::string> Commands() const;
 
  private:

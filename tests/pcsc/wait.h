@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-/// Asks again and again until the answer is true. False if it is not within ten seconds.
+// Asks again and again until the answer is true. False if it is not within ten seconds.
 template <typename Question>
 bool WaitUntil(Question question) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);

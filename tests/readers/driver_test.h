@@ -9,12 +9,12 @@
 
 namespace orvane_test {
 
-/// A reader that a simulated library offers.
+// A reader that a simulated library offers.
 struct SimulatedReader {
   const char* vendor;
   int kind;
   const char* name;
-  const char* closing;  ///< the call that closes it
+  const char* closing;  // the call that closes it
 };
 
 inline const SimulatedReader kTyUsb{"tykeyint", ReaderKindTyUsb, "USB1", "TYKey_CloseTYKey(-1000)"},
@@ -30,12 +30,12 @@ inline const SimulatedReader kTyUsb{"tykeyint", ReaderKindTyUsb, "USB1", "TYKey_
 
 inline int Open(const SimulatedReader& reader) { return OpenReaderA(reader.name, reader.kind); }
 
-/// A driver with its vendor's library simulated.
+// A driver with its vendor's library simulated.
 class DriverTest : public ReaderTest {
  protected:
   explicit DriverTest(const SimulatedReader& tested) : reader(tested), module(tested.vendor) {}
 
-  /// A new tool, and a simulator that remembers nothing.
+  // A new tool, and a simulator that remembers nothing.
   void StartAnew() {
     EmptySlots();
     module.Restart();
@@ -49,7 +49,7 @@ class DriverTest : public ReaderTest {
     NewCalls();
   }
 
-  /// The journal since the last look.
+  // The journal since the last look.
   std::string NewCalls() {
     const std::string journal = module.Journal();
     const std::string calls = journal.substr(seen_);

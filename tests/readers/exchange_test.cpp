@@ -13,14 +13,14 @@ enum Trait : unsigned {
   kConfirmsSecondEnd = 16
 };
 
-/// How one driver exchanges a command, and how it differs from the others.
+// How one driver exchanges a command, and how it differs from the others.
 struct Driver {
   const char* name;
   const SimulatedReader& reader;
-  const char* slot;  ///< null: the one after opening
-  const char* call;  ///< of the vendor's library; * stands for the command
-  unsigned traits;   ///< of Trait
-  Results failures;  ///< results of a call that failed
+  const char* slot;  // null: the one after opening
+  const char* call;  // of the vendor's library; * stands for the command
+  unsigned traits;   // of Trait
+  Results failures;  // results of a call that failed
   const char* atrCall;
   Results atrFailures;
   std::size_t longestAtr = 256;
@@ -62,18 +62,18 @@ const Driver kDrivers[] = {
     {"Wd", kWd, nullptr, "ICC_tsi_api(1, *)", kWordIsResult | kWordInReply | kConfirmsSecondEnd,
      kWdErrors, "ICC_tsi_api", kWdErrors, 256, 256, 255}};
 
-/// What a call of the vendor's library is to give.
+// What a call of the vendor's library is to give.
 struct Prepared {
   std::int64_t result;
   std::string reply;
   std::int64_t length = SIMULATOR_TRUE_LENGTH;
 };
 
-/// What the card answers.
+// What the card answers.
 struct Answer {
   std::string data;
   const char* word;
-  std::int64_t length = SIMULATOR_TRUE_LENGTH;  ///< reported of the reply
+  std::int64_t length = SIMULATOR_TRUE_LENGTH;  // reported of the reply
 
   std::string Reply(const Driver& driver) const {
     return driver.Is(kWordInReply) ? data + word : data;
@@ -86,9 +86,9 @@ struct Answer {
 
 enum class Given {
   kNothing,
-  kGood,         ///< result 1 and the reply, by the driver's rule
-  kShown,        ///< result 0 and the first two octets of the reply
-  kShownSecond,  ///< the same, of the second reply where the driver shows that
+  kGood,         // result 1 and the reply, by the driver's rule
+  kShown,        // result 0 and the first two octets of the reply
+  kShownSecond,  // the same, of the second reply where the driver shows that
 };
 
 struct Row {
@@ -116,14 +116,14 @@ class Exchange : public DriverTest, public testing::WithParamInterface<Driver> {
   Exchange() : DriverTest(GetParam().reader) {}
   void SetUp() override { OpenAnew(driver.slot); }
 
-  /// The line of the journal for a command.
+  // The line of the journal for a command.
   std::string Call(const std::string& command) const {
     std::string call = driver.call;
     return call.replace(call.find('*'), 1, command) + '\n';
   }
 
-  /// Sends a command. The first call is to carry it, and a second one, if there is one, GET
-  /// RESPONSE with this Le.
+  // Sends a command. The first call is to carry it, and a second one, if there is one, GET
+  // RESPONSE with this Le.
   void Expect(const char* name, const std::vector<Prepared>& calls, const Reply& expected,
               const char* secondLength = "03") {
     SCOPED_TRACE(name);
@@ -183,7 +183,7 @@ TEST_P(Exchange, EndsWithACallThatFails) {
   }
 }
 
-/// A reply too short to hold the status word is none, unless the word comes as the result.
+// A reply too short to hold the status word is none, unless the word comes as the result.
 TEST_P(Exchange, ReadsNoStatusWordThatIsNotThere) {
   for (const char* reply : {"", "90"}) {
     const Reply good{1, reply};
@@ -203,7 +203,7 @@ TEST_P(Exchange, SendsTheLongestCommand) {
   EXPECT_NE(NewCalls().find(longest), std::string::npos);
 }
 
-/// What is reported of an ATR is not trusted.
+// What is reported of an ATR is not trusted.
 TEST_P(Exchange, ReadsTheAtr) {
   const std::string longest(2 * driver.longestAtr, 'A');
   const Reply none{0, kUntouched};

@@ -69,7 +69,7 @@ TEST_F(IcrTool, HasRoomForLongMessages) {
   EXPECT_EQ(Send(""), (Reply{0, ""}));
 }
 
-/// It knows no open and closed: every close goes to the library.
+// It knows no open and closed: every close goes to the library.
 TEST_F(IcrTool, ClosesEachTime) {
   OpenAnew();
   EXPECT_EQ(CloseReader(), 1);

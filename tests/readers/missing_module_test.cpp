@@ -5,7 +5,7 @@ namespace {
 
 const SimulatedReader* const kVendors[] = {&kTyUsb, &kTyCom, &kD8, &kS5009, &kBsit, &kIcr};
 
-/// Records listed, open by port, open by name, reset and send in slot 0 and in slot 12, close.
+// Records listed, open by port, open by name, reset and send in slot 0 and in slot 12, close.
 std::vector<int> Results(const SimulatedReader& reader) {
   std::vector<int> results = {static_cast<int>(List(reader.kind, 0, 0).size()),
                               OpenReader(1, reader.kind, 9600), Open(reader)};
@@ -33,8 +33,8 @@ TEST_F(MissingModule, LeavesNothingToOpen) {
   }
 }
 
-/// The next open looks for the library again; only the identity-card reader looks once. The last
-/// reader unloads it.
+// The next open looks for the library again; only the identity-card reader looks once. The last
+// reader unloads it.
 TEST_F(MissingModule, MayComeLater) {
   for (const SimulatedReader* reader : kVendors) {
     SCOPED_TRACE(reader->vendor);

@@ -23,8 +23,8 @@ class MixedReaders : public ReaderTest {
       {"tykeyint", &tykeyint}, {"wdcrwx", &wdcrwx}, {"STJZZ_BSIT", &bsit}, {"sdtapi", &sdtapi}};
 };
 
-/// In one slot, each kind after each other: the former reader is closed, and closed before the new
-/// one opens.
+// In one slot, each kind after each other: the former reader is closed, and closed before the new
+// one opens.
 TEST_F(MixedReaders, FollowEachOtherInASlot) {
   for (const SimulatedReader* former : kReaders) {
     for (const SimulatedReader* next : kReaders) {
@@ -83,7 +83,7 @@ TEST_F(MixedReaders, OfOneLibraryFillAllSlots) {
   }
 }
 
-/// Whether a tool whose open failed is still the one that the next open of its kind finds.
+// Whether a tool whose open failed is still the one that the next open of its kind finds.
 TEST_F(MixedReaders, KeepAToolThatKnowsItsKind) {
   const struct {
     const SimulatedReader& reader;
@@ -112,7 +112,7 @@ TEST_F(MixedReaders, KeepAToolThatKnowsItsKind) {
   }
 }
 
-/// The destructor of a tool that is replaced is heard in the library; that of a kept one is not.
+// The destructor of a tool that is replaced is heard in the library; that of a kept one is not.
 TEST_F(MixedReaders, KeepToolsThatOpenByNameAlone) {
   wdcrwx.Answer("CT_open", 0);
   EXPECT_EQ(OpenReaderA("WDUSB1", ReaderKindWd), 0);

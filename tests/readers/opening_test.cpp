@@ -4,11 +4,11 @@ namespace orvane_test {
 namespace {
 
 struct OpenRow {
-  const SimulatedReader& reader;  ///< which kind
+  const SimulatedReader& reader;  // which kind
   const char* name;
-  int port;  ///< where there is no name
+  int port;  // where there is no name
   int expected;
-  const char* calls;  ///< of an open and a close
+  const char* calls;  // of an open and a close
 };
 
 const char* const kD8Com1 = "dc_init(0, 115200) = 1\ndc_config_card(1, 0x41) = 0\ndc_exit(1) = 0\n";

@@ -10,7 +10,7 @@ using support::SimulatedModule;
 constexpr std::int64_t kRemovedCard = 0x80100069;
 constexpr std::int64_t kAnyError = 0x8010001F;
 
-/// The journal with the numbers of contexts, which count up from test to test, replaced.
+// The journal with the numbers of contexts, which count up from test to test, replaced.
 std::string Calls(const SimulatedModule& module) {
   std::istringstream journal(module.Journal());
   std::string calls;
@@ -29,7 +29,7 @@ std::string Times(const std::string& digits, int count) {
   return all;
 }
 
-/// The functions in a journal, in order.
+// The functions in a journal, in order.
 std::string Functions(const std::string& journal) {
   std::istringstream lines(journal);
   std::string functions;
@@ -77,7 +77,7 @@ TEST_F(PcscReader, OpensWhatTheListHolds) {
   EXPECT_EQ(OpenReaderA("", ReaderKindPcsc), 0);
 }
 
-/// A reader without a card is open; a card that comes is found by the next reset.
+// A reader without a card is open; a card that comes is found by the next reset.
 TEST_F(PcscReader, FindsACardThatComesLater) {
   module.InsertCard(false);
   ASSERT_EQ(Open(kPcsc), 1);
@@ -94,7 +94,7 @@ TEST_F(PcscReader, FindsACardThatComesLater) {
   EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, "6A82"}));
 }
 
-/// A card that was taken out is looked for once.
+// A card that was taken out is looked for once.
 TEST_F(PcscReader, ReadsTheAtrOfACardThatIsBack) {
   const Prepared removed{"SCardGetAttrib", kRemovedCard, "FFFFFFFF"};
   const std::string watch = "SCardGetAttrib SCardGetStatusChangeA ";

@@ -12,7 +12,7 @@
 
 namespace orvane_test {
 
-/// What a reader export gave: the result and the text that it left in the buffer.
+// What a reader export gave: the result and the text that it left in the buffer.
 struct Reply {
   int result;
   std::string text;
@@ -25,8 +25,8 @@ inline std::ostream& operator<<(std::ostream& out, const Reply& reply) {
 
 constexpr char kUntouched[] = "untouched";
 
-/// Sends in buffers of just the sizes that are asked for, so that the sanitizers see a byte too
-/// many.
+// Sends in buffers of just the sizes that are asked for, so that the sanitizers see a byte too
+// many.
 inline Reply Send(const std::string& command) {
   const auto response = std::make_unique<char[]>(8193);
   std::strcpy(response.get(), kUntouched);
@@ -41,7 +41,7 @@ inline Reply ResetCard() {
   return {result, atr.get()};
 }
 
-/// The records as text, one "kind hasPort port name" each.
+// The records as text, one "kind hasPort port name" each.
 inline std::vector<std::string> List(int kind, int count, int max) {
   const auto records = std::make_unique<ReaderInfo[]>(32);
   std::memset(records.get(), 0x55, 32 * sizeof(ReaderInfo));
@@ -58,7 +58,7 @@ inline std::vector<std::string> List(int kind, int count, int max) {
   return lines;
 }
 
-/// A simulator's journal with what the calls were given alone, not what they gave back.
+// A simulator's journal with what the calls were given alone, not what they gave back.
 inline std::string CallsWithoutResults(const std::string& journal) {
   std::istringstream lines(journal);
   std::string calls;
@@ -67,7 +67,7 @@ inline std::string CallsWithoutResults(const std::string& journal) {
   return calls;
 }
 
-/// Leaves every slot without a driver, and so without a library, behind each test.
+// Leaves every slot without a driver, and so without a library, behind each test.
 class ReaderTest : public testing::Test {
  public:
   static void EmptySlots() {

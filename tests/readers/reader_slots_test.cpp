@@ -101,7 +101,7 @@ TEST_F(ReaderSlots, ListThePortsOfReadersThatCannotBeAsked) {
   }
 }
 
-/// Every command's octets, as the reader's library got them.
+// Every command's octets, as the reader's library got them.
 TEST_F(ReaderSlots, DecodeTheCommandText) {
   const support::SimulatedModule winscard("winscard");
   const std::pair<const char*, std::string> rows[] = {{"00A4 0400", "00A40400"},

@@ -23,7 +23,7 @@ TEST_F(S5009Reader, FailsToResetOnNegativeResultsAlone) {
   EXPECT_EQ(ResetCard(), (Reply{1, "04"}));
 }
 
-/// Another kind is another tool: it asks for no ATS, and the port is closed before it is opened.
+// Another kind is another tool: it asks for no ATS, and the port is closed before it is opened.
 TEST_F(S5009Reader, ClosesBeforeTheOtherKindOpens) {
   ASSERT_EQ(OpenReader(1, ReaderKindS5009Ats, 9600), 1);
   ASSERT_EQ(OpenReader(1, ReaderKindS5009Ats, 9600), 1);

@@ -18,7 +18,7 @@ class TcpTool : public ReaderTest {
  protected:
   void Open() { ASSERT_EQ(OpenReaderA(machine.Name().c_str(), ReaderKindTcp), 1); }
 
-  /// The machine learns of a connection's end a little later than its peer.
+  // The machine learns of a connection's end a little later than its peer.
   void ExpectJournal(const std::string& expected) {
     for (int tries = 0; tries < 400 && machine.Journal() != expected; ++tries) {
       std::this_thread::sleep_for(milliseconds(5));

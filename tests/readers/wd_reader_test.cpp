@@ -59,9 +59,9 @@ TEST_F(WdReader, WantsSuccessTwiceBehindMoreData) {
   }
 }
 
-/// Open by name, reset, send and close with a copy of the library in a folder of its own, where
-/// wdcrwx lacks one function or, without a name, is missing. The copy stays loaded, as its reader
-/// slots are never released.
+// Open by name, reset, send and close with a copy of the library in a folder of its own, where
+// wdcrwx lacks one function or, without a name, is missing. The copy stays loaded, as its reader
+// slots are never released.
 std::vector<int> ResultsWithout(const char* missing) {
   const auto folder = std::filesystem::temp_directory_path() /
                       ("orvane-wd-" + std::to_string(std::random_device()()));

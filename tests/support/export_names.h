@@ -1,6 +1,5 @@
 // Edits the table of exported names in a module file of this platform.
-#ifndef ORVANE_TESTS_SUPPORT_EXPORT_NAMES_H
-#define ORVANE_TESTS_SUPPORT_EXPORT_NAMES_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -13,5 +12,3 @@ namespace support {
 bool HideExport(std::vector<char>& file, const std::string& name);
 
 }  // namespace support
-
-#endif

@@ -1,6 +1,5 @@
 // Loads, finds and unloads modules.
-#ifndef ORVANE_TESTS_SUPPORT_MODULE_LOADING_H
-#define ORVANE_TESTS_SUPPORT_MODULE_LOADING_H
+#pragma once
 
 #include <filesystem>
 #include <string>
@@ -22,5 +21,3 @@ void* FindExport(void* module, const char* name);
 void UnloadModule(void* module);
 
 }  // namespace support
-
-#endif

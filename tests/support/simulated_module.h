@@ -1,8 +1,7 @@
 // A simulated vendor module, loaded before the library looks for the vendor's name. wdcrwx is the
 // exception: the library looks for that one beside itself and finds no other, so that a test
 // without one of its functions needs the library's file in a folder of its own.
-#ifndef ORVANE_TESTS_SUPPORT_SIMULATED_MODULE_H
-#define ORVANE_TESTS_SUPPORT_SIMULATED_MODULE_H
+#pragma once
 
 #include <filesystem>
 #include <optional>
@@ -61,5 +60,3 @@ SimulatedModule ModuleWithout(const std::string& vendor, const std::string& func
 bool IsLoaded(const std::string& vendor);
 
 }  // namespace support
-
-#endif

@@ -4,7 +4,7 @@
 
 namespace orvane_test {
 
-/// Runs body in a thread whose stack has this many bytes, and waits for its end.
+// Runs body in a thread whose stack has this many bytes, and waits for its end.
 void RunInSmallStack(std::size_t bytes, void (*body)());
 
 }  // namespace orvane_test

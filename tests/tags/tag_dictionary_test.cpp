@@ -11,8 +11,8 @@
 namespace orvane_test {
 namespace {
 
-/// A dictionary that no call has touched yet, as a process has it that has just begun: that of a
-/// copy of the library, loaded from a file of its own, which stays loaded.
+// A dictionary that no call has touched yet, as a process has it that has just begun: that of a
+// copy of the library, loaded from a file of its own, which stays loaded.
 class DictionaryProcess {
  public:
   DictionaryProcess() {

@@ -24,7 +24,7 @@ std::string Hex(int width, std::size_t number) {
   return digits;
 }
 
-/// A whole record, from an area of just its size that held something else; empty if there is none.
+// A whole record, from an area of just its size that held something else; empty if there is none.
 std::string Record(const Parser& parser, const std::string& tag) {
   const auto out = std::make_unique<char[]>(kRecord);
   std::memset(out.get(), 'x', kRecord);
@@ -33,7 +33,7 @@ std::string Record(const Parser& parser, const std::string& tag) {
   return {};
 }
 
-/// As the table's rows write it: the length text, a colon and the value.
+// As the table's rows write it: the length text, a colon and the value.
 std::string Shown(const std::string& record) {
   if (record.empty()) return "none";
   return std::string(record.c_str()) + ":" + record.substr(4, record.find('\0', 4) - 4);

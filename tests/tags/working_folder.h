@@ -15,7 +15,7 @@ inline std::filesystem::path MakeTemporaryFolder() {
   return std::filesystem::create_directory(folder) ? folder : MakeTemporaryFolder();
 }
 
-/// The current directory for as long as this lives: an empty one, removed with all that is in it.
+// The current directory for as long as this lives: an empty one, removed with all that is in it.
 class WorkingFolder {
  public:
   WorkingFolder() { std::filesystem::current_path(path_); }
@@ -36,7 +36,7 @@ inline void WriteFile(const std::filesystem::path& path, const std::string& octe
   std::ofstream(path, std::ios::binary) << octets;
 }
 
-/// None if there is no such file.
+// None if there is no such file.
 inline std::optional<std::string> ReadFile(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;

@@ -29,7 +29,7 @@ TEST(CharacterSets, LeaveAsciiAsItIs) {
   }
 }
 
-/// A platform whose text is "ab" in every code page, and which fails where it is told to.
+// A platform whose text is "ab" in every code page, and which fails where it is told to.
 struct Failing {
   static inline Conversion sizeToWide, toWide, sizeFromWide, fromWide;
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kUntouched = '\x55';
 
-/// Room that shows what was written: behind the last written byte it is untouched.
+// Room that shows what was written: behind the last written byte it is untouched.
 struct Area {
   std::string bytes = std::string(64, kUntouched);
   char* Text() { return bytes.data(); }

@@ -19,7 +19,7 @@ using orvane::StampFromCalendar;
 
 constexpr char kUntouched = '\x55';
 
-/// What a function stores in an area of the size that it is to fill: a text and zeros.
+// What a function stores in an area of the size that it is to fill: a text and zeros.
 template <typename Call>
 std::string Stored(std::size_t size, Call call) {
   const auto area = std::make_unique<char[]>(size);

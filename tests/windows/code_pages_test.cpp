@@ -18,8 +18,8 @@ struct Pages {
   const char* machine;  // the name of an encryption machine at port 1
 };
 
-/// Eight characters: two with the same code in most pages, two that some pages lack, two Chinese
-/// ones, and one beyond 16 bits.
+// Eight characters: two with the same code in most pages, two that some pages lack, two Chinese
+// ones, and one beyond 16 bits.
 constexpr char kText[] = "a\xC3\xA9\xC3\x80\xE2\x82\xAC\xE4\xB8\xAD\xE6\x96\x87\xF0\x9F\x98\x80z";
 
 const Pages kPages[] = {

@@ -28,7 +28,7 @@ int WINAPI NothingFromWide(UINT, DWORD, const wchar_t*, int, char*, int, const c
   return 0;
 }
 
-/// Announces more than it then gives.
+// Announces more than it then gives.
 int WINAPI LessFromWide(UINT page, DWORD flags, const wchar_t* wide, int units, char* out, int room,
                         const char*, BOOL*) {
   const int count = WideCharToMultiByte(page, flags, wide, units, out, room, nullptr, nullptr);

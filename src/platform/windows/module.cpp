@@ -9,8 +9,8 @@
 namespace orvane::platform {
 namespace {
 
-/// With its last backslash. Wide, since a folder's name may have characters that the code page
-/// lacks. Empty if the path is too long for the system's usual area.
+// With its last backslash. Wide, since a folder's name may have characters that the code page
+// lacks. Empty if the path is too long for the system's usual area.
 std::wstring OwnFolder() {
   HMODULE self = nullptr;
   constexpr DWORD kByAddress =

@@ -1,6 +1,5 @@
 // Puts a function in the place of one that a loaded module imports.
-#ifndef ORVANE_TESTS_SUPPORT_WINDOWS_REPLACED_IMPORT_H
-#define ORVANE_TESTS_SUPPORT_WINDOWS_REPLACED_IMPORT_H
+#pragma once
 
 namespace support {
 
@@ -22,5 +21,3 @@ class ReplacedImport {
 };
 
 }  // namespace support
-
-#endif

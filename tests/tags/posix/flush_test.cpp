@@ -16,7 +16,7 @@ namespace {
 bool readingFails = false;
 }
 
-/// Stands in the way of the C library's function.
+// Stands in the way of the C library's function.
 extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* area,
                                                                size_t size) {
   if (!readingFails) return syscall(SYS_read, descriptor, area, size);
@@ -42,7 +42,7 @@ bool Succeeds(const std::function<bool()>& work) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// Permissions hold for everybody but the superuser, whom tests may run as.
+// Permissions hold for everybody but the superuser, whom tests may run as.
 bool GiveUpPrivileges() {
   constexpr uid_t kNobody = 65534;
   return geteuid() != 0 || (setgid(kNobody) == 0 && setuid(kNobody) == 0);
@@ -59,7 +59,7 @@ const List kMany(300, {"57", std::string(100, 'x'), ""});
 
 class Flush : public testing::Test {
  protected:
-  /// A file that anybody may write, in a folder that takes no other.
+  // A file that anybody may write, in a folder that takes no other.
   static void WriteAlone(const List& records) {
     WriteFile(kDictionaryFile, FileImage(records));
     chmod(kDictionaryFile, 0666);
@@ -169,7 +169,7 @@ TEST_F(Flush, DoesNotTouchAFileThatFailedWhileItWasRead) {
 
 constexpr int kRecords = 200;
 
-/// Marks every record with the number of the flush that follows, again and again.
+// Marks every record with the number of the flush that follows, again and again.
 bool FlushForever() {
   for (unsigned flush = 1;; ++flush) {
     const std::string mark = std::to_string(flush) + std::string(800, '.');

@@ -10,7 +10,7 @@
 #include "orvane.h"
 #include "platform/code_page.h"
 
-/// For the leak sanitizer: glibc keeps the search path that newlocale makes of LOCPATH.
+// For the leak sanitizer: glibc keeps the search path that newlocale makes of LOCPATH.
 extern "C" const char* __lsan_default_suppressions() { return "leak:argz_add_sep"; }
 
 namespace {
@@ -19,8 +19,8 @@ constexpr char kUntouched = '\x55';
 
 using Convert = void (*)(const char*, char*);
 
-/// What is written, in a buffer that leaves just the room that is asked for. No text ends in the
-/// byte that stands for untouched room.
+// What is written, in a buffer that leaves just the room that is asked for. No text ends in the
+// byte that stands for untouched room.
 std::string Converted(Convert convert, const std::string& text) {
   const std::size_t room = (convert == ASCII2UTF_8 ? 3 : 4) * text.size();
   const auto area = std::make_unique<char[]>(room);
