@@ -59,7 +59,7 @@ std::optional<std::string> RsaPublic(std::string_view modulus, std::string_view 
   if (!n || !e || !m || gcry_mpi_cmp(m.get(), n.get()) >= 0) return std::nullopt;
   const Number result(gcry_mpi_new(0));
   gcry_mpi_powm(result.get(), m.get(), e.get(), n.get());
-  return Print(result, (gcry_mpi_get_nbits(n.get()) + 7) / 8 * 2);
+  return Print(result, (gcry_mpi_get_nbits(n.get()) + std::size_t{7}) / 8 * 2);
 }
 
 }  // namespace crypto

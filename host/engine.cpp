@@ -56,7 +56,7 @@ void CheckOperands(const Statement& statement) {
 
 Result Run(const Statement& statement) {
   CheckOperands(statement);
-  const Result result = RunText(statement.text);
+  Result result = RunText(statement.text);
   if (result.code == ScriptException) {
     throw Failure(kScriptFault,
                   "the statement gives more than 511 characters, the most that a "

@@ -1,4 +1,6 @@
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -136,4 +138,9 @@ int Main(int count, char** arguments) {
 }  // namespace
 }  // namespace host
 
-int main(int count, char** arguments) { return host::Main(count, arguments); }
+int main(int count, char** arguments) try {
+  return host::Main(count, arguments);
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "orvane: %s\n", error.what());
+  return host::kScriptFault;
+}

@@ -65,6 +65,7 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
   const int32_t limit = static_cast<int32_t>(list.size());
   const int32_t count = GetReaderList(kind, list.data(), ports, limit);
   std::vector<std::string> names;
+  names.reserve(list.size());
   for (int32_t at = 0; at < count; ++at) names.emplace_back(list[static_cast<size_t>(at)].name);
   return names;
 }

@@ -40,7 +40,7 @@ class Readers {
 
   void Select(std::string_view number);
   // Opens the current reader, and gives what it opened.
-  ReaderAddress Open(std::string_view address);
+  ReaderAddress Open(std::string_view text);
   void ChooseSlot(const std::string& slot);
   std::string ResetCard();  // the ATR
   Answer Send(const Command& command);

@@ -96,7 +96,7 @@ bool Secrets::IsSecret(std::string_view name) const {
   const bool telling =
       std::any_of(kTellingNames.begin(), kTellingNames.end(),
                   [&](std::string_view word) { return upper.find(word) != upper.npos; });
-  return telling || sent_.count(upper) > 0 || made_.count(upper) > 0;
+  return telling || sent_.contains(upper) || made_.contains(upper);
 }
 
 bool Secrets::ReadsSecret(const Statement& statement) const {

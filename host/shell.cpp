@@ -21,7 +21,7 @@ constexpr std::string_view kHelp =
 // and a value that was meant to be looked at must not reach a card.
 bool OnlyLooks(const Statement& statement) {
   return statement.form == Form::kExpression && statement.words[0].kind != WordKind::kLiteral &&
-         !(statement.calls.size() > 0 && statement.calls.back().forHost);
+         (statement.calls.empty() || !statement.calls.back().forHost);
 }
 
 std::optional<std::string> NextLine(bool interactive) {

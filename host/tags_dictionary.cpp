@@ -139,6 +139,7 @@ void RemoveTag(std::string_view tag) {
 
 size_t ImportTags(const std::vector<TagEntry>& entries) {
   std::vector<TagdictData> records;
+  records.reserve(entries.size());
   for (const TagEntry& entry : entries) records.push_back(RecordOf(entry));
   for (const TagdictData& record : records) Put(record);
   Save();

@@ -29,7 +29,7 @@ WINSCARD_API int32_t SCardEstablishContext(uint32_t scope, const void* reserved1
     SCARDCONTEXT established = 0;
     const LONG code =
         lite.establishContext(scope, reserved1, reserved2, context ? &established : nullptr);
-    if (code == SCARD_S_SUCCESS) *context = static_cast<Context>(established);
+    if (code == SCARD_S_SUCCESS && context) *context = static_cast<Context>(established);
     return code;
   });
 }

@@ -30,7 +30,6 @@ using simulator::Answer;
 using simulator::Call;
 using simulator::Card;
 using simulator::CardPresent;
-using simulator::FromText;
 using simulator::Hex;
 using simulator::Octets;
 

@@ -33,7 +33,7 @@ class VirtualCard {
   void Reset();
 
   // The response data followed by the status word, at most 258 octets.
-  std::vector<uint8_t> Transmit(std::span<const uint8_t> command);
+  std::vector<uint8_t> Transmit(std::span<const uint8_t> octets);
 
  private:
   struct Command;

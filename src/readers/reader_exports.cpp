@@ -20,7 +20,7 @@ constexpr std::size_t kBufferSize = 4096;
 std::uint32_t CurrentReader = 0;
 // Made on first use, never released. The last one serves GetReaderList alone, so that listing
 // never disturbs an open reader.
-std::array<CReaderTool*, kReaderSlots + 1> ReaderSlots{};
+std::array<CReaderTool*, kListingSlot + 1> ReaderSlots{};
 
 CReaderTool* Slot(std::uint32_t index) {
   CReaderTool*& slot = ReaderSlots[index];

@@ -35,7 +35,7 @@ std::int32_t CSJLTool::OpenByName(const char* name, std::int32_t kind) {
   m_nKind = kind;
   const std::string_view text(name);
   const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos || colon > kLongestAddress) return 0;
+  if (colon > kLongestAddress) return 0;  // or none at all
   const std::string address(text.substr(0, colon));
   const auto port = static_cast<std::uint16_t>(*NumberBehind(":", text));
 

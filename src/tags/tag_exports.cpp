@@ -44,14 +44,14 @@ std::int32_t WithDictionary(const Operation& operation) {
 using orvane::TagDictionary;
 
 std::int32_t GetTagdict(TagdictData* records, std::int32_t* count) {
-  return WithDictionary([&](TagDictionary& dictionary) {
+  return WithDictionary([&](const TagDictionary& dictionary) {
     *count = dictionary.Copy(records);
     return true;
   });
 }
 
 std::int32_t FindTagdictData(const char* tag, TagdictData* out) {
-  return WithDictionary([&](TagDictionary& dictionary) {
+  return WithDictionary([&](const TagDictionary& dictionary) {
     const TagdictData* const record = dictionary.Find(tag);
     if (record != nullptr) *out = *record;
     return record != nullptr;

@@ -7,6 +7,7 @@
 #include <array>
 #include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <type_traits>
@@ -40,7 +41,7 @@ class Converter {
     if (*this) iconv_close(descriptor_);
   }
 
-  explicit operator bool() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
+  explicit operator bool() const { return reinterpret_cast<std::intptr_t>(descriptor_) != -1; }
 
   // Converts the bytes at the front of in, appends the result to out and takes them off in.
   // False if it stops before something that does not map or is cut.

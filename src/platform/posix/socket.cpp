@@ -15,7 +15,7 @@ namespace orvane::platform {
 namespace {
 
 bool SetTimeout(int socket, int option, std::int32_t milliseconds) {
-  const timeval time{.tv_sec = milliseconds / 1000, .tv_usec = milliseconds % 1000 * 1000};
+  const timeval time{.tv_sec = milliseconds / 1000, .tv_usec = milliseconds % 1000 * 1000L};
   return setsockopt(socket, SOL_SOCKET, option, &time, sizeof time) == 0;
 }
 
@@ -65,7 +65,7 @@ void BeginConnect(std::int32_t socket, std::uint32_t address, std::uint16_t port
   target.sin_family = AF_INET;
   target.sin_port = htons(port);
   target.sin_addr.s_addr = address;
-  connect(socket, reinterpret_cast<const sockaddr*>(&target), sizeof target);
+  (void)connect(socket, reinterpret_cast<const sockaddr*>(&target), sizeof target);
 }
 
 bool WaitConnected(std::int32_t socket, std::int32_t milliseconds) {
