@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int32_t kDeepestCall = 128;
 
-constexpr std::array<CommandBody, kCommandCount> MakeBodies() {
+consteval std::array<CommandBody, kCommandCount> MakeBodies() {
   std::array<CommandBody, kCommandCount> bodies{};
   bodies[kReset] = ResetRequest;
   bodies[kStop] = StopRequest;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::int32_t kRefused = 1;
 
-constexpr std::array<TokenClass, 256> MakeTokenClasses() {
+consteval std::array<TokenClass, 256> MakeTokenClasses() {
   std::array<TokenClass, 256> classes;
   classes.fill(ClassLiteral);
   classes['%'] = ClassVariable;
@@ -25,7 +25,7 @@ constexpr std::array<TokenClass, 256> MakeTokenClasses() {
 
 constexpr auto kTokenClasses = MakeTokenClasses();
 
-constexpr std::array<bool, 256> MakeWordCharacters() {
+consteval std::array<bool, 256> MakeWordCharacters() {
   std::array<bool, 256> characters;
   characters.fill(true);
   for (const char c : std::string_view(" \t=(),/;"))

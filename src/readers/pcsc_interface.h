@@ -42,7 +42,7 @@ constexpr DWORD SCARD_STATE_PRESENT = 0x20;
 constexpr LONG SCARD_S_SUCCESS = 0;
 constexpr LONG SCARD_W_REMOVED_CARD = static_cast<LONG>(0x80100069);
 
-constexpr DWORD SCARD_CTL_CODE(DWORD code) { return 0x31U << 16 | code << 2; }
+consteval DWORD SCARD_CTL_CODE(DWORD code) { return 0x31U << 16 | code << 2; }
 
 struct PcscEntryPoints {
   static constexpr char kFileName[] = "winscard.dll";

@@ -5,7 +5,7 @@
 namespace orvane {
 namespace {
 
-constexpr std::array<unsigned char, 256> MakeDigitValues() {
+consteval std::array<unsigned char, 256> MakeDigitValues() {
   std::array<unsigned char, 256> values{};
   for (auto& value : values) value = kBadDigit;
   for (unsigned char i = 0; i < 16; ++i) {
