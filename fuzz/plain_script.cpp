@@ -371,7 +371,7 @@ bool PlainScript::Block(const std::string& name, std::string& out, std::size_t& 
   if (name != "@MAC") ++position;
   if (bytes < 0 || bytes > 256) return false;
   out = HexOf({reinterpret_cast<const char*>(area), static_cast<std::size_t>(bytes)});
-  if (name == "@MAC" && flag == "1") out = out.substr(0, 8);
+  if (name == "@MAC" && flag == "1") out.resize(std::min<size_t>(out.size(), 8));
   if (name == "@MAC") ++position;
   return true;
 }
