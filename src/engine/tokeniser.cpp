@@ -77,8 +77,6 @@ std::int32_t Split(ScriptEngine& engine) {
       case ';':
         if (atStart()) return ScriptNothingToRun;
         break;
-      default:
-        break;
     }
     *end++ = c;
   }
