@@ -15,7 +15,8 @@
  *    characters that are no hexadecimal digits count as well, and what they leave open is 00. None
  *    need be a multiple of a block.
  *  - A result longer than its area, or with a negative length, makes the command fail. An entry
- * that refuses its parameters does best to set outputBytes to -1, to write nothing and to return 0.
+ *    that refuses its parameters does best to set outputBytes to -1, to write nothing and to
+ *    return 0.
  *  - Keys have 8, 16 or 24 octets. mode is 0 for an 8-octet key and 1 for a longer one; from
  *    @descbc it is 3 and 4 instead. (2 is not used.)
  */
