@@ -78,8 +78,10 @@ enum ScriptCode {
  *           at most 511 bytes: an assignment of a longer value stores the whole value and hands
  *           over its first 511 bytes; any other longer text gives ScriptException and the empty
  *           text. On ScriptNoEngine result is untouched.
- * A failed statement changes no variable. When a command has set one of the kinds 2 to 8, nothing
- * behind it is evaluated, nothing is stored, and the text keeps its case. */
+ * A failed statement changes no variable. When a command has set one of the kinds 2 to 8, be it
+ * inside an argument, the statement ends behind the operand that it stands in: no later operand is
+ * evaluated, nothing is stored, and the text, in its own case, is what the operands up to there
+ * gave; in an assignment it is empty. Such a command should stand alone. */
 ORVANE_API int32_t RunScript(const char* script, char* result);
 
 /* Stores value under name, whole and in its own case. The % of a script's variable is part of the
