@@ -109,7 +109,8 @@ ReaderAddress Readers::Open(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
   Prepare(address);
   if (simulated_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
-    throw Failure(kReaderFault, "the WD library beside this one is no simulator: it is not opened");
+    throw Failure(kReaderFault,
+                  "beside Orvane's library stands no simulator of WD's: nothing is opened");
   }
   if (kinds_[current_]) CloseReader();
   kinds_[current_].reset();

@@ -64,7 +64,7 @@ TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
   const Outcome refused = RunOrvane("run --simulate -r 4:WDUSB1 script", "", here.string());
   EXPECT_EQ(refused.exitCode, 4);
   EXPECT_EQ(refused.err,
-            "orvane: the WD library beside this one is no simulator: it is not opened\n");
+            "orvane: beside Orvane's library stands no simulator of WD's: nothing is opened\n");
   const Outcome real = RunOrvane("run -r 4:WDUSB1 script", "", here.string());
   EXPECT_EQ(real.exitCode, 0) << real.err;
   EXPECT_FALSE(Shows(real.out, kSimulated)) << real.out;
