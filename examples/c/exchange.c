@@ -4,9 +4,10 @@
  *   cmake -S . -B build && cmake --build build
  *   build/exchange ../exchange.orv
  *
- * Without CMake:
+ * Without CMake (-Wl,-rpath for a library outside the system's folders):
  *
  *   cc -o exchange exchange.c $(pkg-config --cflags --libs orvane) \
+ *     "-Wl,-rpath,$(pkg-config --variable=libdir orvane)" \
  *     "-DSIMULATOR=\"$(pkg-config --variable=simulators orvane)/libwinscard.so\""
  */
 #include <orvane.h>

@@ -51,8 +51,19 @@ case $name in
     export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
     pkg-config --exact-version "$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")" orvane
     gcc -o exchange "$examples/c/exchange.c" $(pkg-config --cflags --libs orvane) \
+      "-Wl,-rpath,$(pkg-config --variable=libdir orvane)" \
       "-DSIMULATOR=\"$(pkg-config --variable=simulators orvane)/libwinscard.so\""
-    LD_LIBRARY_PATH=$(pkg-config --variable=libdir orvane) ./exchange "$script" | same
+    ./exchange "$script" | same
+    # What the README shows, on the simulated card.
+    {
+      printf '#include <%s>\n' orvane.h string.h
+      echo 'int main(void) {'
+      sed -n '/^```c$/,/^```$/{//!p}' "$prefix/share/doc/orvane/README.md"
+      echo 'return strncmp(answer, "6F29", 4) != 0 || RunScript("%RESP", text) != KindExpression; }'
+    } >snippet.c
+    gcc -Wall -Wno-unused-variable -Werror -o snippet snippet.c $(pkg-config --cflags --libs orvane) \
+      "-Wl,-rpath,$(pkg-config --variable=libdir orvane)"
+    LD_LIBRARY_PATH=$(pkg-config --variable=simulators orvane) ./snippet || fail "the README's snippet"
     ;;
   python)
     need python3
