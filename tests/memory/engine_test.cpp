@@ -14,6 +14,12 @@ const std::string kLong = "303132333435363738394041424344454647484950515253";
 const std::string kKey = "0123456789ABCDEFFEDCBA9876543210";
 const std::string kModulus = "E1F3A8D24C5B6E7F90123456789ABCDEF0123456789ABCDEF0123456789ABCDF";
 
+Outcome RunShort(int allocations, const std::string& statement) {
+  char text[512];
+  const int code = RunWith(allocations, [&] { return RunScript(statement.c_str(), text); });
+  return {code, text};
+}
+
 // First in the file: only the first call of a process makes the engine.
 TEST(Memory, MissingMakesNoEngine) {
   const auto set = [] { return SetVarValue("%A", "1"); };
@@ -41,6 +47,16 @@ TEST(Memory, MissingLeavesVariables) {
   EXPECT_EQ(Value(name).text, longer);
 }
 
+TEST(Memory, MissingForTheStatementItselfIsAnException) {
+  RunOne("");
+  // The text takes memory, and so do its tokens.
+  for (const std::string& statement :
+       {"1" + std::string(3000, ' '), "1" + std::string(3000, ')')}) {
+    EXPECT_EQ(RunShort(0, statement), (Outcome{ScriptException, ""}));
+    EXPECT_EQ(RunOne(statement).code, KindExpression);
+  }
+}
+
 using Words = std::vector<std::string>;
 
 std::string Call(const std::string& keyword, const Words& arguments) {
@@ -57,12 +73,6 @@ bool IsLeftOfCall(const std::string& text, const Words& arguments) {
     left = *word + left;
   }
   return left == text || text.empty() || text == "RSA\u52A0\u5BC6\u5931\u8D25";
-}
-
-Outcome RunShort(int allocations, const std::string& statement) {
-  char text[512];
-  const int code = RunWith(allocations, [&] { return RunScript(statement.c_str(), text); });
-  return {code, text};
 }
 
 // What one run without enough memory may give: the right outcome, an exception with what there was

@@ -7,7 +7,7 @@
 namespace orvane_test {
 namespace {
 
-/// Opens the file as another program does, for as long as this lives.
+// Opens the file as another program does, for as long as this lives.
 class OpenElsewhere {
  public:
   explicit OpenElsewhere(DWORD sharing)
@@ -25,7 +25,7 @@ class OpenElsewhere {
 
 class Flush : public testing::Test {
  protected:
-  /// Adds a record and flushes.
+  // Adds a record and flushes.
   void AddAndFlush() {
     records_.push_back({std::to_string(records_.size()), "short", std::string(1000, 'x')});
     const TagdictData record = MakeRecord(records_.back());
@@ -33,7 +33,7 @@ class Flush : public testing::Test {
     EXPECT_EQ(FlushTagdict(), 1);
     EXPECT_EQ(FilesIn("."), 1);
   }
-  /// How many records the file holds; -1 if it isn't whole.
+  // How many records the file holds; -1 if it isn't whole.
   int Stored() const {
     const std::string content = ReadFile(kDictionaryFile).value_or("");
     for (std::size_t count = 0; count <= records_.size(); ++count) {
