@@ -14,9 +14,10 @@ const std::string kLong = "303132333435363738394041424344454647484950515253";
 const std::string kKey = "0123456789ABCDEFFEDCBA9876543210";
 const std::string kModulus = "E1F3A8D24C5B6E7F90123456789ABCDEF0123456789ABCDEF0123456789ABCDF";
 
-Outcome RunShort(int allocations, const std::string& statement) {
+Outcome RunShort(int allocations, const std::string& statement, bool once = false) {
   char text[512];
-  const int code = RunWith(allocations, [&] { return RunScript(statement.c_str(), text); });
+  const int code = RunWith(
+      allocations, [&] { return RunScript(statement.c_str(), text); }, once);
   return {code, text};
 }
 
@@ -111,7 +112,7 @@ TEST(Memory, MissingInACommandIsAFailureOfTheStatement) {
       {"@subkey", {kKey, kKey}},
       {"@hash", {kLong}},
       {"@rsapubenc", {kModulus, "010001", kLong}},
-      {"@strlen", {"@xor(@asc2hex(" + kLong + ")," + kKey + ")"}},
+      {"@strlen(@xor", {"@asc2hex(" + kLong + ")", kKey}},
       {"", {kLong, kKey}},
   };
   SetVarValue("%KEPT", kLong.c_str());
@@ -124,9 +125,9 @@ TEST(Memory, MissingInACommandIsAFailureOfTheStatement) {
       ASSERT_TRUE(right.code <= 8);
       char text[512];
       const int needed = AllocationsOf([&] { RunScript(statement.c_str(), text); });
-      for (int left = 0; left < needed; ++left) {
+      for (int run = 0; run < 2 * needed; ++run) {
         SetVarValue("%OUT", kKey.c_str());
-        const Outcome outcome = RunShort(left, statement);
+        const Outcome outcome = RunShort(run / 2, statement, run % 2 == 1);
         ExpectDefined(outcome, right, row.arguments);
         const bool stored = outcome.code == 0 && !target.empty();
         EXPECT_EQ(Value("%OUT").text, stored ? outcome.text : kKey);

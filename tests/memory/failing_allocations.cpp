@@ -4,10 +4,12 @@
 #include <new>
 
 int orvane_test::allocationsLeft = orvane_test::kAnyNumber;
+bool orvane_test::failsOnce = false;
 
 void* operator new(std::size_t size) {
   int& left = orvane_test::allocationsLeft;
   void* const area = left == 0 ? nullptr : std::malloc(size);
+  if (left == 0 && orvane_test::failsOnce) left = orvane_test::kAnyNumber;
   if (area == nullptr) throw std::bad_alloc();
   if (left > 0) --left;
   return area;

@@ -6,15 +6,19 @@ namespace orvane_test {
 
 constexpr int kAnyNumber = -1;
 extern int allocationsLeft;
+extern bool failsOnce;
 
-// Runs a call during which only this many allocations succeed.
+// Runs a call during which only this many allocations succeed, or all but the one behind them.
 template <typename Call>
-auto RunWith(int allocations, Call call) {
+auto RunWith(int allocations, Call call, bool once = false) {
   struct Limit {
-    explicit Limit(int count) { allocationsLeft = count; }
+    Limit(int count, bool once) {
+      allocationsLeft = count;
+      failsOnce = once;
+    }
     ~Limit() { allocationsLeft = kAnyNumber; }
   };
-  const Limit limit(allocations);
+  const Limit limit(allocations, once);
   return call();
 }
 
