@@ -190,26 +190,5 @@ TEST(VirtualCard, ResetForgetsTheSessionAndKeepsWhatWasWritten) {
                 "00B0850001: AB9000; 00D6850001CD: 6982; 0020008000: 63C2; ");
 }
 
-// Runs every instruction with every P3 and every number of octets behind it.
-TEST(VirtualCard, EveryFormOfCommandGetsAStatusWord) {
-  VirtualCard card;
-  for (const char* head : {"00200080", "00820000", "00840000", "04D68600", "00A40400", "00A40000",
-                           "00B08500", "00B2010C", "00C00000", "00D68500", "80A80000"}) {
-    Octets command = FromHex(head);
-    command.push_back(0);
-    for (size_t length = 0; length <= 262; ++length, command.push_back(0x3F)) {
-      for (const size_t p3 : {size_t{0}, length, length + 1, length - 1, size_t{255}}) {
-        command[4] = static_cast<uint8_t>(p3);
-        const Octets response = card.Transmit(command);
-        ASSERT_GE(response.size(), 2u);
-        ASSERT_LE(response.size(), 258u);
-        ASSERT_TRUE(response[response.size() - 2] == 0x90 ||
-                    response[response.size() - 2] >> 4 == 6)
-            << ToHex(command);
-      }
-    }
-  }
-}
-
 }  // namespace
 }  // namespace simulator
