@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace orvane_fuzz;  // NOLINT
+using namespace orvane_fuzz;
 using orvane::ScriptEngine;
 
 constexpr std::size_t kArea = 256;

@@ -18,7 +18,7 @@
 
 namespace {
 
-using namespace orvane_fuzz;  // NOLINT
+using namespace orvane_fuzz;
 
 constexpr int kReaders = 16;
 constexpr std::int32_t kNoSuchKind = 13;

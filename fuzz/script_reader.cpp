@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace orvane_fuzz;  // NOLINT
+using namespace orvane_fuzz;
 using host::Form;
 using host::Statement;
 using host::WordKind;

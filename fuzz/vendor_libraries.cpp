@@ -22,7 +22,7 @@
 namespace orvane_fuzz {
 namespace {
 
-using namespace orvane;  // NOLINT: this file is the other side of its drivers
+using namespace orvane;  // this file is the other side of its drivers
 
 constexpr std::size_t kArea = 256;
 
@@ -263,7 +263,7 @@ void ExpectAllReleased() {
 
 namespace orvane::platform {
 
-using namespace orvane_fuzz;  // NOLINT: the world takes the platform's place
+using namespace orvane_fuzz;  // the world takes the platform's place
 
 // A module's handle is its count.
 Module LoadModule(const char* fileName) {

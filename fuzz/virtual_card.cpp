@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace orvane_fuzz;  // NOLINT
+using namespace orvane_fuzz;
 using simulator::Octets;
 using simulator::VirtualCard;
 
