@@ -33,6 +33,7 @@ struct World {
   std::map<const void*, std::unique_ptr<char[]>> lists;
   std::set<std::int32_t> sockets;
   std::vector<std::string> sent;
+  std::string thrower;
 };
 World world;
 
@@ -49,7 +50,10 @@ template <typename Table>
 Answer CallInto() {
   Expect(world.loaded[Table::kFileName] > 0, "a call into a library that is not loaded");
   const Answer answer = NextAnswer();
-  if (answer.manner == '!') throw std::runtime_error("a vendor's exception");
+  if (answer.manner == '!') {
+    world.thrower = Table::kFileName;
+    throw std::runtime_error("a vendor's exception");
+  }
   return answer;
 }
 
@@ -253,6 +257,8 @@ void AnswerFrom(Input& input) {
 void Hide(std::string name) { world.hidden.insert(std::move(name)); }
 
 std::vector<std::string> TakeSentCommands() { return std::exchange(world.sent, {}); }
+
+std::string TakeThrower() { return std::exchange(world.thrower, {}); }
 
 void ExpectAllReleased() {
   for (const auto& [library, times] : world.loaded) Expect(times == 0, library.c_str());

@@ -20,6 +20,10 @@ void Hide(std::string name);
 // The commands that reached a card since the last call of this function, as octets.
 std::vector<std::string> TakeSentCommands();
 
+// The library that threw the last exception since the last call of this function; empty if none
+// did.
+std::string TakeThrower();
+
 // Every library unloaded and every list given back. Not every socket closed: a tool that opens
 // again drops the connection that it had.
 void ExpectAllReleased();

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "readers/port_list.h"
 #include "readers/status_word_exchange.h"
@@ -21,8 +22,7 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kReplyEnd,
                                .moreDataUnwanted = 1,
                                .showsSecondStatus = true};
 
-// The names of the readers in the default group, in the library's order. The library owns the
-// list until this object goes.
+// The names of the readers in the default group, in the library's order.
 class ReaderNames {
  public:
   ReaderNames(const PcscEntryPoints& winscard, SCARDCONTEXT context)
@@ -38,10 +38,15 @@ class ReaderNames {
   ReaderNames& operator=(const ReaderNames&) = delete;
   ~ReaderNames() {
     try {
-      if (m_list != nullptr) m_winscard.SCardFreeMemory(m_context, m_list);
+      Free();
     } catch (...) {
-      // The names have been read all the same.
+      // The exception that this object goes by is the one that counts.
     }
+  }
+
+  // Gives the list back to the library; no name is to be used after it.
+  void Free() {
+    if (m_list != nullptr) m_winscard.SCardFreeMemory(m_context, std::exchange(m_list, nullptr));
   }
 
   // The next name; the empty text at the end.
@@ -74,16 +79,15 @@ std::int32_t CPCSCReaderTool::ListReaders(std::int32_t, ReaderInfo* list, std::i
       context == 0) {
     return 0;
   }
+  ReaderNames names(*m_winscard, context);
+  const std::int32_t limit = max > 0 ? max : kListedByDefault;
   std::int32_t written = 0;
-  {
-    ReaderNames names(*m_winscard, context);
-    const std::int32_t limit = max > 0 ? max : kListedByDefault;
-    while (written < limit) {
-      const std::string_view name = names.Next();
-      if (name.empty()) break;
-      WriteRecord(list[written++], ReaderKindPcsc, false, 0, name);
-    }
+  while (written < limit) {
+    const std::string_view name = names.Next();
+    if (name.empty()) break;
+    WriteRecord(list[written++], ReaderKindPcsc, false, 0, name);
   }
+  names.Free();
   m_winscard->SCardReleaseContext(context);
   return written;
 }
@@ -112,7 +116,9 @@ std::int32_t CPCSCReaderTool::OpenByPort(std::int32_t port, std::int32_t, std::i
     name = names.Next();
     if (name.empty()) break;
   }
-  if (name.empty() || OpenByName(std::string(name).c_str(), ReaderKindPcsc) == 0) return 0;
+  const bool opened = !name.empty() && OpenByName(std::string(name).c_str(), ReaderKindPcsc) != 0;
+  names.Free();
+  if (!opened) return 0;
   m_nPort = port - 1;
   return 1;
 }
