@@ -7,7 +7,6 @@
 namespace host {
 namespace {
 
-// Word by word, fuzz/script_reader.cpp compares them with the library's.
 TEST(Statement, HasTheFormThatTheLibraryTakesItFor) {
   const std::pair<Form, std::vector<std::string_view>> rows[] = {
       {Form::kNothing, {"", "  // (text", "; @nosuch"}},

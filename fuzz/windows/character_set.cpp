@@ -1,3 +1,0 @@
-#include "fuzz/character_set.h"
-
-bool orvane_fuzz::UseCharacterSet(const char*) { return false; }
