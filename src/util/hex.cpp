@@ -47,8 +47,9 @@ bool DecodeHex(std::string_view text, unsigned char* octets) {
   const auto takeOctet = [&] {
     if (end - next < 2) return false;
     const unsigned high = HexDigitValue(next[0]);
+    if (high == kBadDigit) return false;
     const unsigned low = HexDigitValue(next[1]);
-    if ((high | low) > 15) return false;
+    if (low == kBadDigit) return false;
     *octets++ = static_cast<unsigned char>(high << 4 | low);
     next += 2;
     return true;

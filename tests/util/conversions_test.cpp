@@ -72,6 +72,11 @@ TEST(Conversions, BetweenOctetsAndHexadecimalText) {
     Area octets;
     EXPECT_EQ(AsciiToHex(row.text, octets.Octets(), Length(row.text)), row.result) << row.text;
     EXPECT_EQ(octets.Written(), row.octets) << row.text;
+    // With a length beyond the text's end nothing behind its terminator is read.
+    const std::vector<char> text(row.text, row.text + std::strlen(row.text) + 1);
+    Area same;
+    EXPECT_EQ(AsciiToHex(text.data(), same.Octets(), 40), 0) << row.text;
+    EXPECT_EQ(same.Written(), row.octets) << row.text;
   }
   Area octets;
   EXPECT_EQ(AsciiToHex("12", octets.Octets(), -1), 1);
