@@ -32,7 +32,7 @@ struct Area {
 // The areas of one provider call. They are made when all arguments have been read, so that they
 // take no room while arguments nest.
 struct BlockAreas {
-  BlockAreas(const std::string& keyHex, const std::string& dataHex, const std::string& ivHex = {})
+  BlockAreas(const std::string& keyHex, const std::string& dataHex, const std::string& ivHex)
       : key(keyHex), data(dataHex), iv(ivHex) {}
 
   Area<32> key;
@@ -48,8 +48,11 @@ bool ReadKey(Call& call, std::string& key) {
   return count == 8 || count == 16 || count == 24;
 }
 
-bool ReadNextUpTo(Call& call, std::string& text, std::size_t most) {
-  return call.ReadNext(text) && ByteCount(text) <= most;
+// Null if a text is longer than its area.
+std::unique_ptr<BlockAreas> FillAreas(const std::string& key, const std::string& data,
+                                      const std::string& iv = {}) {
+  if (ByteCount(data) > kDataBytes || ByteCount(iv) > kIvBytes) return nullptr;
+  return std::make_unique<BlockAreas>(key, data, iv);
 }
 
 bool IsLongKey(const std::string& key) { return ByteCount(key) > 8; }
@@ -89,12 +92,10 @@ bool Des(Call& call) {
   std::string key;
   std::string data;
   std::string flag;
-  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes) || !call.ReadNext(flag)) {
-    return false;
-  }
+  if (!ReadKey(call, key) || !call.ReadNext(data) || !call.ReadNext(flag)) return false;
   call.Close();
-  const auto areas = std::make_unique<BlockAreas>(key, data);
-  return RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 1 : 0, false);
+  const auto areas = FillAreas(key, data);
+  return areas && RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 1 : 0, false);
 }
 
 bool DesCbc(Call& call) {
@@ -102,13 +103,12 @@ bool DesCbc(Call& call) {
   std::string data;
   std::string iv;
   std::string flag;
-  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes) ||
-      !ReadNextUpTo(call, iv, kIvBytes) || !call.ReadNext(flag)) {
+  if (!ReadKey(call, key) || !call.ReadNext(data) || !call.ReadNext(iv) || !call.ReadNext(flag)) {
     return false;
   }
   call.Close();
-  const auto areas = std::make_unique<BlockAreas>(key, data, iv);
-  return RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 4 : 3, true);
+  const auto areas = FillAreas(key, data, iv);
+  return areas && RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 4 : 3, true);
 }
 
 bool Mac(Call& call) {
@@ -116,13 +116,13 @@ bool Mac(Call& call) {
   std::string data;
   std::string iv;
   std::string flag;
-  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes) ||
-      !ReadNextUpTo(call, iv, kIvBytes) || !call.ReadNext(flag)) {
+  if (!ReadKey(call, key) || !call.ReadNext(data) || !call.ReadNext(iv) || !call.ReadNext(flag)) {
     return false;
   }
+  const auto areas = FillAreas(key, data, iv);
+  if (!areas) return false;
   const CryptoMacEntry entry = BoundCryptoProvider().CryptoMac;
   if (entry == nullptr) return false;
-  const auto areas = std::make_unique<BlockAreas>(key, data, iv);
   areas->resultCount = 0;
   entry(areas->key.octets, areas->key.count, areas->data.octets, areas->data.count,
         areas->iv.octets, areas->iv.count, areas->result, &areas->resultCount,
@@ -136,11 +136,12 @@ bool Mac(Call& call) {
 bool SubKey(Call& call) {
   std::string key;
   std::string data;
-  if (!ReadKey(call, key) || !ReadNextUpTo(call, data, kDataBytes)) return false;
+  if (!ReadKey(call, key) || !call.ReadNext(data)) return false;
   call.Close();
+  const auto areas = FillAreas(key, data);
+  if (!areas) return false;
   const CryptoSubKeyEntry entry = BoundCryptoProvider().CryptoSubKey;
   if (entry == nullptr) return false;
-  const auto areas = std::make_unique<BlockAreas>(key, data);
   entry(areas->key.octets, areas->key.count, areas->data.octets, areas->data.count, areas->result,
         &areas->resultCount, IsLongKey(key) ? 1 : 0);
   return GiveResult(call, *areas);
