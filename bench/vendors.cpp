@@ -63,7 +63,7 @@ VENDOR_API std::int32_t ExchangeAPDU(std::int32_t, const char*, std::int32_t, ch
 }
 
 VENDOR_API std::int32_t TY_Open(std::int32_t, std::int32_t) { return 1; }
-VENDOR_API std::uint16_t TY_Dtsi_api(std::int32_t, std::uint8_t, std::uint32_t, const std::uint8_t*,
+VENDOR_API std::uint16_t TY_Dtsi_api(std::int64_t, std::uint8_t, std::uint32_t, const std::uint8_t*,
                                      std::uint32_t* replyLength, std::uint8_t*) {
   *replyLength = 0;
   return 0x9000;
@@ -80,14 +80,14 @@ VENDOR_API std::uint16_t TYKey_SendCommand(std::int64_t, std::uint32_t, const st
 }
 
 VENDOR_API std::int32_t CT_open(const char*, std::int32_t, std::int32_t) { return 1; }
-VENDOR_API std::uint16_t ICC_tsi_api(std::int32_t, std::uint8_t, const std::uint8_t*,
+VENDOR_API std::uint16_t ICC_tsi_api(std::int64_t, std::uint8_t, const std::uint8_t*,
                                      std::uint32_t* replyLength, std::uint8_t* reply) {
   Give9000(reply, replyLength);
   return 0x9000;
 }
 
 VENDOR_API std::int32_t bsit_openHID(std::int32_t, std::uint16_t, std::int32_t) { return 1; }
-VENDOR_API std::int32_t bsit_SendApdu(std::int32_t, std::uint32_t, const std::uint8_t*,
+VENDOR_API std::int32_t bsit_SendApdu(std::int64_t, std::uint32_t, const std::uint8_t*,
                                       std::uint32_t* replyLength, std::uint8_t* reply) {
   Give9000(reply, replyLength);
   return 0;

@@ -42,19 +42,19 @@ SIMULATOR_API int32_t bsit_openHID(int32_t zero1, uint16_t index, int32_t zero2)
       call.Ask([&] { return Answer{index < kReaders ? handles.Open(index) : kFailed}; }));
 }
 
-SIMULATOR_API int32_t bsit_CloseHID(int32_t handle) {
+SIMULATOR_API int32_t bsit_CloseHID(int64_t handle) {
   Call call("bsit_CloseHID", {handle});
   return call.Return<int32_t>(
       call.Ask([&] { return Answer{handles.Close(handle) ? 0 : kFailed}; }));
 }
 
-SIMULATOR_API int32_t bsit_SetSlot(int32_t handle, uint32_t slot) {
+SIMULATOR_API int32_t bsit_SetSlot(int64_t handle, uint32_t slot) {
   Call call("bsit_SetSlot", {handle, slot});
   return call.Return<int32_t>(
       call.Ask([&] { return Answer{handles.Knows(handle) && slot == 0 ? 0 : kFailed}; }));
 }
 
-SIMULATOR_API int32_t bsit_ResetCard(int32_t handle, uint8_t* atr, uint32_t* length) {
+SIMULATOR_API int32_t bsit_ResetCard(int64_t handle, uint8_t* atr, uint32_t* length) {
   Call call("bsit_ResetCard", {handle});
   const Answer answer = call.Ask([&] {
     return handles.Reader(handle) == kReaderWithCard ? With(simulator::ResetCard()) : With({});
@@ -63,7 +63,7 @@ SIMULATOR_API int32_t bsit_ResetCard(int32_t handle, uint8_t* atr, uint32_t* len
   return call.Return<int32_t>(answer);
 }
 
-SIMULATOR_API int32_t bsit_SendApdu(int32_t handle, uint32_t length, const uint8_t* command,
+SIMULATOR_API int32_t bsit_SendApdu(int64_t handle, uint32_t length, const uint8_t* command,
                                     uint32_t* replyLength, uint8_t* reply) {
   Call call("bsit_SendApdu", {handle, {command, length}});
   const Answer answer = call.Ask([&] {

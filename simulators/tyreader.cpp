@@ -31,13 +31,13 @@ SIMULATOR_API int32_t TY_Open(int32_t baud, int32_t port) {
       call.Ask([&] { return Answer{port == kPort ? handles.Open(port) : kFailed}; }));
 }
 
-SIMULATOR_API int32_t TY_Close(int32_t handle) {
+SIMULATOR_API int32_t TY_Close(int64_t handle) {
   Call call("TY_Close", {handle});
   return call.Return<int32_t>(
       call.Ask([&] { return Answer{handles.Close(handle) ? 0 : kFailed}; }));
 }
 
-SIMULATOR_API uint16_t TY_Dreset(int32_t handle, uint8_t slot, uint16_t* length, uint8_t* buffer) {
+SIMULATOR_API uint16_t TY_Dreset(int64_t handle, uint8_t slot, uint16_t* length, uint8_t* buffer) {
   Call call("TY_Dreset", {handle, slot});
   const Answer answer =
       call.Ask([&] { return handles.Knows(handle) ? ty::ToReset() : Answer{ty::kNoCard}; });
@@ -45,7 +45,7 @@ SIMULATOR_API uint16_t TY_Dreset(int32_t handle, uint8_t slot, uint16_t* length,
   return call.ReturnHex<uint16_t>(answer);
 }
 
-SIMULATOR_API uint16_t TY_Dtsi_api(int32_t handle, uint8_t slot, uint32_t length,
+SIMULATOR_API uint16_t TY_Dtsi_api(int64_t handle, uint8_t slot, uint32_t length,
                                    const uint8_t* command, uint32_t* replyLength, uint8_t* reply) {
   Call call("TY_Dtsi_api", {handle, slot, {command, length}});
   const Answer answer = call.Ask(

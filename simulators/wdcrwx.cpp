@@ -52,13 +52,13 @@ SIMULATOR_API int32_t CT_open(const char* name, int32_t zero1, int32_t zero2) {
   }));
 }
 
-SIMULATOR_API int32_t CT_close(int32_t handle) {
+SIMULATOR_API int32_t CT_close(int64_t handle) {
   Call call("CT_close", {handle});
   return call.Return<int32_t>(
       call.Ask([&] { return Answer{handles.Close(handle) ? 0 : kFailed}; }));
 }
 
-SIMULATOR_API uint16_t ICC_tsi_api(int32_t handle, uint8_t length, const uint8_t* command,
+SIMULATOR_API uint16_t ICC_tsi_api(int64_t handle, uint8_t length, const uint8_t* command,
                                    uint32_t* replyLength, uint8_t* reply) {
   Call call("ICC_tsi_api", {handle, {command, length}});
   const Answer answer = call.Ask(
@@ -67,7 +67,7 @@ SIMULATOR_API uint16_t ICC_tsi_api(int32_t handle, uint8_t length, const uint8_t
   return call.ReturnHex<uint16_t>(answer);
 }
 
-SIMULATOR_API int32_t ICC_set_NAD(int32_t handle, uint32_t address) {
+SIMULATOR_API int32_t ICC_set_NAD(int64_t handle, uint32_t address) {
   Call call("ICC_set_NAD", {handle, address});
   return call.Return<int32_t>(
       call.Ask([&] { return Answer{handles.Knows(handle) ? 0 : kFailed}; }));

@@ -14,11 +14,11 @@ struct BsitEntryPoints {
   std::int32_t (*bsit_gethidlist)() = nullptr;
   std::int32_t (*bsit_openHID)(std::int32_t zero1, std::uint16_t index,
                                std::int32_t zero2) = nullptr;
-  std::int32_t (*bsit_CloseHID)(std::int32_t handle) = nullptr;
-  std::int32_t (*bsit_SetSlot)(std::int32_t handle, std::uint32_t slot) = nullptr;
-  std::int32_t (*bsit_ResetCard)(std::int32_t handle, std::uint8_t* buffer,
+  std::int32_t (*bsit_CloseHID)(std::int64_t handle) = nullptr;
+  std::int32_t (*bsit_SetSlot)(std::int64_t handle, std::uint32_t slot) = nullptr;
+  std::int32_t (*bsit_ResetCard)(std::int64_t handle, std::uint8_t* buffer,
                                  std::uint32_t* length) = nullptr;
-  std::int32_t (*bsit_SendApdu)(std::int32_t handle, std::uint32_t length,
+  std::int32_t (*bsit_SendApdu)(std::int64_t handle, std::uint32_t length,
                                 const std::uint8_t* command, std::uint32_t* replyLength,
                                 std::uint8_t* reply) = nullptr;
 

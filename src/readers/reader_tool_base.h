@@ -56,7 +56,8 @@ class CReaderToolBase {
   // The port that the library calls by the number before: hosts count from 1.
   static std::int32_t FromZero(std::int32_t port);
 
-  std::int32_t m_nHandle = -1;  // low 32 bits of the library's handle; -1 is closed
+  // Low 32 bits of the library's handle, handed back with their sign extended; -1 is closed.
+  std::int32_t m_nHandle = -1;
   std::int32_t m_nPort = -1;
   char m_szName[256] = {};
   std::uint64_t m_hContext = 0;

@@ -12,10 +12,10 @@ struct TyComEntryPoints {
   static std::span<const platform::EntryPoint> EntryPoints();
 
   std::int32_t (*TY_Open)(std::int32_t baud, std::int32_t port) = nullptr;
-  std::int32_t (*TY_Close)(std::int32_t handle) = nullptr;
-  std::uint16_t (*TY_Dreset)(std::int32_t handle, std::uint8_t slot, std::uint16_t* length,
+  std::int32_t (*TY_Close)(std::int64_t handle) = nullptr;
+  std::uint16_t (*TY_Dreset)(std::int64_t handle, std::uint8_t slot, std::uint16_t* length,
                              std::uint8_t* buffer) = nullptr;
-  std::uint16_t (*TY_Dtsi_api)(std::int32_t handle, std::uint8_t slot, std::uint32_t length,
+  std::uint16_t (*TY_Dtsi_api)(std::int64_t handle, std::uint8_t slot, std::uint32_t length,
                                const std::uint8_t* command, std::uint32_t* replyLength,
                                std::uint8_t* reply) = nullptr;
 

@@ -12,11 +12,11 @@ struct WdEntryPoints {
   static std::span<const platform::EntryPoint> EntryPoints();
 
   std::int32_t (*CT_open)(const char* name, std::int32_t zero1, std::int32_t zero2) = nullptr;
-  std::int32_t (*CT_close)(std::int32_t handle) = nullptr;
-  std::uint16_t (*ICC_tsi_api)(std::int32_t handle, std::uint8_t length,
+  std::int32_t (*CT_close)(std::int64_t handle) = nullptr;
+  std::uint16_t (*ICC_tsi_api)(std::int64_t handle, std::uint8_t length,
                                const std::uint8_t* command, std::uint32_t* replyLength,
                                std::uint8_t* reply) = nullptr;
-  std::int32_t (*ICC_set_NAD)(std::int32_t handle, std::uint32_t address) = nullptr;
+  std::int32_t (*ICC_set_NAD)(std::int64_t handle, std::uint32_t address) = nullptr;
 
   // Bound, never called.
   void (*ICC_reset)() = nullptr;

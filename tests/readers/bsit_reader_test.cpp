@@ -6,7 +6,6 @@ namespace {
 using BsitReader = DriverOf<kBsit>;
 
 TEST_F(BsitReader, IsOpenAndClosedWhateverTheOtherCallsSay) {
-  module.Answer("bsit_openHID", -2);
   module.Answer("bsit_SetSlot", 1);
   module.Answer("bsit_CloseHID", 1);
   EXPECT_EQ(OpenReader(1, ReaderKindBsit, 9600), 1);
@@ -14,7 +13,7 @@ TEST_F(BsitReader, IsOpenAndClosedWhateverTheOtherCallsSay) {
   EXPECT_EQ(CloseReader(), 1);
   EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
   EXPECT_EQ(NewCalls(),
-            "bsit_openHID(0, 0, 0) = -2\nbsit_SetSlot(-2, 0) = 1\nbsit_CloseHID(-2) = 1\n");
+            "bsit_openHID(0, 0, 0) = 0\nbsit_SetSlot(0, 0) = 1\nbsit_CloseHID(0) = 1\n");
 }
 
 TEST_F(BsitReader, GoesOnWhenASlotIsRefused) {

@@ -1,4 +1,5 @@
 #include <map>
+#include <sstream>
 
 #include "readers/driver_test.h"
 #include "simulators/encryption_machine.h"
@@ -80,6 +81,48 @@ TEST_F(MixedReaders, OfOneLibraryFillAllSlots) {
     EXPECT_EQ(ResetCard().result, 1) << slot;
     EXPECT_EQ(Send("00A4000C023F00").result, 1) << slot;
     EXPECT_EQ(CloseReader(), 1) << slot;
+  }
+}
+
+// A library may give 64 bits of handle: 32 are kept, and handed over with their sign.
+TEST_F(MixedReaders, HandOverHandlesWithTheirSign) {
+  const struct {
+    const SimulatedReader& reader;
+    const char* opening;
+    std::int64_t result;
+    std::int64_t given;  // where the result is not the handle
+    const char* used;
+  } rows[] = {
+      {kTyCom, "TY_Open", -2, 0, "-2"},
+      {kTyUsb, "TYKey_OpenTYKey", 0x9000, 0x100000005, "5"},
+      {kTyUsb, "TYKey_OpenTYKey", 0x9000, 0xFFFFFFFE, "-2"},
+      {kTyUsb, "TYKey_OpenTYKey", 0x9000, INT64_C(0x7FFFFFFF80000000), "-2147483648"},
+      {kWd, "CT_open", -2, 0, "-2"},  // refuses, and the handle stays
+      {kD8, "dc_init", 0x1FFFFFFFE, 0, "-2"},
+      {kBsit, "bsit_openHID", -2, 0, "-2"},
+  };
+  for (const auto& [reader, opening, result, given, used] : rows) {
+    SCOPED_TRACE(opening);
+    EmptySlots();
+    const SimulatedModule& module = *modules.at(reader.vendor);
+    module.Restart();
+    module.Answer(opening, result, nullptr, given);
+    Open(reader);
+    for (const char* slot : {"0C", "00"}) {
+      ChangeSlot(slot);
+      ResetCard();
+      Send("00A4000C023F00");
+    }
+    CloseReader();
+    std::istringstream calls(module.Journal());
+    std::string call;
+    std::getline(calls, call);
+    int withHandle = 0;
+    for (; std::getline(calls, call); ++withHandle) {
+      const std::size_t argument = call.find('(') + 1;
+      EXPECT_EQ(call.substr(argument, call.find_first_of(",)") - argument), used) << call;
+    }
+    EXPECT_GE(withHandle, 5);
   }
 }
 

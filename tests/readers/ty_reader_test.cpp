@@ -25,21 +25,6 @@ TEST_F(TyUsbReader, KeepsItsKeyWhenAnotherDoesNotOpen) {
   EXPECT_EQ(NewCalls(), std::string("TYKey_ColdReset(-1000) = 0x9000 ") + kCardAtr + '\n');
 }
 
-TEST_F(TyUsbReader, UsesTheLowHalfOfAHandle) {
-  const struct {
-    std::int64_t given;
-    const char* used;
-  } rows[] = {{0x100000005, "5"}, {0xFFFFFFFE, "-2"}, {INT64_C(0x7FFFFFFF80000000), "-2147483648"}};
-  for (const auto& row : rows) {
-    StartAnew();
-    module.Answer("TYKey_OpenTYKey", 0x9000, nullptr, row.given);
-    ASSERT_EQ(OpenReader(1, ReaderKindTyUsb, 9600), 1);
-    NewCalls();
-    CloseReader();
-    EXPECT_EQ(NewCalls(), std::string("TYKey_CloseTYKey(") + row.used + ") = 0x6FFE\n");
-  }
-}
-
 TEST_F(TyUsbReader, ListsTheKeysThatAreThere) {
   using Lines = std::vector<std::string>;
   const Lines two = {"1 1 1 USB1", "1 1 2 USB2"};
