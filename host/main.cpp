@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -29,18 +30,21 @@ void StoreDefinitions(const Options& options) {
   for (const auto& [name, value] : Definitions(options)) SetVariable(name, value);
 }
 
+std::string Environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
 // What run, shell and apdu have in common: a session on the reader that was asked for.
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
-      : readers_(options.kind, options.simulate),
+      : readers_(options.kind, options.simulate, Environment("ORVANE_READER")),
         silent_(nullptr),
         trace_(options.quiet ? silent_ : std::cout,
                {.colour = WantsColour(options), .tlv = options.tlv}),
         session_(readers_, secrets_, trace_,
-                 {.showSecrets = options.showSecrets,
-                  .echoStatements = echoStatements,
-                  .noteDefaultReader = options.quiet && !options.simulate}) {
+                 {.showSecrets = options.showSecrets, .echoStatements = echoStatements}) {
     StoreDefinitions(options);
     if (!options.reader.empty()) session_.Open(options.reader);
   }

@@ -14,8 +14,10 @@ Readers
   of its kind, first as it is written, then without regard to blanks (literals of a script
   lose theirs), and is otherwise passed on as it stands. A name with parentheses or commas
   reaches a script through a variable: -D R="Name (1)", then @OPENREADER(%R).
-  Where no reader is named, the program simulates: it opens "Simulated Reader 0" as soon as
-  a card is needed, and touches no hardware. Naming that reader has the same effect.
+  Where neither --reader nor a script names one, the reader is that of the environment's
+  ORVANE_READER, else the only PC/SC reader that there is, as soon as a card is needed.
+  --simulate puts simulators in the place of all vendor libraries and touches no hardware;
+  where --reader names none, it is "Simulated Reader 0".
 
 Scripts
   After a command %RESP holds the data of the answer and %SW its status word; after @reset()
@@ -41,7 +43,7 @@ Exit codes
   5  a file can't be read or written
 
 Try it
-  orvane run examples/payment.orv
+  orvane run --simulate examples/payment.orv
 )text";
 
 constexpr const char* kShortFooter =

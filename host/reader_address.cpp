@@ -91,9 +91,4 @@ std::string MatchReaderName(const std::string& name, const std::vector<std::stri
   return *std::find_if(listed.begin(), listed.end(), same);
 }
 
-bool NamesSimulator(const ReaderAddress& address) {
-  return address.kind == ReaderKindPcsc &&
-         WithoutBlanks(address.name).starts_with("SimulatedReader");
-}
-
 }  // namespace host

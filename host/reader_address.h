@@ -32,7 +32,4 @@ ReaderAddress ReadReaderAddress(std::string_view text, int32_t defaultKind);
 // language takes the blanks out of a literal), else the name as it stands.
 std::string MatchReaderName(const std::string& name, const std::vector<std::string>& listed);
 
-// True for the PC/SC readers that the simulators bring: "Simulated Reader" and anything behind it.
-bool NamesSimulator(const ReaderAddress& address);
-
 }  // namespace host

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int32_t kBaudRate = 9600;
 constexpr int32_t kMostListed = 64;
+constexpr const char* kSimulatedReader = "3:Simulated Reader 0";
 
 std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> modules;
@@ -33,14 +34,17 @@ bool WdIsSimulated() {
   return LoadedModuleExports("wdcrwx", "SimulatorRestart");
 }
 
-// What could have been meant instead of a reader that does not open.
-std::string Hint(const ReaderAddress& address) {
-  if (address.kind != ReaderKindPcsc) return "";
+std::string PcscReaders() {
   std::string names;
-  for (const std::string& name : ListReaders(address.kind, 0)) {
+  for (const std::string& name : ListReaders(ReaderKindPcsc, 0)) {
     names += (names.empty() ? "" : ", ") + Printable(name);
   }
-  return names.empty() ? "; no PC/SC reader is there" : "; there is: " + names;
+  return names.empty() ? "no PC/SC reader is there" : "there is: " + names;
+}
+
+// What could have been meant instead of a reader that does not open.
+std::string Hint(const ReaderAddress& address) {
+  return address.kind == ReaderKindPcsc ? "; " + PcscReaders() : "";
 }
 
 }  // namespace
@@ -78,14 +82,21 @@ Readers::~Readers() {
   }
 }
 
+int32_t Readers::CurrentKind() const {
+  if (kinds_[current_]) return *kinds_[current_];
+  if (!used_ && simulate_) return ReaderKindPcsc;
+  if (used_ || defaultReader_.empty()) return defaultKind_;
+  return ReadReaderAddress(defaultReader_, defaultKind_).kind;
+}
+
 Framing Readers::CurrentFraming() const {
-  return kinds_[current_].value_or(defaultKind_) == ReaderKindTcp ? Framing::kRaw : Framing::kApdu;
+  return CurrentKind() == ReaderKindTcp ? Framing::kRaw : Framing::kApdu;
 }
 
 bool Readers::Simulated() const {
-  const int32_t kind = kinds_[current_].value_or(defaultKind_);
+  const int32_t kind = CurrentKind();
   if (kind == ReaderKindWd) return WdIsSimulated();
-  return simulated_ && kind != ReaderKindTcp;
+  return simulate_ && kind != ReaderKindTcp;
 }
 
 void Readers::Select(std::string_view number) {
@@ -98,17 +109,26 @@ void Readers::Select(std::string_view number) {
   current_ = index;
 }
 
-void Readers::Prepare(const ReaderAddress& address) {
+void Readers::Prepare() {
   if (used_) return;
   used_ = true;
-  simulated_ = simulate_ || NamesSimulator(address);
-  if (simulated_) LoadSimulators();
+  if (simulate_) LoadSimulators();
+}
+
+ReaderAddress Readers::OpenDefault() {
+  if (simulate_) return Open(kSimulatedReader);
+  if (!defaultReader_.empty()) return Open(defaultReader_);
+  const std::vector<std::string> listed =
+      defaultKind_ == ReaderKindPcsc ? ListReaders(ReaderKindPcsc, 0) : std::vector<std::string>();
+  if (listed.size() == 1) return Open("3:" + listed[0]);
+  throw Failure(kReaderFault, "no reader is named, by -r, @OPENREADER or ORVANE_READER; " +
+                                  PcscReaders() + "; --simulate runs on a simulated card");
 }
 
 ReaderAddress Readers::Open(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
-  Prepare(address);
-  if (simulated_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
+  Prepare();
+  if (simulate_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
     throw Failure(kReaderFault,
                   "beside Orvane's library stands no simulator of WD's: nothing is opened");
   }

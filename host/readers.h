@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/answer.h"
@@ -25,8 +26,9 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
 class Readers {
  public:
   // defaultKind is for addresses without one. simulate loads the simulators before the first
-  // reader is opened; they are loaded anyway if that first reader is a simulated one.
-  Readers(int32_t defaultKind, bool simulate) : defaultKind_(defaultKind), simulate_(simulate) {}
+  // reader is opened. defaultReader is what OpenDefault opens otherwise; it may be empty.
+  Readers(int32_t defaultKind, bool simulate, std::string defaultReader)
+      : defaultKind_(defaultKind), simulate_(simulate), defaultReader_(std::move(defaultReader)) {}
   ~Readers();
   Readers(const Readers&) = delete;
   Readers& operator=(const Readers&) = delete;
@@ -35,24 +37,28 @@ class Readers {
   bool Used() const { return used_; }
   // True if a simulator stands behind the current reader.
   bool Simulated() const;
-  // Of the current reader; of none, the default kind's.
+  // Of the current reader; of none, that of the one that OpenDefault would open.
   Framing CurrentFraming() const;
 
   void Select(std::string_view number);
   // Opens the current reader, and gives what it opened.
   ReaderAddress Open(std::string_view text);
+  // Opens the reader that is meant where none is named: a simulated one if simulate says so, else
+  // the default one, else the only PC/SC reader that there is.
+  ReaderAddress OpenDefault();
   void ChooseSlot(const std::string& slot);
   std::string ResetCard();  // the ATR
   Answer Send(const Command& command);
 
  private:
-  void Prepare(const ReaderAddress& address);
+  void Prepare();
+  int32_t CurrentKind() const;
   int32_t OpenKind() const;
 
   int32_t defaultKind_;
   bool simulate_;
+  std::string defaultReader_;
   bool used_ = false;
-  bool simulated_ = false;
   size_t current_ = 0;
   std::array<std::optional<int32_t>, 16> kinds_;  // of the readers that are open
 };

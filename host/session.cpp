@@ -2,15 +2,12 @@
 
 #include <orvane.h>
 
-#include <iostream>
-
 #include "host/failure.h"
 #include "host/text.h"
 
 namespace host {
 namespace {
 
-constexpr std::string_view kDefaultReader = "3:Simulated Reader 0";
 constexpr std::string_view kHidden = "**";
 
 std::string HeadingText(std::string_view statement) {
@@ -134,10 +131,8 @@ void Session::Compare(const Statement& statement, std::optional<size_t> line, bo
 
 void Session::OpenDefault() {
   if (readers_.Used()) return;
-  if (settings_.noteDefaultReader) {
-    std::cerr << "orvane: no reader is named; running on a simulated card\n";
-  }
-  Open(kDefaultReader);
+  const ReaderAddress opened = readers_.OpenDefault();
+  trace_.Reader(opened.Shown(), readers_.Simulated());
 }
 
 void Session::Open(std::string_view address) {

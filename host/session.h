@@ -20,7 +20,6 @@ class Session {
   struct Settings {
     bool showSecrets = false;
     bool echoStatements = true;
-    bool noteDefaultReader = false;  // on standard error, where the trace is not shown
   };
 
   Session(Readers& readers, Secrets& secrets, Trace& trace, Settings settings)

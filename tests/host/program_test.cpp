@@ -37,7 +37,7 @@ class Program : public testing::Test {
     for (const Row& row : rows) {
       SCOPED_TRACE(row.options + '\n' + row.script);
       WriteFile("script", row.script);
-      const Outcome outcome = RunOrvane("run " + row.options + " script");
+      const Outcome outcome = RunOrvane("run --simulate " + row.options + " script");
       EXPECT_EQ(outcome.exitCode, row.exitCode) << outcome.out;
       EXPECT_EQ(outcome.err, row.err);
       ExpectInOrder(outcome.out, row.out);
@@ -66,8 +66,7 @@ TEST_F(Program, CarriesOutAScript) {
       {"", "\xEF\xBB\xBF; first\r\n%A = 12\r\n@compare(%A,12,1)", 0, "", "ok   12 = 12\n"},
       {"-D %CMD=00A4000002 -D ID=\"3F 00\"", "%CMD %ID\n@compare(%SW,9000,1)\n", 0, "",
        "02  3F 00   SELECT|1 expectation met"},
-      {"-q --simulate", "$ Title\n00A40000023F00\n", 0, "", ""},
-      {"-q", kWorks, 0, "orvane: no reader is named; running on a simulated card\n", ""},
+      {"-q", "$ Title\n00A40000023F00\n", 0, "", ""},
       {"--color always", "00A40000021234\n", 0, "", "\x1b[31m6A82\x1b[0m"},
   });
 }
@@ -78,7 +77,7 @@ TEST_F(Program, OpensReadersByNameHoweverBlanksStand) {
       {"", "@OPENREADER(3:Simulated Reader 0)\n" + kWorks, 0, "", kOpened},
       {"-D R=\"Simulated Reader 0\"", "@OPENREADER(%R)\n" + kWorks, 0, "", kOpened},
       {"-r \"Simulated Reader 0\"", kWorks, 0, "", kOpened},
-      {"--simulate -r 1", kWorks, 0, "", "reader port 1 (PC/SC)|1 expectation"},
+      {"-r 1", kWorks, 0, "", "reader port 1 (PC/SC)|1 expectation"},
       {"",
        "@OPENREADER(Simulated Reader 1)\n@setreader(15)\n@OPENREADER(Simulated Reader 0)\n" +
            kWorks,
@@ -142,12 +141,12 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
 TEST_F(Program, ReportsReaderTrouble) {
   const std::string empty = "-r \"Simulated Reader 1\"";
   ExpectRows({
-      {"--simulate -r Nowhere", "", 4,
+      {"-r Nowhere", "", 4,
        "orvane: can't open the reader Nowhere (PC/SC); there is: Simulated Reader 0, Simulated "
        "Reader 1\n",
        ""},
       {"-r 9:1", "", 4, "orvane: there is no reader kind 9\n", ""},
-      {"--simulate", "@OPENREADER(5:9)\n", 4, "script:1: can't open the reader port 9 (D8)\n", ""},
+      {"", "@OPENREADER(5:9)\n", 4, "script:1: can't open the reader port 9 (D8)\n", ""},
       {empty, "@reset()\n", 4, "script:1: no answer to reset: is a card in the reader?\n", ""},
       {empty, "00A40000\n", 4, "script:1: no answer from the card or its reader\n", ""},
       {"-r \"Simulated Reader 0\"", "@setreader(1)\n00A40000\n", 4,
@@ -179,7 +178,7 @@ TEST_F(Program, HidesSecretsEverywhere) {
                           "0020 0080 08 %MYPIN %CODE FFFFFFFF\n%COPY = %CODE\n"
                           "00D6 8500 02 %COPY\n@compare(%MYPIN,2412,1)\n" +
                           odd);
-  const Outcome run = RunOrvane("run script");
+  const Outcome run = RunOrvane("run --simulate script");
   EXPECT_EQ(run.exitCode, 3);
   EXPECT_FALSE(shows(run)) << run.out << run.err;
   ExpectInOrder(run.out,
@@ -189,12 +188,13 @@ TEST_F(Program, HidesSecretsEverywhere) {
                 ">>   00 D6 85 00  02  ** (2 bytes)   UPDATE BINARY\n|"
                 "@compare(%MYPIN,**,**)\n|ok   ** = **\n");
 
-  const Outcome shell = RunOrvane("shell", "%MYPIN = 2412\n%MYPIN\n" + kSelect + verify + odd);
+  const Outcome shell =
+      RunOrvane("shell --simulate", "%MYPIN = 2412\n%MYPIN\n" + kSelect + verify + odd);
   EXPECT_FALSE(shows(shell)) << shell.out << shell.err;
   ExpectInOrder(shell.out, "%MYPIN = **|=    **|00 20 00 80 08 **|SW   9000");
 
-  EXPECT_FALSE(shows(RunOrvane("apdu 002000800824123456FFFFFFFF")));
-  EXPECT_TRUE(shows(RunOrvane("run --show-secrets script")));
+  EXPECT_FALSE(shows(RunOrvane("apdu --simulate 002000800824123456FFFFFFFF")));
+  EXPECT_TRUE(shows(RunOrvane("run --simulate --show-secrets script")));
 }
 
 TEST_F(Program, ReportsWhatItCannotRead) {
@@ -211,7 +211,7 @@ TEST_F(Program, ReportsWhatItCannotRead) {
 }
 
 TEST_F(Program, ShowsValuesAndGoesOnAfterFailuresInTheShell) {
-  const Outcome outcome = RunOrvane("shell",
+  const Outcome outcome = RunOrvane("shell --simulate",
                                     "%ATRLIKE = 00A40000023F00\n%ATRLIKE\n%U\n@strlen(ab)\n"
                                     "@compare(1,2,1)\nsend %ATRLIKE\n%SW\nquit\n00A40000\n");
   EXPECT_EQ(outcome.exitCode, 0);
@@ -222,10 +222,10 @@ TEST_F(Program, ShowsValuesAndGoesOnAfterFailuresInTheShell) {
 }
 
 TEST_F(Program, SendsEachArgumentOrNothing) {
-  const Outcome sent = RunOrvane("apdu \"00 A4 00 00 02 3F 00\" 00b2010400");
+  const Outcome sent = RunOrvane("apdu --simulate \"00 A4 00 00 02 3F 00\" 00b2010400");
   EXPECT_EQ(sent.exitCode, 0) << sent.err;
   ExpectInOrder(sent.out, "ATR|02  3F 00   SELECT|SW|READ RECORD|SW");
-  const Outcome refused = RunOrvane("apdu 00A40000023F00 00A4000");
+  const Outcome refused = RunOrvane("apdu --simulate 00A40000023F00 00A4000");
   EXPECT_EQ(refused.exitCode, 3);
   EXPECT_EQ(refused.out, "");
 }

@@ -70,7 +70,7 @@ TEST_F(Tags, AreEditedAndShown) {
 
 TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {
   RunOrvane("tags add A5 Inner");
-  const std::string select = "apdu 00A4040008F04F5256414E4501";
+  const std::string select = "apdu --simulate 00A4040008F04F5256414E4501";
   const std::string plain = RunOrvane(select).out;
   const std::string tree = RunOrvane(select + " --tlv").out;
   EXPECT_FALSE(Shows(plain, "Inner")) << plain;

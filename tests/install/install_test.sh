@@ -33,7 +33,7 @@ case $name in
     grep -q SimulatorRestart "$simulators/libwinscard.so" || fail "no simulator"
     ;;
   program)
-    "$prefix/bin/orvane" run "$script" >out || fail "$(cat out)"
+    "$prefix/bin/orvane" run --simulate "$script" >out || fail "$(cat out)"
     tail -n 1 out | grep -qx 'done  3 commands sent, 3 expectations met' || fail "$(cat out)"
     # WD's, and the crypto module, which is not in the folder of the link.
     LD_LIBRARY_PATH=$simulators/wd "$prefix/bin/orvane" run --simulate -r 4:WDUSB1 \
@@ -86,7 +86,7 @@ case $name in
     package=$("$root/script/package" debian "$build")
     dpkg-deb -x "$package" .
     diff <(files_in "$prefix") <(files_in usr) || fail "the package holds other files"
-    usr/bin/orvane run "usr/share/doc/orvane/examples/payment.orv" >out || fail "$(cat out)"
+    usr/bin/orvane run --simulate "usr/share/doc/orvane/examples/payment.orv" >out || fail "$(cat out)"
     dpkg-deb -f "$package" Depends | tr ',' '\n' | grep -q '^ *libgcrypt20 ' || fail "no dependencies"
     ;;
   *) fail "there is no case $name" ;;

@@ -38,7 +38,7 @@ cp "$folder/host/exchange.exe" .
 run() { "$root/script/wine" orvane.exe "$@"; }
 
 for example in examples/*.orv; do
-  run run "$example" >out || fail "$example: exit code $?: $(cat out)"
+  run run --simulate "$example" >out || fail "$example: exit code $?: $(cat out)"
   tail -n 1 out | grep -q '^done ' || fail "$example: no closing line: $(tail -n 1 out)"
 done
 run tags import examples/tags.txt >/dev/null || fail "tags import: exit code $?"
