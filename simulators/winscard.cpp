@@ -19,7 +19,9 @@
  *   SCardStatusA
  *   SCardGetStatusChangeA   data: the ATR in the first reader state; length: its event state
  */
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "common/call.h"
 #include "common/module.h"
@@ -69,6 +71,15 @@ Octets MultiString(std::span<const char* const> texts) {
   return octets;
 }
 
+// The texts up to the empty one; none of a null pointer.
+std::vector<const char*> Texts(const char* multiString) {
+  std::vector<const char*> texts;
+  for (; multiString && *multiString != '\0'; multiString += std::strlen(multiString) + 1) {
+    texts.push_back(multiString);
+  }
+  return texts;
+}
+
 // Hands data over as the interface does it: a null area asks for the length alone, and
 // kAutoAllocate has the library allocate the area. A prepared answer may say what it likes of its
 // length, and goes into any area as far as it fits.
@@ -100,9 +111,11 @@ Answer AskCard(Handle handle, const uint8_t* command, Dword length) {
   return {kSuccess, Card().Transmit({command, length})};
 }
 
-Answer AskReaders(Context context, const char* groups) {
+Answer AskReaders(Context context, const std::vector<const char*>& groups) {
   if (context != 0 && !session.Knows(context)) return {kInvalidHandle};
-  if (groups && !IsOneOf(groups, kGroups)) return {kNoReadersAvailable};
+  const auto known = [](const char* group) { return IsOneOf(group, kGroups); };
+  if (!groups.empty() && std::none_of(groups.begin(), groups.end(), known))
+    return {kNoReadersAvailable};
   return {kSuccess, MultiString(kReaders)};
 }
 
@@ -174,9 +187,11 @@ SIMULATOR_API Code SCardReleaseContext(Context context) {
 
 SIMULATOR_API Code SCardListReadersA(Context context, const char* groups, char* readers,
                                      Dword* length) {
-  Call call("SCardListReadersA", {Hex(context), groups});
+  Call call("SCardListReadersA", {Hex(context)});
+  const std::vector<const char*> names = Texts(groups);
+  for (const char* name : names) call.With(name);
   Answer answer =
-      call.Ask([&] { return length ? AskReaders(context, groups) : Answer{kInvalidParameter}; });
+      call.Ask([&] { return length ? AskReaders(context, names) : Answer{kInvalidParameter}; });
   HandOver(call, answer, readers, length);
   return call.ReturnHex<Code>(answer);
 }

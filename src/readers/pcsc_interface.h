@@ -31,7 +31,8 @@ struct SCARD_READERSTATEA {
 static_assert(sizeof(SCARD_READERSTATEA) == 64);
 
 constexpr DWORD SCARD_SCOPE_USER = 0;
-constexpr char SCARD_DEFAULT_READERS[] = "SCard$DefaultReaders";
+// A list of groups: the empty name ends it.
+constexpr char SCARD_DEFAULT_READERS[] = "SCard$DefaultReaders\0";
 constexpr DWORD SCARD_AUTOALLOCATE = 0xFFFFFFFF;
 constexpr DWORD SCARD_SHARE_SHARED = 2;
 constexpr DWORD SCARD_PROTOCOL_T0 = 1;
