@@ -20,6 +20,8 @@ extern "C" {
 
 /* As length: report the true length of the data. */
 #define SIMULATOR_TRUE_LENGTH INT64_MIN
+/* As length: the call ends in a C++ exception. */
+#define SIMULATOR_THROW INT64_MAX
 
 /* Puts everything back to the start: no journal, no prepared answers, a fresh card inserted. */
 SIMULATOR_API void SimulatorRestart(void);
@@ -38,7 +40,7 @@ SIMULATOR_API const char* SimulatorJournal(void);
  *   result  what the function returns
  *   data    hexadecimal text of what goes to its output area, never more than the area holds; null
  *           writes nothing
- *   length  what it reports as that data's length, however wrong, or SIMULATOR_TRUE_LENGTH
+ *   length  what it reports as that data's length, however wrong, or one of the two above
  * Where a function writes more than one thing, the head of its module's source tells what the data
  * and the length stand for. */
 SIMULATOR_API void SimulatorAnswer(const char* function, int64_t result, const char* data,

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <deque>
 #include <map>
+#include <stdexcept>
 
 namespace simulator {
 namespace {
@@ -56,6 +57,10 @@ Call& Call::With(const Argument& argument) {
 Answer Call::Ask(const std::function<Answer()>& device) {
   if (std::optional<Answer> answer = TakePrepared(function_)) {
     prepared_ = true;
+    if (answer->length == SIMULATOR_THROW) {
+      result_ = "throws";
+      throw std::runtime_error("a prepared exception");
+    }
     return *std::move(answer);
   }
   return device();

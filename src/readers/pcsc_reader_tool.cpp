@@ -22,6 +22,35 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kReplyEnd,
                                .moreDataUnwanted = 1,
                                .showsSecondStatus = true};
 
+// 0 if there is none.
+SCARDCONTEXT Establish(const PcscEntryPoints& winscard) {
+  SCARDCONTEXT context = 0;
+  const LONG code = winscard.SCardEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &context);
+  return code == SCARD_S_SUCCESS ? context : 0;
+}
+
+// The context of one listing, released when that is over.
+class ListingContext {
+ public:
+  explicit ListingContext(const PcscEntryPoints& winscard)
+      : m_winscard(winscard), m_context(Establish(winscard)) {}
+  ListingContext(const ListingContext&) = delete;
+  ListingContext& operator=(const ListingContext&) = delete;
+  ~ListingContext() {
+    Quietly([this] { Release(); });
+  }
+
+  operator SCARDCONTEXT() const { return m_context; }
+
+  void Release() {
+    if (m_context != 0) m_winscard.SCardReleaseContext(std::exchange(m_context, 0));
+  }
+
+ private:
+  const PcscEntryPoints& m_winscard;
+  SCARDCONTEXT m_context;
+};
+
 // The names of the readers in the default group, in the library's order.
 class ReaderNames {
  public:
@@ -36,12 +65,9 @@ class ReaderNames {
   }
   ReaderNames(const ReaderNames&) = delete;
   ReaderNames& operator=(const ReaderNames&) = delete;
+  // The exception that this object goes by is the one that counts.
   ~ReaderNames() {
-    try {
-      Free();
-    } catch (...) {
-      // The exception that this object goes by is the one that counts.
-    }
+    Quietly([this] { Free(); });
   }
 
   // Gives the list back to the library; no name is to be used after it.
@@ -67,18 +93,19 @@ class ReaderNames {
 
 }  // namespace
 
-CPCSCReaderTool::~CPCSCReaderTool() { CloseQuietly(*this); }
+CPCSCReaderTool::~CPCSCReaderTool() {
+  CloseQuietly(*this);
+  Quietly([this] {
+    if (m_hContext != 0) m_winscard->SCardReleaseContext(m_hContext);
+  });
+}
 
 std::int32_t CPCSCReaderTool::ListReaders(std::int32_t, ReaderInfo* list, std::int32_t,
                                           std::int32_t max) {
   m_winscard.Bind();
   if (!CanListReaders()) return 0;
-  SCARDCONTEXT context = 0;
-  if (m_winscard->SCardEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &context) !=
-          SCARD_S_SUCCESS ||
-      context == 0) {
-    return 0;
-  }
+  ListingContext context(*m_winscard);
+  if (context == 0) return 0;
   ReaderNames names(*m_winscard, context);
   const std::int32_t limit = max > 0 ? max : kListedByDefault;
   std::int32_t written = 0;
@@ -88,7 +115,7 @@ std::int32_t CPCSCReaderTool::ListReaders(std::int32_t, ReaderInfo* list, std::i
     WriteRecord(list[written++], ReaderKindPcsc, false, 0, name);
   }
   names.Free();
-  m_winscard->SCardReleaseContext(context);
+  context.Release();
   return written;
 }
 
@@ -171,10 +198,7 @@ bool CPCSCReaderTool::CanListReaders() const {
 
 // The context stays for the life of the tool, over any number of opens and closes.
 bool CPCSCReaderTool::EstablishContext() {
-  if (m_hContext != 0) return true;
-  const LONG code =
-      m_winscard->SCardEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &m_hContext);
-  if (code != SCARD_S_SUCCESS) m_hContext = 0;
+  if (m_hContext == 0) m_hContext = Establish(*m_winscard);
   return m_hContext != 0;
 }
 

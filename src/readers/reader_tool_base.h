@@ -76,13 +76,19 @@ class CReaderToolBase {
                     Reply& reply);
 };
 
-// Close for a driver's destructor, where no exception of a vendor's library may pass.
-template <typename Tool>
-void CloseQuietly(Tool& tool) noexcept {
+// Runs an operation of a destructor, which lets no exception of a vendor's library pass.
+template <typename Operation>
+void Quietly(Operation operation) noexcept {
   try {
-    tool.Tool::Close();
+    operation();
   } catch (...) {
   }
+}
+
+// Close for a driver's destructor.
+template <typename Tool>
+void CloseQuietly(Tool& tool) noexcept {
+  Quietly([&tool] { tool.Tool::Close(); });
 }
 
 }  // namespace orvane

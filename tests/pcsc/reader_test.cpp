@@ -31,7 +31,14 @@ std::string ResetText() {
 
 class PcscReader : public ServiceTest {
  protected:
-  void TearDown() override { CloseReader(); }
+  // A tool that another one replaces gives back what it has of the service.
+  void TearDown() override {
+    for (uint32_t index : {0U, 1U}) {
+      SetReader(index);
+      OpenReader(1, ReaderKindFm8201, 9600);
+    }
+    SetReader(0);
+  }
 
   bool ResetBecomes(const std::string& expected) {
     return WaitUntil([&] { return ResetText() == expected; });
@@ -96,6 +103,14 @@ TEST_F(PcscReader, OpensEmptyAndFindsACardThatWasPulledAndPutBack) {
     EXPECT_EQ(Send(kGetChallenge).result, 0);
     EXPECT_TRUE(ResetBecomes("no card"));
     EXPECT_EQ(Send(kGetChallenge).result, 0);
+  }
+}
+
+// The service has room for 200 contexts.
+TEST_F(PcscReader, LeavesNothingWithTheServiceWhenItGoes) {
+  for (int round = 0; round < 600; round++) {
+    ASSERT_EQ(OpenReaderA(kReader, ReaderKindPcsc), 1) << round;
+    ASSERT_EQ(OpenReaderA("x", ReaderKindFm8201), 0);
   }
 }
 

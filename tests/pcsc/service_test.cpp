@@ -9,7 +9,7 @@ namespace {
 bool IsEmpty(const char* name) {
   char atr[1025];
   const bool empty = OpenReaderA(name, ReaderKindPcsc) == 1 && Reset(atr) == 0;
-  CloseReader();
+  OpenReader(1, ReaderKindFm8201, 9600);  // and nothing stays with the service
   return empty;
 }
 

@@ -151,6 +151,16 @@ TEST_F(PcscReader, ListsWhatTheLibraryLists) {
   }
 }
 
+TEST_F(PcscReader, ReleasesTheContextOfAListingThatThrows) {
+  for (const char* function : {"SCardListReadersA", "SCardFreeMemory", "SCardReleaseContext"}) {
+    StartAnew();
+    Prepare({function, 0, nullptr, SIMULATOR_THROW});
+    ReaderInfo records[2];
+    EXPECT_EQ(GetReaderList(ReaderKindPcsc, records, 0, 0), 0) << function;
+    EXPECT_TRUE(Functions(NewCalls()).ends_with("SCardReleaseContext ")) << function;
+  }
+}
+
 TEST_F(PcscReader, KeepsItsContextAndItsKindOverOpensAndCloses) {
   module.Answer("SCardEstablishContext", kAnyError, "00000000000000FF");
   EXPECT_EQ(Open(kPcsc), 0);
@@ -161,16 +171,17 @@ TEST_F(PcscReader, KeepsItsContextAndItsKindOverOpensAndCloses) {
   EXPECT_EQ(Open(kPcsc), 1);                         // on an open reader: no disconnect before
   EXPECT_EQ(CloseReader(), 1);
   EXPECT_EQ(Open(kPcsc), 1);
+  module.Answer("SCardDisconnect", 0, nullptr, SIMULATOR_THROW);
   EXPECT_EQ(OpenReaderA("COM1", ReaderKindD8), 0);  // another kind closes it
   EXPECT_EQ(Functions(module.Journal()),
             "SCardEstablishContext "
-            "SCardEstablishContext SCardConnectA "
+            "SCardEstablishContext SCardConnectA SCardReleaseContext "
             "SCardEstablishContext SCardConnectA "
             "SCardEstablishContext SCardListReadersA SCardFreeMemory SCardReleaseContext "
             "SCardConnectA "
             "SCardDisconnect "
             "SCardConnectA "
-            "SCardDisconnect ");
+            "SCardDisconnect SCardReleaseContext ");
   EXPECT_EQ(Send("00A40400"), (Reply{0, ""}));
 }
 
