@@ -31,4 +31,8 @@ class ScriptFailure : public Failure {
   using Failure::Failure;
 };
 
+// Prints a failure on standard error, a line of the message a line, with what is not printable as
+// Printable has it. Nothing else prints one.
+void PrintFailure(const Failure& failure);
+
 }  // namespace host

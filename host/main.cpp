@@ -1,5 +1,4 @@
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
@@ -128,13 +127,10 @@ int Main(int count, char** arguments) {
   } catch (const CLI::Success& request) {
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "orvane: " << error.what() << "\nTry: orvane --help\n";
+    PrintFailure(Failure(kUsageFault, std::string(error.what()) + "\nTry: orvane --help"));
     return kUsageFault;
-  } catch (const ScriptFailure& failure) {
-    std::cerr << failure.what() << '\n';
-    return failure.Code();
   } catch (const Failure& failure) {
-    std::cerr << "orvane: " << failure.what() << '\n';
+    PrintFailure(failure);
     return failure.Code();
   }
 }
@@ -145,6 +141,6 @@ int Main(int count, char** arguments) {
 int main(int count, char** arguments) try {
   return host::Main(count, arguments);
 } catch (const std::exception& error) {
-  std::fprintf(stderr, "orvane: %s\n", error.what());
+  host::PrintFailure({host::kScriptFault, error.what()});
   return host::kScriptFault;
 }

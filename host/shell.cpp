@@ -58,7 +58,7 @@ void RunShell(Session& session, bool interactive) {
     try {
       if (!RunLine(session, *line, interactive)) break;
     } catch (const Failure& failure) {
-      std::cerr << "orvane: " << failure.what() << '\n';
+      PrintFailure(failure);
     }
   }
 }

@@ -1,9 +1,44 @@
 #include "host/text.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 
 namespace host {
+namespace {
+
+std::string HexOctet(char octet) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  const auto value = static_cast<unsigned char>(octet);
+  return {kDigits[value >> 4], kDigits[value & 0xF]};
+}
+
+// What turns the writing direction or breaks a line where the text holds no line end.
+bool SteersTerminal(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x2028 && c <= 0x202E) ||
+         (c >= 0x2066 && c <= 0x2069);
+}
+
+// The octets of the printable UTF-8 character that the text begins with; 0 if it begins with none.
+size_t PrintableLength(std::string_view text) {
+  constexpr std::array<char32_t, 5> kLowest = {0, 0, 0x80, 0x800, 0x10000};
+  const auto first = static_cast<unsigned char>(text[0]);
+  const auto length = static_cast<size_t>(std::countl_one(first));
+  if (length == 0) return SteersTerminal(first) ? 0 : 1;
+  if (length == 1 || length > 4 || length > text.size()) return 0;
+  char32_t c = first & (0x7Fu >> length);
+  for (const char more : text.substr(1, length - 1)) {
+    const auto octet = static_cast<unsigned char>(more);
+    if ((octet & 0xC0) != 0x80) return 0;
+    c = c << 6 | (octet & 0x3F);
+  }
+  const bool character =
+      c >= kLowest[length] && c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF) && !SteersTerminal(c);
+  return character ? length : 0;
+}
+
+}  // namespace
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -28,10 +63,16 @@ std::string WithoutBlanks(std::string_view text) {
 }
 
 std::string Printable(std::string_view text) {
-  std::string shown(text);
-  std::replace_if(
-      shown.begin(), shown.end(),
-      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '.');
+  std::string shown;
+  for (size_t at = 0; at < text.size();) {
+    const size_t length = PrintableLength(text.substr(at));
+    if (length == 0) {
+      shown += "\\x" + HexOctet(text[at++]);
+      continue;
+    }
+    shown += text.substr(at, length);
+    at += length;
+  }
   return shown;
 }
 

@@ -66,6 +66,13 @@ TEST_F(Program, CarriesOutAScript) {
       {"", "\xEF\xBB\xBF; first\r\n%A = 12\r\n@compare(%A,12,1)", 0, "", "ok   12 = 12\n"},
       {"-D %CMD=00A4000002 -D ID=\"3F 00\"", "%CMD %ID\n@compare(%SW,9000,1)\n", 0, "",
        "02  3F 00   SELECT|1 expectation met"},
+      {"",
+       "$ M\xC3\xBCller\xE4 \xC2\x9B \xE2\x80\xAE \x1B\x7F \xC0\xAF \xED\xA0\x80 \xF4\x90\x80\x80 "
+       "\xE2\x82\n",
+       0, "",
+       "M\xC3\xBCller\\xE4 \\xC2\\x9B \\xE2\\x80\\xAE \\x1B\\x7F \\xC0\\xAF \\xED\\xA0\\x80 "
+       "\\xF4\\x90\\x80\\x80 "
+       "\\xE2\\x82\n"},
       {"-q", "$ Title\n00A40000023F00\n", 0, "", ""},
       {"--color always", "00A40000021234\n", 0, "", "\x1b[31m6A82\x1b[0m"},
   });
@@ -109,6 +116,7 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
   ExpectRows({
       {"", "%U\n", 3, undefined, ""},
       {"", "00A4000002 @strmid(3F00%U %U,0,4)\n", 3, undefined, ""},
+      {"", "%\x1B[2J\n", 3, "script:1: undefined variable %\\x1B[2J\n", ""},
       {"", "%A = @xor(00,%U)\n", 3, undefined, ""},
       {"", "@compare(%U,00,0)\n", 3, undefined, ""},
       {"", "@OPENREADER(%U)\n", 3, undefined, ""},
@@ -201,8 +209,10 @@ TEST_F(Program, ReportsWhatItCannotRead) {
   const Outcome missing = RunOrvane("run none.orv");
   EXPECT_EQ(missing.exitCode, 5);
   EXPECT_EQ(missing.err, "orvane: can't open none.orv\n");
-  for (const char* arguments : {"run", "run -D 1 x", "run -k 9 x"}) {
-    EXPECT_EQ(RunOrvane(arguments).exitCode, 2) << arguments;
+  for (const char* arguments : {"run", "run -D 1 x", "run -k 9 x", "run x '\x1B[2J'"}) {
+    const Outcome outcome = RunOrvane(arguments);
+    EXPECT_EQ(outcome.exitCode, 2) << arguments;
+    EXPECT_FALSE(Shows(outcome.err, "\x1B")) << outcome.err;
   }
   EXPECT_EQ(RunOrvane("--help").exitCode, 0);
   const Outcome piped = RunOrvane("run -", "%A = 1\n@compare(%A,2,1)\n");
