@@ -146,18 +146,18 @@ void AppendField(std::string& image, std::string_view text) {
 
 }  // namespace
 
-std::vector<std::unique_ptr<TagdictData>> ReadRecords(platform::InputFile& file) {
+std::list<PackedRecord> ReadRecords(platform::InputFile& file) {
   Reader reader(file);
-  std::vector<std::unique_ptr<TagdictData>> records;
+  std::list<PackedRecord> records;
   std::uint32_t bits;
   if (!reader.Read(bits)) return records;
   for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
-    auto record = std::make_unique<TagdictData>();
-    if (!ReadField(reader, record->tag) || !ReadField(reader, record->shortText) ||
-        !ReadField(reader, record->longText)) {
+    TagdictData record{};
+    if (!ReadField(reader, record.tag) || !ReadField(reader, record.shortText) ||
+        !ReadField(reader, record.longText)) {
       break;
     }
-    records.push_back(std::move(record));
+    records.emplace_back(record);
   }
   return records;
 }

@@ -1,11 +1,7 @@
 #include "tags/tag_dictionary.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <cstring>
-#include <iterator>
 #include <new>
-#include <span>
 #include <string>
 #include <utility>
 
@@ -13,107 +9,89 @@
 #include "platform/replace_file.h"
 #include "tags/dictionary_file.h"
 
-static_assert(sizeof(TagdictData) == 1244 && offsetof(TagdictData, shortText) == 20 &&
-              offsetof(TagdictData, longText) == 220);
-
 namespace orvane {
 namespace {
 
 constexpr char kFileName[] = "dictdata.bin";
 
-void Terminate(std::span<char> field) {
-  if (std::find(field.begin(), field.end(), '\0') == field.end()) field.back() = '\0';
+unsigned char Upper(char c) {
+  return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
 }
 
 }  // namespace
 
-TagDictionary::Key TagDictionary::MakeKey(const char* tag) {
-  Key key{};
-  for (std::size_t i = 0; i < key.size() && tag[i] != '\0'; ++i) {
-    const bool isLower = tag[i] >= 'a' && tag[i] <= 'z';
-    key[i] = isLower ? static_cast<char>(tag[i] - 'a' + 'A') : tag[i];
-  }
-  return key;
+bool TagDictionary::AnyCaseOrder::operator()(const char* left, const char* right) const {
+  for (; *left != '\0' && Upper(*left) == Upper(*right); ++left) ++right;
+  return Upper(*left) < Upper(*right);
 }
 
-TagDictionary::Entry TagDictionary::MakeEntry(const TagdictData& record) {
-  auto own = std::make_unique<TagdictData>(record);
-  Terminate(own->tag);
-  Terminate(own->shortText);
-  Terminate(own->longText);
-  return {MakeKey(own->tag), std::move(own)};
+TagDictionary::Table::Table(std::list<PackedRecord> list) : records(std::move(list)) {
+  for (auto record = records.begin(); record != records.end(); ++record) {
+    index.emplace(record->Tag(), record);
+  }
+}
+
+void TagDictionary::Table::Append(Table&& other) {
+  records.splice(records.end(), other.records);
+  index.merge(other.index);
 }
 
 bool TagDictionary::Load() {
   if (loaded_) return true;
   platform::InputFile file(kFileName);
   if (!file) return true;
-  auto records = ReadRecords(file);
+  Table table(ReadRecords(file));
   if (file.Failed()) return false;
-  entries_.reserve(entries_.size() + records.size());
-  for (auto& record : records) entries_.push_back({MakeKey(record->tag), std::move(record)});
+  table_.Append(std::move(table));
   loaded_ = true;
   return true;
 }
 
 bool TagDictionary::Save() {
   std::string image;
-  AppendCount(image, static_cast<std::int32_t>(entries_.size()));
-  for (const Entry& entry : entries_) AppendRecord(image, *entry.record);
+  AppendCount(image, static_cast<std::int32_t>(table_.records.size()));
+  for (const PackedRecord& record : table_.records) AppendRecord(image, record.Unpack());
   if (!platform::ReplaceFileContents(kFileName, image)) return false;
   loaded_ = true;  // what stands in the file now is here already
   return true;
 }
 
 std::int32_t TagDictionary::Copy(TagdictData* records) const {
-  for (const Entry& entry : entries_) *records++ = *entry.record;
-  return static_cast<std::int32_t>(entries_.size());
+  for (const PackedRecord& record : table_.records) *records++ = record.Unpack();
+  return static_cast<std::int32_t>(table_.records.size());
 }
 
-const TagdictData* TagDictionary::Find(const char* tag) const {
-  const Key key = MakeKey(tag);
-  for (const Entry& entry : entries_) {
-    if (entry.key == key) return entry.record.get();
-  }
-  return nullptr;
-}
-
-bool TagDictionary::Contains(Entries::const_iterator begin, Entries::const_iterator end,
-                             const Key& key) {
-  return std::any_of(begin, end, [&](const Entry& entry) { return entry.key == key; });
-}
-
-TagDictionary::Entries::iterator TagDictionary::FindExact(Entries::iterator begin,
-                                                          Entries::iterator end, const char* tag) {
-  const Key key = MakeKey(tag);
-  return std::find_if(begin, end, [&](const Entry& entry) {
-    return entry.key == key && std::strcmp(entry.record->tag, tag) == 0;
-  });
+const PackedRecord* TagDictionary::Find(const char* tag) const {
+  const auto [first, end] = table_.index.equal_range(tag);
+  return first == end ? nullptr : &*first->second;
 }
 
 bool TagDictionary::Add(const TagdictData& record) {
-  Entry entry = MakeEntry(record);
-  if (Contains(entries_.begin(), entries_.end(), entry.key)) return false;
-  entries_.push_back(std::move(entry));
+  Table added({PackedRecord(record)});
+  if (Find(added.records.front().Tag()) != nullptr) return false;
+  table_.Append(std::move(added));
   return true;
 }
 
 bool TagDictionary::Delete(const char* tag) {
-  const auto found = FindExact(entries_.begin(), entries_.end(), tag);
-  if (found == entries_.end()) return false;
-  entries_.erase(found);
-  return true;
+  const auto [first, end] = table_.index.equal_range(tag);
+  for (auto entry = first; entry != end; ++entry) {
+    if (std::strcmp(entry->first, tag) != 0) continue;
+    const auto record = entry->second;
+    table_.index.erase(entry);
+    table_.records.erase(record);
+    return true;
+  }
+  return false;
 }
 
 bool TagDictionary::Update(const TagdictData& record) {
-  // In place before anything is deleted: this alone can fail.
-  entries_.push_back(MakeEntry(record));
-  const auto old =
-      FindExact(entries_.begin(), std::prev(entries_.end()), entries_.back().record->tag);
-  if (old != std::prev(entries_.end())) entries_.erase(old);
-  if (!Contains(entries_.begin(), std::prev(entries_.end()), entries_.back().key)) return true;
-  entries_.pop_back();
-  return false;
+  Table added({PackedRecord(record)});  // before anything is deleted: this alone can fail
+  const char* const tag = added.records.front().Tag();
+  Delete(tag);
+  if (Find(tag) != nullptr) return false;
+  table_.Append(std::move(added));
+  return true;
 }
 
 TagDictionary* EnsureTagDictionary() {

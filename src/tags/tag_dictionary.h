@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <memory>
-#include <vector>
+#include <list>
+#include <map>
 
 #include "orvane.h"
+#include "tags/packed_record.h"
 
 namespace orvane {
 
@@ -24,7 +24,7 @@ class TagDictionary {
   std::int32_t Copy(TagdictData* records) const;
 
   // The first record with this tag in either case; null if there is none.
-  const TagdictData* Find(const char* tag) const;
+  const PackedRecord* Find(const char* tag) const;
 
   // False if the tag is there already.
   bool Add(const TagdictData& record);
@@ -36,24 +36,22 @@ class TagDictionary {
   bool Update(const TagdictData& record);
 
  private:
-  // A tag in upper case with zeros behind it. The last character of a record's is always zero, so
-  // that no longer tag equals it.
-  using Key = std::array<char, sizeof(TagdictData::tag)>;
-
-  // The keys stand close together: a search reads nothing else.
-  struct Entry {
-    Key key;
-    std::unique_ptr<TagdictData> record;
+  // Texts in the order of their octets, lower-case letters counting as upper-case ones.
+  struct AnyCaseOrder {
+    bool operator()(const char* left, const char* right) const;
   };
-  using Entries = std::vector<Entry>;
 
-  static Key MakeKey(const char* tag);
-  static Entry MakeEntry(const TagdictData& record);
-  static bool Contains(Entries::const_iterator begin, Entries::const_iterator end, const Key& key);
-  static Entries::iterator FindExact(Entries::iterator begin, Entries::iterator end,
-                                     const char* tag);
+  // The records, and where each stands. Under one tag, the index keeps their order.
+  struct Table {
+    Table() = default;
+    explicit Table(std::list<PackedRecord> list);
+    void Append(Table&& other);  // allocates nothing
 
-  Entries entries_;
+    std::list<PackedRecord> records;
+    std::multimap<const char*, std::list<PackedRecord>::iterator, AnyCaseOrder> index;
+  };
+
+  Table table_;
   bool loaded_ = false;
 };
 

@@ -52,8 +52,8 @@ std::int32_t GetTagdict(TagdictData* records, std::int32_t* count) {
 
 std::int32_t FindTagdictData(const char* tag, TagdictData* out) {
   return WithDictionary([&](const TagDictionary& dictionary) {
-    const TagdictData* const record = dictionary.Find(tag);
-    if (record != nullptr) *out = *record;
+    const orvane::PackedRecord* const record = dictionary.Find(tag);
+    if (record != nullptr) *out = record->Unpack();
     return record != nullptr;
   });
 }

@@ -1,0 +1,46 @@
+#include "tags/packed_record.h"
+
+#include <cstddef>
+#include <cstring>
+#include <span>
+
+static_assert(sizeof(TagdictData) == 1244 && offsetof(TagdictData, shortText) == 20 &&
+              offsetof(TagdictData, longText) == 220);
+
+namespace orvane {
+namespace {
+
+void Terminate(std::span<char> field) {
+  if (std::memchr(field.data(), '\0', field.size()) == nullptr) field.back() = '\0';
+}
+
+}  // namespace
+
+PackedRecord::PackedRecord(TagdictData record) {
+  Terminate(record.tag);
+  Terminate(record.shortText);
+  Terminate(record.longText);
+  octets_.reserve(std::strlen(record.tag) + std::strlen(record.shortText) +
+                  std::strlen(record.longText) + 2);
+  octets_.append(record.tag).append(1, '\0').append(record.shortText).append(1, '\0');
+  octets_.append(record.longText);
+  const TagdictData unpacked = Unpack();
+  if (std::memcmp(&unpacked, &record, sizeof record) == 0) return;
+  octets_.assign(reinterpret_cast<const char*>(&record), sizeof record);
+}
+
+TagdictData PackedRecord::Unpack() const {
+  TagdictData record{};
+  if (octets_.size() == sizeof record) {
+    std::memcpy(&record, octets_.data(), sizeof record);
+    return record;
+  }
+  const char* text = octets_.c_str();
+  for (char* const field : {record.tag, record.shortText, record.longText}) {
+    std::strcpy(field, text);
+    text += std::strlen(text) + 1;
+  }
+  return record;
+}
+
+}  // namespace orvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "orvane.h"
+
+namespace orvane {
+
+// A record of the dictionary in the room that its texts take. Octets behind their terminators are
+// kept where there are any but zeros, and take their room.
+class PackedRecord {
+ public:
+  // A field without a terminator loses its last character.
+  explicit PackedRecord(TagdictData record);
+
+  // Its place in memory is that of the object's.
+  const char* Tag() const { return octets_.c_str(); }
+  TagdictData Unpack() const;
+
+ private:
+  // The texts with a zero between two, or all octets of the record: those are always more.
+  std::string octets_;
+};
+
+}  // namespace orvane
