@@ -10,9 +10,13 @@ if(LIBRARY MATCHES "\\.dll$")
   execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE tables
                   COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX MATCHALL "\\+base\\[ *[0-9]+\\] [0-9a-f]+ Export RVA" kinds "${tables}")
-  string(REGEX REPLACE ".*Name Pointer\\] Table\n" "" names "${tables}")
-  string(REGEX MATCHALL "\t\\[ *[0-9]+\\] [^ \n]+\n" exported "${names}")
-  list(TRANSFORM exported REPLACE "^.*\\] " "")
+  string(FIND "${tables}" "Name Pointer] Table" start)
+  string(SUBSTRING "${tables}" ${start} -1 names)
+  string(FIND "${names}" "\n\n" end)
+  string(SUBSTRING "${names}" 0 ${end} names)
+  # The name is the last word of its line.
+  string(REGEX MATCHALL "\n\t\\[ *[0-9]+\\][^\n]*" exported "${names}")
+  list(TRANSFORM exported REPLACE "^.* " "")
 else()
   execute_process(COMMAND ${NM} --dynamic --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols
                   COMMAND_ERROR_IS_FATAL ANY)
