@@ -72,7 +72,11 @@ case $name in
   node)
     need node npm
     cp "$examples"/node/* .
-    npm ci --ignore-scripts >log 2>&1 || { cat log; echo "skipped: npm can't fetch koffi"; exit 77; }
+    timeout --signal=KILL 20 npm ci --ignore-scripts --prefer-offline --fetch-retries=0 >log 2>&1 || {
+      [ $? = 137 ] || grep -Eq 'E(NOTFOUND|AI_AGAIN|CONN|TIMEDOUT|NETUNREACH)|ERR_SOCKET' log || fail "$(cat log)"
+      echo "skipped: npm reaches no registry"
+      exit 77
+    }
     node exchange.js "$script" "$prefix" | same
     ;;
   csharp)
