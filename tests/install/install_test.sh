@@ -32,6 +32,17 @@ case $name in
     ! grep -l SimulatorRestart "$prefix"/lib/*.so || fail "a simulator beside the library"
     grep -q SimulatorRestart "$simulators/libwinscard.so" || fail "no simulator"
     ;;
+  hardening)
+    need readelf
+    for binary in "$prefix"/{bin/orvane,lib/liborvane.so,lib/lib{orvane_crypto,winscard}.so} "$simulators"/{,wd/}lib*.so; do
+      facts=$(readelf --wide --program-headers --dynamic --dyn-syms --file-header "$binary")
+      for fact in 'Type: *DYN' 'GNU_STACK.* RW ' GNU_RELRO BIND_NOW __stack_chk_fail; do
+        grep -q "$fact" <<<"$facts" || fail "$binary lacks $fact"
+      done
+    done
+    symbols=$(readelf --wide --dyn-syms "$prefix/lib/liborvane.so")
+    grep -q _chk@ <<<"$symbols" || fail "no bounds are checked"
+    ;;
   program)
     "$prefix/bin/orvane" run --simulate "$script" >out || fail "$(cat out)"
     tail -n 1 out | grep -qx 'done  3 commands sent, 3 expectations met' || fail "$(cat out)"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The package in an empty folder runs the examples: package_test.sh BUILD_FOLDER
 set -euo pipefail
+unset CDPATH
 build=$1
 root=$(cd "$(dirname "$0")/../.." && pwd)
 zip=$(cd "$root" && realpath "$(script/package windows "$build")")
@@ -18,13 +19,17 @@ for file in orvane.dll orvane_crypto.dll orvane.exe orvane.lib liborvane.dll.a R
   [ -s "$file" ] || fail "the package lacks $file"
 done
 
-# Nothing but the library itself and what every Windows has is asked for; only C names are offered.
+# Nothing but the library itself and what every Windows has is asked for; only C names are offered;
+# no code runs from the stack or at an address that is known before.
 for module in *.dll *.exe simulators/*.dll simulators/wd/*.dll; do
   tables=$(x86_64-w64-mingw32-objdump -p "$module")
   strangers=$(grep 'DLL Name' <<<"$tables" |
     grep -v -i -x -E '\s*DLL Name: (kernel32|msvcrt|ws2_32|advapi32|user32|orvane)\.dll' || true)
+  for fact in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do
+    grep -q "$fact" <<<"$tables" || fail "$module lacks $fact"
+  done
   [ -z "$strangers" ] || fail "$module needs $strangers"
-  ! sed -n '/Name Pointer\] Table/,/^$/p' <<<"$tables" | grep -E '\] (_Z|.*@)' || fail "$module exports these"
+  ! sed -n '/Name Pointer\] Table/,/^$/p' <<<"$tables" | grep -E '\].* (_Z|[^ ]*@)' || fail "$module exports these"
 done
 
 # A host built with the CMake package.
