@@ -43,6 +43,16 @@ case $name in
     symbols=$(readelf --wide --dyn-syms "$prefix/lib/liborvane.so")
     grep -q _chk@ <<<"$symbols" || fail "no bounds are checked"
     ;;
+  subproject)
+    # Its own kind of build, warnings and installation stay the parent's; no tool is looked for.
+    cmake -S "$here/subproject" -B . -D ORVANE="$root" -D CMAKE_INSTALL_PREFIX="$work/prefix" \
+      -D CMAKE_CXX_FLAGS=-Wpadded -D CMAKE_DISABLE_FIND_PACKAGE_CLI11=ON \
+      -D CMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON >log 2>&1 || fail "$(cat log)"
+    cmake --build . --parallel "$(nproc)" >log 2>&1 || fail "$(cat log)"
+    ! (./parent) 2>/dev/null || fail "the parent's asserts are gone"
+    cmake --install . >log || fail "$(cat log)"
+    [ "$(files_in prefix)" = bin/parent ] || fail "installed: $(files_in prefix)"
+    ;;
   program)
     "$prefix/bin/orvane" run --simulate "$script" >out || fail "$(cat out)"
     tail -n 1 out | grep -qx 'done  3 commands sent, 3 expectations met' || fail "$(cat out)"
