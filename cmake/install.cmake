@@ -36,6 +36,22 @@ function(install_modules component folder)
     ARCHIVE DESTINATION ${folder} COMPONENT unused EXCLUDE_FROM_ALL)
 endfunction()
 
+# Folders that an installation makes are open to everybody, whatever the umask; others stay as they
+# are.
+set(folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_INCLUDEDIR}/orvane
+    ${CMAKE_INSTALL_DOCDIR} ${simulators_folder}/wd ${package_folder} ${pkgconfig_folder})
+install(CODE "set(folders \"${folders}\")" ALL_COMPONENTS)
+install(CODE [[
+  set(new_folders)
+  foreach(folder IN LISTS folders)
+    set(folder "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/${folder}")
+    while(NOT EXISTS "${folder}")
+      list(APPEND new_folders "${folder}")
+      cmake_path(GET folder PARENT_PATH folder)
+    endwhile()
+  endforeach()
+]] ALL_COMPONENTS)
+
 install(TARGETS orvane EXPORT Orvane RUNTIME COMPONENT library LIBRARY COMPONENT library
         ARCHIVE COMPONENT development INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 foreach(module orvane_crypto winscard)
@@ -103,7 +119,19 @@ if(WIN32)
   endforeach()
 endif()
 
+install(CODE [[
+  foreach(folder IN LISTS new_folders)
+    if(EXISTS "${folder}")
+      file(CHMOD "${folder}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+                                         GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+    endif()
+  endforeach()
+]] ALL_COMPONENTS)
+
 # For script/package.
+if(NOT PROJECT_IS_TOP_LEVEL)
+  return()
+endif()
 set(CPACK_PACKAGE_NAME orvane)
 set(CPACK_PACKAGE_VENDOR "Orvane developers")
 set(CPACK_PACKAGE_CONTACT "Orvane developers <orvane@localhost>")

@@ -2,6 +2,7 @@
 # One look at the installation: install_test.sh BUILD_FOLDER CASE
 # The case files installs and goes first.
 set -euo pipefail
+unset CDPATH
 build=$1 name=$2
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
@@ -23,11 +24,13 @@ case $name in
   files)
     # What is installed works in another place as well.
     rm -rf "$prefix"
-    cmake --install "$build" --prefix "$work/first" >log || fail "$(cat log)"
+    (umask 077 && cmake --install "$build" --prefix "$work/first") >log || fail "$(cat log)"
     mv first "$prefix"
     files_in "$prefix" | grep -v ^share/doc/ >installed
     version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
     sed "s/VERSION/$version/" "$here/files.txt" | diff - installed || fail "other files"
+    closed=$(find "$prefix" -not -type l -not -perm -u=rw,go=r -o -type d -not -perm 755)
+    [ -z "$closed" ] || fail "not everybody reads $closed"
     # Nothing simulated stands where vendor libraries are looked for.
     ! grep -l SimulatorRestart "$prefix"/lib/*.so || fail "a simulator beside the library"
     grep -q SimulatorRestart "$simulators/libwinscard.so" || fail "no simulator"
@@ -109,6 +112,10 @@ case $name in
   debian)
     need dpkg-deb dpkg-shlibdeps file
     package=$("$root/script/package" debian "$build")
+    cp "$package" first.deb
+    sleep 1
+    (umask 077 && "$root/script/package" debian "$build") >log
+    cmp first.deb "$package" || fail "the second package is another"
     dpkg-deb -x "$package" .
     diff <(files_in "$prefix") <(files_in usr) || fail "the package holds other files"
     usr/bin/orvane run --simulate "usr/share/doc/orvane/examples/payment.orv" >out || fail "$(cat out)"
