@@ -5,7 +5,8 @@
 
 namespace orvane::platform {
 
-// A file that is read from its start, untranslated. Empty if it can't be opened; a folder can't.
+// A file that is read from its start, untranslated. Empty if it can't be opened; folders, pipes and
+// devices can't.
 class InputFile {
  public:
   explicit InputFile(const char* path);

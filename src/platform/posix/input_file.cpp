@@ -9,10 +9,10 @@
 namespace orvane::platform {
 
 InputFile::InputFile(const char* path) {
-  const int descriptor = open(path, O_RDONLY | O_CLOEXEC);
+  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (descriptor < 0) return;
   struct stat status;
-  if (fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode)) {
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
     handle_ = descriptor;
   } else {
     close(descriptor);

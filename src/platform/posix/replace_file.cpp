@@ -5,41 +5,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <system_error>
-#include <utility>
+
+#include "descriptor.h"
+#include "file_attributes.h"
+#include "new_file.h"
+#include "write_signals.h"
 
 namespace orvane::platform {
 namespace {
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  Descriptor& operator=(Descriptor&&) = delete;
-  ~Descriptor() {
-    if (*this) close(number_);
-  }
-
-  explicit operator bool() const { return number_ >= 0; }
-  int Number() const { return number_; }
-
- private:
-  int number_;
-};
-
-// Where a symbolic link leads in the end, whether or not a file is there.
-std::string LinkTarget(std::filesystem::path path) {
-  constexpr int kMostLinks = 40;
-  for (int links = 0; links < kMostLinks; ++links) {
-    std::error_code error;
-    const auto next = std::filesystem::read_symlink(path, error);
-    if (error) break;
-    path = path.parent_path() / next;
-  }
-  return path.string();
-}
 
 bool Write(const Descriptor& file, std::string_view octets) {
   while (!octets.empty()) {
@@ -57,43 +30,17 @@ bool WriteAt(const Descriptor& file, off_t place, std::string_view octets) {
   return lseek(file.Number(), place, SEEK_SET) == place && Write(file, octets);
 }
 
-bool HasPermissionsOf(const Descriptor& file, const struct stat& old) {
-  struct stat own;
-  if (fstat(file.Number(), &own) != 0) return false;
-  const bool sameOwner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
-  return (sameOwner || fchown(file.Number(), old.st_uid, old.st_gid) == 0) &&
-         fchmod(file.Number(), old.st_mode & 07777) == 0;
-}
-
-// Makes a file that was not there, beside the one at this path. Sets `name`.
-Descriptor CreateBeside(const std::string& path, std::string& name) {
-  // Other processes, even with the same number on another machine, may be at the same work.
-  constexpr int kMostNames = 1000;
-  for (int i = 0; i < kMostNames; ++i) {
-    name = path + "." + std::to_string(getpid() + i) + ".new";
-    Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (file || errno != EEXIST) return file;
-  }
-  return Descriptor(-1);
-}
-
 enum class Replacement { kDone, kImpossible, kFailed };
 
-Replacement ReplaceAtOnce(const std::string& path, const struct stat* old,
-                          std::string_view octets) {
-  std::string name;
-  const Descriptor file = CreateBeside(path, name);
-  if (!file) return Replacement::kImpossible;
-  Replacement outcome = Replacement::kImpossible;
-  if (old == nullptr || HasPermissionsOf(file, *old)) {
-    if (!Write(file, octets) || fsync(file.Number()) != 0) {
-      outcome = Replacement::kFailed;
-    } else if (rename(name.c_str(), path.c_str()) == 0) {
-      return Replacement::kDone;
-    }
-  }
-  unlink(name.c_str());
-  return outcome;
+// Without an old file, the new one has the permissions of any new file.
+Replacement ReplaceAtOnce(const Place& place, const Descriptor& old, std::string_view octets) {
+  RemoveDeadNewFiles(place);
+  NewFile next(place, old ? 0600 : 0666);
+  if (!next.File()) return Replacement::kImpossible;
+  if (!Write(next.File(), octets)) return Replacement::kFailed;
+  if (old && !TakeAttributes(next.File(), old)) return Replacement::kImpossible;
+  if (fsync(next.File().Number()) != 0) return Replacement::kFailed;
+  return next.TakeThePlace() ? Replacement::kDone : Replacement::kImpossible;
 }
 
 bool Overwrite(const Descriptor& file, off_t size, std::string_view octets) {
@@ -108,16 +55,19 @@ bool Overwrite(const Descriptor& file, off_t size, std::string_view octets) {
 
 }  // namespace
 
-bool ReplaceFileContents(const std::string& path, std::string_view octets) {
-  const std::string target = LinkTarget(path);
-  const Descriptor old(open(target.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!old) {
-    return errno == ENOENT && ReplaceAtOnce(target, nullptr, octets) == Replacement::kDone;
-  }
+bool ReplaceFileContents(const std::string& name, std::string_view octets) {
+  const WriteSignals blocked;
+  constexpr int kFlags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  Descriptor old(open(name.c_str(), kFlags));
   struct stat status;
-  if (fstat(old.Number(), &status) != 0) return false;
-  if (!S_ISREG(status.st_mode)) return Write(old, octets);
-  const Replacement outcome = ReplaceAtOnce(target, &status, octets);
+  if (!old && errno == ENOENT) {
+    if (lstat(name.c_str(), &status) != 0) {
+      return ReplaceAtOnce(PlaceHere(name), old, octets) == Replacement::kDone;
+    }
+    old = Descriptor(open(name.c_str(), kFlags | O_CREAT, 0666));  // a link to no file yet
+  }
+  if (!old || fstat(old.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  const Replacement outcome = ReplaceAtOnce(PlaceOf(old, name), old, octets);
   return outcome == Replacement::kDone ||
          (outcome == Replacement::kImpossible && Overwrite(old, status.st_size, octets));
 }

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "write_signals.h"
+
 namespace orvane::platform {
 
 TextFile::TextFile(const char* path)
@@ -15,6 +17,7 @@ TextFile::~TextFile() {
 }
 
 void TextFile::Append(std::string_view text) {
+  const WriteSignals blocked;
   while (descriptor_ >= 0 && !text.empty()) {
     const ssize_t written = write(descriptor_, text.data(), text.size());
     if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));

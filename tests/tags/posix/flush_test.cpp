@@ -1,27 +1,36 @@
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <functional>
 #include <random>
+#include <utility>
 
 #include "tags/dictionary.h"
 
 namespace {
 bool readingFails = false;
-}
+std::function<void()> beforeWrite;  // runs once
+}  // namespace
 
-// Stands in the way of the C library's function.
-extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* area,
-                                                               size_t size) {
+// Stand in the way of the C library's functions.
+#define ORVANE_IN_THE_WAY extern "C" __attribute__((visibility("default"))) ssize_t
+ORVANE_IN_THE_WAY read(int descriptor, void* area, size_t size) {
   if (!readingFails) return syscall(SYS_read, descriptor, area, size);
   errno = EIO;
   return -1;
+}
+ORVANE_IN_THE_WAY write(int descriptor, const void* area, size_t size) {
+  if (beforeWrite) std::exchange(beforeWrite, nullptr)();
+  return syscall(SYS_write, descriptor, area, size);
 }
 
 // The dictionary of this process stays untouched, so that each child begins as a new process.
@@ -32,7 +41,10 @@ namespace fs = std::filesystem;
 
 pid_t StartChild(const std::function<bool()>& work) {
   const pid_t child = fork();
-  if (child == 0) _exit(work() ? 0 : 1);
+  if (child == 0) {
+    alarm(60);  // ends what hangs
+    _exit(work() ? 0 : 1);
+  }
   return child;
 }
 
@@ -70,11 +82,66 @@ class Flush : public testing::Test {
 };
 
 TEST_F(Flush, KeepsThePermissions) {
-  for (const mode_t mode : {0640U, 0600U, 0606U}) {
+  for (const auto& [mode, kept] :
+       {std::pair(0640U, 0640U), {0600U, 0600U}, {0777U, 0777U}, {06755U, 0755U}, {0606U, 0606U}}) {
+    WriteFile(kDictionaryFile, FileImage(kOld));
     chmod(kDictionaryFile, mode);
-    EXPECT_TRUE(Succeeds([] { return umask(027), FlushTagdict() == 1; }));
-    EXPECT_EQ(static_cast<mode_t>(fs::status(kDictionaryFile).permissions()), mode);
+    EXPECT_TRUE(Succeeds([] { return umask(027), AddAndFlush(); }));
+    EXPECT_EQ(static_cast<mode_t>(fs::status(kDictionaryFile).permissions()), kept);
   }
+}
+
+std::string Attribute(const char* name) {
+  std::string value(100, '\0');
+  const ssize_t size = getxattr(kDictionaryFile, name, value.data(), value.size());
+  return size < 0 ? "none" : value.substr(0, static_cast<std::size_t>(size));
+}
+
+TEST_F(Flush, KeepsAttributesAndAccessLists) {
+  // In the form of the system: the owner, one user more, the group, the mask, the others.
+  std::string list = LittleEndian(2, 4);
+  for (const std::uint64_t entry : std::initializer_list<std::uint64_t>{
+           0xFFFFFFFF'0006'0001, 0x0000FFFE'0004'0002, 0xFFFFFFFF'0000'0004, 0xFFFFFFFF'0004'0010,
+           0xFFFFFFFF'0000'0020}) {
+    list += LittleEndian(entry, 8);
+  }
+  const auto set = [&](const char* file, const char* name, const std::string& value) {
+    return setxattr(file, name, value.data(), value.size(), 0) == 0;
+  };
+  WriteFile(kDictionaryFile, FileImage(kOld));
+  if (!set(kDictionaryFile, "user.orvane", "note")) GTEST_SKIP() << "no attributes in this folder";
+  const char* const access = "system.posix_acl_access";
+  for (const std::string& expected : {list, std::string("none")}) {
+    ASSERT_TRUE(expected != list || set(kDictionaryFile, access, list));
+    EXPECT_TRUE(Succeeds(AddAndFlush));
+    EXPECT_EQ(ReadFile(kDictionaryFile), FileImage(kNew));
+    EXPECT_EQ(Attribute(access), expected);
+    EXPECT_EQ(Attribute("user.orvane"), "note");
+    // What the folder gives to new files.
+    removexattr(kDictionaryFile, access);
+    ASSERT_TRUE(set(".", "system.posix_acl_default", list));
+    WriteFile(kDictionaryFile, FileImage(kOld));
+  }
+}
+
+TEST_F(Flush, KeepsItsNewFileFromOthers) {
+  WriteFile(kDictionaryFile, FileImage(kOld));
+  WriteFile("dictdata.bin.1.new", "of a process that died");
+  WriteFile("dictdata.bin.1x.new", "");
+  EXPECT_TRUE(Succeeds([] {
+    bool kept = false;
+    beforeWrite = [&] {
+      // Another process flushes meanwhile.
+      kept = Succeeds([] { return FlushTagdict() == 1; }) && FilesIn(".") == 3;
+      for (const auto& file : fs::directory_iterator(".")) {
+        if (file.path() == "./dictdata.bin" || file.path() == "./dictdata.bin.1x.new") continue;
+        kept = kept && file.status().permissions() == fs::perms(0600);
+      }
+    };
+    return AddAndFlush() && kept;
+  }));
+  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage(kNew));
+  EXPECT_EQ(FilesIn("."), 2);
 }
 
 TEST_F(Flush, LeavesWhatItMayNotWriteAsItIs) {
@@ -128,23 +195,40 @@ TEST_F(Flush, FollowsSymbolicLinks) {
   EXPECT_EQ(ReadFile(target), FileImage({kNew[1]}));
   EXPECT_EQ(FilesIn(target.parent_path()), 1);
 
-  // A link in a circle, and one to something that is no file.
-  for (const char* end : {kDictionaryFile, "/dev/null"}) {
+  // A link in a circle, and those to something that is no file.
+  ASSERT_EQ(mkfifo("pipe", 0666), 0);
+  for (const char* end : {kDictionaryFile, "/dev/null", "pipe"}) {
     fs::remove(kDictionaryFile);
     fs::create_symlink(end, kDictionaryFile);
     EXPECT_TRUE(Succeeds(AddAndFlush));
     EXPECT_TRUE(fs::is_symlink(kDictionaryFile));
   }
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
-  EXPECT_EQ(FilesIn("."), 2);
+  EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_fifo("pipe"));
+  EXPECT_EQ(FilesIn("."), 3);
+}
+
+TEST_F(Flush, FollowsNoLinkThatTheSystemDoesNotFollow) {
+  // As in a folder where everybody may put things.
+  const auto enter = [] {
+    return unshare(CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER)) == 0 &&
+           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("none", ".", "tmpfs", MS_NOSYMFOLLOW, nullptr) == 0 &&
+           chdir(fs::current_path().c_str()) == 0;
+  };
+  if (!Succeeds(enter)) GTEST_SKIP() << "no folder of that kind can be made";
+  EXPECT_TRUE(Succeeds([&] {
+    if (!enter()) return false;
+    WriteFile("ours", FileImage(kOld));
+    fs::create_symlink("ours", kDictionaryFile);
+    return AddAndFlush() && ReadFile("ours") == FileImage(kOld) && fs::is_symlink(kDictionaryFile);
+  }));
 }
 
 TEST_F(Flush, KeepsTheOldFileWhenTheDiskIsFull) {
   const std::string before = FileImage(kMany);
   const auto flush = [&](bool replaces) {
-    const rlimit limit{before.size(), before.size()};  // no file may get longer
+    const rlimit limit{before.size() + 4, before.size() + 4};  // half of the record fits
     setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, SIG_IGN);
     // Only its owner's flush, or the superuser's, replaces the file.
     return (replaces || GiveUpPrivileges()) && AddAndFlush();
   };
@@ -205,6 +289,8 @@ TEST_F(Flush, LeavesOneWholeStateWhenItIsKilled) {
       return count == kRecords && list.empty();
     }));
   }
+  EXPECT_TRUE(Succeeds(AddAndFlush));
+  EXPECT_EQ(FilesIn("."), 1);
 }
 
 }  // namespace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <csignal>
+#include <ctime>
+
+namespace orvane::platform {
+
+// Keeps the signals of a failing write, into a file at its size limit or a pipe that nobody reads,
+// from the host for as long as this lives. Such a write then only fails.
+class WriteSignals {
+ public:
+  WriteSignals() {
+    sigset_t pending;
+    sigemptyset(&ours_);
+    sigpending(&pending);
+    for (const int signal : {SIGXFSZ, SIGPIPE}) {
+      if (sigismember(&pending, signal) == 0) sigaddset(&ours_, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &ours_, &before_);
+  }
+  WriteSignals(const WriteSignals&) = delete;
+  WriteSignals& operator=(const WriteSignals&) = delete;
+  ~WriteSignals() {
+    constexpr timespec kAtOnce{};
+    while (sigtimedwait(&ours_, nullptr, &kAtOnce) > 0) continue;
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+
+ private:
+  sigset_t ours_;  // those that were not pending before
+  sigset_t before_;
+};
+
+}  // namespace orvane::platform
