@@ -66,6 +66,12 @@ TEST_F(TagDictionary, ReadsAnyFile) {
   const std::string wide = "\xFF\xFE\xFF";
   std::string wideText;
   for (int i = 0; i < 1024; ++i) wideText += "t\0"_octets;
+  // A face, and how many bytes it has in the system's code page is the system's matter.
+  const std::string pair = "\x3D\xD8\x00\xDE"_octets;
+  std::string pairs, face(8, '\0'), faces;
+  UTF_82ASCII("\xF0\x9F\x98\x80", face.data());
+  face = face.c_str();
+  for (int i = 0; i < 25; ++i) pairs += pair, faces += face;
   const auto count = [](std::uint64_t records) { return LittleEndian(records, 4); };
   const struct {
     const char* what;
@@ -96,6 +102,11 @@ TEST_F(TagDictionary, ReadsAnyFile) {
        bare},
       {"wide, past the end",
        count(2) + first + wide + longer + LittleEndian(1ULL << 63U, 8) + "5\0"_octets + end, abc},
+      {"wide, a pair", count(1) + wide + "\x02"_octets + pair + end, {{face, "", ""}}},
+      {"wide, pairs that are too long",
+       count(2) + wide + "\x32"_octets + pairs + end + first,
+       {{faces.substr(0, 19), "", ""}, abc[0]}},
+      {"wide, half a pair", count(1) + wide + "\x02\x3D\xD8\x41\0"_octets + end, {{"?A", "", ""}}},
       {"a wide zero", count(1) + wide + "\x04\x35\0\x41\0\0\0\x42\0"_octets + end, bare},
   };
   for (const auto& row : rows) {
