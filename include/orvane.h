@@ -352,6 +352,10 @@ ORVANE_API void TagParsing_Free(TagParser* parser);
  * current directory. The first call that finds the file reads it, once; only FlushTagdict writes
  * it. A file that ends early gives the records that are complete, a text longer than its field is
  * cut to fit, and wide texts turn into the ANSI code page. Without a file the list begins empty.
+ * Until a file is found, each call looks in the directory that is current then; its records come
+ * behind those that were added before. After that no other is read, and a flush in another
+ * directory puts the list in the place of the file there. Only regular files count. One that may
+ * not be read counts as none, and is replaced by a flush that may write it.
  * Use these functions from one thread at a time; they all give 0 when memory runs out, with
  * nothing changed, but for FlushTagdict.
  *
@@ -377,14 +381,18 @@ ORVANE_API int32_t AddTagdictData(const TagdictData* record);
 /* Removes the first record with exactly this tag, upper and lower case counting. 0 if none has. */
 ORVANE_API int32_t DeleteTagdictData(const char* tag);
 
-/* Removes the record with exactly this tag, if there is one, and adds this one at the end. 0 if the
- * tag is then still there in another case: the record is not added. */
+/* Removes the first record with exactly this tag, if there is one, and adds this one at the end. 0
+ * if the tag is then still there, in another case or, from a file that held it twice, in the same:
+ * the record is not added, and what was removed stays so. */
 ORVANE_API int32_t UpTagdictData(const TagdictData* record);
 
 /* Writes the whole list to the file. Always 1: a file that can't be written, or one that is there
- * and failed while it was read, stays as it was. A process that ends in the middle leaves the old
- * file or the new one, whole, wherever a new file may stand beside the old one and take its place;
- * where the folder forbids that, the file itself is overwritten. */
+ * and failed while it was read, stays as it was, and a full disk or a file size limit ends no
+ * process. The new file keeps the old one's permissions (but no setuid bit), access-control list and
+ * attributes, and a link stays a link. A process that ends in the middle leaves the old file or the
+ * new one, whole, wherever a new file may stand beside the old one and take its place; what else it
+ * left there, the next flush removes. Where the folder forbids that, the file itself is
+ * overwritten. */
 ORVANE_API int32_t FlushTagdict(void);
 
 #ifdef __cplusplus
