@@ -12,7 +12,7 @@
  *   SCardEstablishContext   data: the context, most significant octet first
  *   SCardListReadersA       data: the multi-string with its zeros
  *   SCardConnectA,          data: one octet, the active protocol. With it and result 0 a
- *   SCardReconnect          connection is made, without it none
+ *   SCardReconnect          connection is made, without it none; length: the handle
  *   SCardTransmit,          data: the reply
  *   SCardControl
  *   SCardGetAttrib,         data: the ATR
@@ -211,7 +211,8 @@ SIMULATOR_API Code SCardConnectA(Context context, const char* reader, Dword shar
   });
   if (answer.result == kSuccess && answer.data && handle && protocol) {
     *protocol = static_cast<Dword>(Number(*answer.data));
-    *handle = session.Connect(context, *protocol);
+    *handle = static_cast<Handle>(answer.Reported(static_cast<int64_t>(session.NextHandle())));
+    session.Connect(*handle, context, *protocol);
     call.Wrote(Hex(*handle));
     call.Wrote(*protocol);
   }

@@ -18,12 +18,14 @@ bool Session::Release(Context context) {
 
 // A handle is worth 32 bits, widened with its sign. Every other one is negative, so that a caller
 // who widens it in another way is found out.
-Handle Session::Connect(Context context, Dword protocol) {
+Handle Session::NextHandle() {
   const uint32_t sign = ++connected_ % 2 == 1 ? 0x80000000 : 0;
   const auto value = static_cast<int32_t>(sign | 0x6A010000 | (connected_ & 0xFFFF));
-  const auto handle = static_cast<Handle>(int64_t{value});
+  return static_cast<Handle>(int64_t{value});
+}
+
+void Session::Connect(Handle handle, Context context, Dword protocol) {
   connections_[handle] = {context, protocol, simulator::CardMovements()};
-  return handle;
 }
 
 void Session::ForgetConnections() {

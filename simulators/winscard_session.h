@@ -16,7 +16,8 @@ class Session {
   bool Release(Context context);  // and every handle that was connected in it
   bool Knows(Context context) const { return contexts_.contains(context); }
 
-  Handle Connect(Context context, Dword protocol);
+  Handle NextHandle();
+  void Connect(Handle handle, Context context, Dword protocol);
   bool Disconnect(Handle handle) { return connections_.erase(handle) != 0; }
   void ForgetConnections();  // the next handle is the first one again
 

@@ -41,6 +41,8 @@ constexpr DWORD SCARD_LEAVE_CARD = 0;
 constexpr DWORD SCARD_ATTR_ATR_STRING = 0x00090303;
 constexpr DWORD SCARD_STATE_PRESENT = 0x20;
 constexpr LONG SCARD_S_SUCCESS = 0;
+constexpr LONG ERROR_INVALID_HANDLE = 6;
+constexpr LONG SCARD_E_INVALID_HANDLE = static_cast<LONG>(0x80100003);
 constexpr LONG SCARD_W_REMOVED_CARD = static_cast<LONG>(0x80100069);
 
 consteval DWORD SCARD_CTL_CODE(DWORD code) { return 0x31U << 16 | code << 2; }

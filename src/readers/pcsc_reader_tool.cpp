@@ -125,12 +125,11 @@ std::int32_t CPCSCReaderTool::OpenByName(const char* name, std::int32_t) {
       m_winscard->SCardConnectA == nullptr || !EstablishContext()) {
     return 0;
   }
-  SCARDHANDLE handle = 0;
-  const LONG code = Connect(name, handle);
+  const LONG code = Connect(name);
   if (code != SCARD_S_SUCCESS && code != SCARD_W_REMOVED_CARD) return 0;
+  if (code == SCARD_W_REMOVED_CARD) Keep(0);
   m_nKind = ReaderKindPcsc;
   SetName(name);
-  m_nHandle = code == SCARD_S_SUCCESS ? static_cast<std::int32_t>(handle) : 0;
   return 1;
 }
 
@@ -151,22 +150,25 @@ std::int32_t CPCSCReaderTool::OpenByPort(std::int32_t port, std::int32_t, std::i
 }
 
 std::int32_t CPCSCReaderTool::Close() {
-  if (m_nHandle == -1) return 1;
-  const std::int32_t handle = m_nHandle;
-  m_nHandle = -1;
-  if (m_winscard->SCardDisconnect != nullptr) m_winscard->SCardDisconnect(handle, SCARD_LEAVE_CARD);
+  if (m_card.IsClosed()) return 1;
+  CardHandle closing = m_card;
+  Keep(-1);
+  if (m_winscard->SCardDisconnect != nullptr) {
+    closing.Pass(
+        [this](SCARDHANDLE card) { return m_winscard->SCardDisconnect(card, SCARD_LEAVE_CARD); });
+  }
   return 1;
 }
 
 void CPCSCReaderTool::SetSlot(std::uint32_t slot) { m_nSlot = static_cast<std::int32_t>(slot); }
 
 std::int32_t CPCSCReaderTool::ResetCard(std::uint8_t* atr, std::uint32_t* atrLen) {
-  if (m_nHandle == -1 || m_winscard->SCardGetAttrib == nullptr ||
+  if (m_card.IsClosed() || m_winscard->SCardGetAttrib == nullptr ||
       m_winscard->SCardControl == nullptr) {
     return 0;
   }
   Reply answer;
-  LONG code = m_nHandle == 0 ? SCARD_W_REMOVED_CARD : ReadAtr(answer);
+  LONG code = m_card.IsWithoutCard() ? SCARD_W_REMOVED_CARD : ReadAtr(answer);
   if (code == SCARD_W_REMOVED_CARD) code = ReconnectAndReadAtr(answer);
   return code == SCARD_S_SUCCESS ? GiveAtr(answer, atr, atrLen) : 0;
 }
@@ -178,16 +180,17 @@ std::int32_t CPCSCReaderTool::Transmit(const std::uint8_t* cmd, std::uint32_t cm
 }
 
 bool CPCSCReaderTool::Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) {
-  reply.length = kReplySize;
-  if (m_nSlot != 0) {
-    return m_winscard->SCardControl(m_nHandle, kExchangeCode, command, length, reply.octets.data(),
-                                    kReplySize, &reply.length) == SCARD_S_SUCCESS;
-  }
   const SCARD_IO_REQUEST* const header =
       m_dwProtocol == SCARD_PROTOCOL_T0 ? m_winscard->g_rgSCardT0Pci : m_winscard->g_rgSCardT1Pci;
-  return header != nullptr &&
-         m_winscard->SCardTransmit(m_nHandle, header, command, length, nullptr, reply.octets.data(),
-                                   &reply.length) == SCARD_S_SUCCESS;
+  if (m_nSlot == 0 && header == nullptr) return false;
+  const LONG code = m_card.Pass([&](SCARDHANDLE card) {
+    reply = {.octets = {}, .length = kReplySize, .statusWord = 0};
+    return m_nSlot == 0 ? m_winscard->SCardTransmit(card, header, command, length, nullptr,
+                                                    reply.octets.data(), &reply.length)
+                        : m_winscard->SCardControl(card, kExchangeCode, command, length,
+                                                   reply.octets.data(), kReplySize, &reply.length);
+  });
+  return code == SCARD_S_SUCCESS;
 }
 
 bool CPCSCReaderTool::CanListReaders() const {
@@ -202,29 +205,35 @@ bool CPCSCReaderTool::EstablishContext() {
   return m_hContext != 0;
 }
 
-LONG CPCSCReaderTool::Connect(const char* name, SCARDHANDLE& handle) {
-  handle = 0;
+LONG CPCSCReaderTool::Connect(const char* name) {
+  SCARDHANDLE handle = 0;
   m_dwProtocol = 0;
-  return m_winscard->SCardConnectA(m_hContext, name, SCARD_SHARE_SHARED,
-                                   SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1, &handle, &m_dwProtocol);
+  const LONG code =
+      m_winscard->SCardConnectA(m_hContext, name, SCARD_SHARE_SHARED,
+                                SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1, &handle, &m_dwProtocol);
+  if (code == SCARD_S_SUCCESS) Keep(handle);
+  return code;
+}
+
+void CPCSCReaderTool::Keep(SCARDHANDLE handle) {
+  m_card = CardHandle(handle);
+  m_nHandle = static_cast<std::int32_t>(handle);
 }
 
 LONG CPCSCReaderTool::ReadAtr(Reply& atr) {
-  atr = {};
-  atr.length = kReplySize;
-  return m_nSlot == 0 ? m_winscard->SCardGetAttrib(m_nHandle, SCARD_ATTR_ATR_STRING,
-                                                   atr.octets.data(), &atr.length)
-                      : m_winscard->SCardControl(m_nHandle, kReadAtrCode, nullptr, 0,
-                                                 atr.octets.data(), kReplySize, &atr.length);
+  return m_card.Pass([&](SCARDHANDLE card) {
+    atr = {.octets = {}, .length = kReplySize, .statusWord = 0};
+    return m_nSlot == 0 ? m_winscard->SCardGetAttrib(card, SCARD_ATTR_ATR_STRING, atr.octets.data(),
+                                                     &atr.length)
+                        : m_winscard->SCardControl(card, kReadAtrCode, nullptr, 0,
+                                                   atr.octets.data(), kReplySize, &atr.length);
+  });
 }
 
 LONG CPCSCReaderTool::ReconnectAndReadAtr(Reply& atr) {
   if (!CardIsPresent() || m_winscard->SCardConnectA == nullptr) return SCARD_W_REMOVED_CARD;
-  SCARDHANDLE handle = 0;
-  const LONG code = Connect(m_szName, handle);
-  if (code != SCARD_S_SUCCESS) return code;
-  m_nHandle = static_cast<std::int32_t>(handle);
-  return ReadAtr(atr);
+  const LONG code = Connect(m_szName);
+  return code == SCARD_S_SUCCESS ? ReadAtr(atr) : code;
 }
 
 bool CPCSCReaderTool::CardIsPresent() {

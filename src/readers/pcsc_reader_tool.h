@@ -7,9 +7,36 @@
 
 namespace orvane {
 
-// Any reader that the platform's PC/SC service knows. A reader opens without a card (the handle is
-// then 0), and ResetCard connects anew when a card has come or was changed. Card slot 0 uses the
-// standard calls, any other slot two control codes of the reader's own.
+// A card handle of the library: 0 for a reader without a card, -1 for none. Its low half goes back
+// to the library, the sign extended. Where the library gave a wider handle and refuses that, it
+// gets what it gave from then on. What a handle stands for is never read out of its half.
+class CardHandle {
+ public:
+  CardHandle() = default;
+  explicit CardHandle(SCARDHANDLE given)
+      : m_given(given), m_passed(static_cast<std::int32_t>(given)) {}
+
+  bool IsClosed() const { return m_given == -1; }
+  bool IsWithoutCard() const { return m_given == 0; }
+
+  // Runs a call of the library with the handle, twice if need be, and gives its code.
+  template <typename Call>
+  LONG Pass(Call call) {
+    const LONG code = call(m_passed);
+    const bool refused = code == ERROR_INVALID_HANDLE || code == SCARD_E_INVALID_HANDLE;
+    if (!refused || m_passed == m_given) return code;
+    m_passed = m_given;
+    return call(m_passed);
+  }
+
+ private:
+  SCARDHANDLE m_given = -1;
+  SCARDHANDLE m_passed = -1;
+};
+
+// Any reader that the platform's PC/SC service knows. A reader opens without a card, and ResetCard
+// connects anew when a card has come or was changed. Card slot 0 uses the standard calls, any other
+// slot two control codes of the reader's own.
 class CPCSCReaderTool final : public CReaderToolBase {
  public:
   ~CPCSCReaderTool() override;
@@ -29,11 +56,13 @@ class CPCSCReaderTool final : public CReaderToolBase {
 
   bool CanListReaders() const;
   bool EstablishContext();
-  LONG Connect(const char* name, SCARDHANDLE& handle);
+  LONG Connect(const char* name);
+  void Keep(SCARDHANDLE handle);
   LONG ReadAtr(Reply& atr);
   LONG ReconnectAndReadAtr(Reply& atr);
   bool CardIsPresent();
 
+  CardHandle m_card;  // m_nHandle is its low half
   platform::Library<PcscEntryPoints> m_winscard;
 };
 

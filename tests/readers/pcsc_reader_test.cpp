@@ -29,12 +29,12 @@ std::string Times(const std::string& digits, int count) {
   return all;
 }
 
-// The functions in a journal, in order.
-std::string Functions(const std::string& journal) {
+// The functions in a journal, in order; up to ",)" with what each was called for, a handle mostly.
+std::string Functions(const std::string& journal, const char* upTo = "(") {
   std::istringstream lines(journal);
   std::string functions;
   for (std::string line; std::getline(lines, line);) {
-    functions += line.substr(0, line.find('(')) + ' ';
+    functions += line.substr(0, line.find_first_of(upTo)) + ' ';
   }
   return functions;
 }
@@ -194,6 +194,78 @@ TEST_F(PcscReader, UsesTheHeaderOfItsProtocol) {
     module.Answer("SCardTransmit", 0, "9000");
     EXPECT_EQ(Send("00B0000001"), (Reply{1, "9000"}));
     EXPECT_NE(NewCalls().find(header), std::string::npos) << protocol;
+  }
+}
+
+// What the calls are given where the library gives this handle. Half of it comes first; a library
+// that refuses that knows nothing but the whole.
+TEST_F(PcscReader, HandsOverAHandleThatIsWider) {
+  constexpr std::int64_t kRefusals[] = {6, 0x80100003};
+  const struct {
+    std::int64_t given;
+    const char *half, *whole;
+  } rows[] = {
+      {static_cast<std::int64_t>(0xEA00000000000000), "0", "0xEA00000000000000"},  // not "no card"
+      {static_cast<std::int64_t>(0xEA000000FFFFFFFF), "0xFFFFFFFFFFFFFFFF",
+       "0xEA000000FFFFFFFF"},  // not "closed"
+      {0x8A010001, "0xFFFFFFFF8A010001", "0x8A010001"},
+  };
+  const auto open = [this](std::int64_t given) {
+    StartAnew();
+    module.Answer("SCardConnectA", 0, "01", given);
+    ASSERT_EQ(Open(kPcsc), 1);
+    NewCalls();
+  };
+  for (const auto& [given, half, whole] : rows) {
+    const auto calls = [](const std::string& names, const std::string& handle) {
+      std::istringstream functions(names);
+      std::string all;
+      for (std::string name; functions >> name;) all += "SCard" + name + '(' + handle + ' ';
+      return all;
+    };
+    for (const std::int64_t refusal : kRefusals) {
+      open(given);
+      module.Answer("SCardGetAttrib", refusal, "FFFF", 2);
+      EXPECT_EQ(ResetCard(), (Reply{1, kCardAtr}));
+      module.Answer("SCardTransmit", 0, "6102");
+      EXPECT_EQ(Send("00B0000001"), (Reply{0, "6985"}));
+      EXPECT_EQ(CloseReader(), 1);
+      EXPECT_EQ(Functions(NewCalls(), ",)"),
+                calls("GetAttrib", half) + calls("GetAttrib Transmit Transmit Disconnect", whole));
+    }
+    open(given);
+    EXPECT_EQ(CloseReader(), 1);
+    EXPECT_EQ(Functions(NewCalls(), ",)"), calls("Disconnect", half) + calls("Disconnect", whole));
+
+    open(given);  // in a library that takes the half
+    module.Answer("SCardGetAttrib", 0, "3B00");
+    module.Answer("SCardTransmit", 0, "9000");
+    module.Answer("SCardDisconnect", 0);
+    EXPECT_EQ(ResetCard(), (Reply{1, "3B00"}));
+    EXPECT_EQ(Send("00B0000001"), (Reply{1, "9000"}));
+    EXPECT_EQ(CloseReader(), 1);
+    EXPECT_EQ(Functions(NewCalls(), ",)"), calls("GetAttrib Transmit Disconnect", half));
+  }
+}
+
+// A card that comes back has a new handle, which may again be taken in either form.
+TEST_F(PcscReader, RepairsAConnectionWhoseHandlesAreWider) {
+  for (const char* slot : {"00", "01"}) {
+    StartAnew();
+    module.Answer("SCardConnectA", 0, "01", static_cast<std::int64_t>(0xEA00000000000000));
+    module.Answer("SCardConnectA", 0, "01", static_cast<std::int64_t>(0xEA00000000000001));
+    ASSERT_EQ(Open(kPcsc), 1);
+    ChangeSlot(slot);
+    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, "6A82"}));
+    module.InsertCard(false);
+    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, ""}));
+    EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
+    module.InsertCard(true);
+    EXPECT_EQ(ResetCard(), (Reply{1, kCardAtr}));
+    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, "6A82"}));
+    EXPECT_EQ(CloseReader(), 1);
+    EXPECT_NE(NewCalls().find("SCardDisconnect(0xEA00000000000001, 0) = 0\n"), std::string::npos);
+    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, ""}));
   }
 }
 
