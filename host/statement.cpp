@@ -109,7 +109,10 @@ class Grammar {
     while (at_ < statement_.words.size()) {
       const WordKind kind = statement_.words[at_].kind;
       if (!IsOperand(kind)) throw Stray();
-      if (kind == WordKind::kCall && ReadCall(1)) break;
+      if (kind == WordKind::kCall && ReadCall(1)) {
+        CheckRest();
+        break;
+      }
       if (kind != WordKind::kCall) ++at_;
     }
     statement_.end = at_;
@@ -151,6 +154,15 @@ class Grammar {
         ++at_;
       }
     }
+  }
+
+  // Behind a host's command the library evaluates nothing more, and says nothing about it.
+  void CheckRest() const {
+    const Word& closing = statement_.words[at_ - 1];
+    const std::string_view text = statement_.text;
+    const size_t rest = text.find_first_not_of(" \t", closing.end);
+    if (rest == text.npos || text[rest] == ';' || text[rest] == '/') return;
+    throw Malformed("only a comment can stand behind " + statement_.words[0].text + "(...)");
   }
 
   // Past the end it gives a kind that a call has no use for.

@@ -40,8 +40,8 @@ struct Statement {
   std::string text;
   Form form = Form::kNothing;
   std::vector<Word> words;
-  size_t value = 0;         // index of the first word behind the = of an assignment, else 0
-  size_t end = 0;           // index behind the last word that is evaluated
+  size_t value = 0;  // index of the first word behind the = of an assignment, else 0
+  size_t end = 0;    // index behind the last word that is evaluated; a comment may stand there
   std::vector<Call> calls;  // an inner call stands before the outer one
 
   // The source text from one word to another, both included.

@@ -13,7 +13,7 @@ TEST(Statement, HasTheFormThatTheLibraryTakesItFor) {
       {Form::kHeading, {"$ any (text"}},
       {Form::kAssignment, {"%A=12", "A B = 1", "%A = @StrMid( %B 00 , 1 2,2)"}},
       {Form::kExpression,
-       {"00 A4\t%X 00", "00 ; text", "A B C=D", "@strlen(@xor(A,B) C)",
+       {"@reset()/text", "00 A4\t%X 00", "00 ; text", "A B C=D", "@strlen(@xor(A,B) C)",
         "@compare(%A,B,1) ; what (stands here, is not read"}},
   };
   for (const auto& [form, lines] : rows) {
@@ -36,6 +36,10 @@ TEST(Statement, IsRefusedWhereTheLibraryWouldPassOverSomething) {
       {"@strmid(AB,1)", "takes 3 arguments"},
       {"@strmid(AB,,1)", "takes 3 arguments"},
       {"@reset(1)", "takes no arguments"},
+      {"@compare(%SW,9000,1) @compare(%RESP,00,1)",
+       "only a comment can stand behind @compare(...)"},
+      {"@RESET() 00A4040000 ; text", "only a comment can stand behind @RESET(...)"},
+      {"@stop()%A", "only a comment"},
       {"00A4 @reset()", "must stand alone"},
       {"%A = @compare(1,1,1)", "must stand alone"},
       {{"00A4\0000400", 9}, "zero byte"},
@@ -62,7 +66,7 @@ TEST(Statement, RefusesNestingThatTheLibraryRefuses) {
 }
 
 TEST(Statement, GivesTheArgumentsOfACall) {
-  const Statement statement = ReadStatement("@compare( @xor(1,2) 3 4, %B,1) x");
+  const Statement statement = ReadStatement("@compare( @xor(1,2) 3 4, %B,1) ; x");
   const std::vector<std::string_view> expected = {"@xor(1,2) 3 4", "%B", "1"};
   EXPECT_EQ(Arguments(statement, statement.calls.back()), expected);
 }
