@@ -10,6 +10,8 @@
 namespace host {
 namespace {
 
+constexpr size_t kLongestCommand = 4096;
+
 struct Instruction {
   unsigned code;
   std::string_view name;
@@ -142,6 +144,10 @@ Command ReadCommand(std::string_view text, Framing framing) {
   if (digits.size() % 2 != 0) {
     throw Failure(kScriptFault, "the command has an odd number of digits (" +
                                     std::to_string(digits.size()) + "); nothing sent");
+  }
+  if (command.Octets() > kLongestCommand) {
+    throw Failure(kScriptFault, "the command has " + std::to_string(command.Octets()) +
+                                    " bytes, more than the 4096 that can be sent; nothing sent");
   }
   if (framing == Framing::kRaw) {
     command.dataBegin = std::min(command.dataBegin, command.Octets());

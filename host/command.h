@@ -26,7 +26,8 @@ struct Command {
 };
 
 // Takes hexadecimal text, blanks allowed, as a command. Throws Failure (kScriptFault) unless it is
-// whole octets and at least a header's four (kRaw: one). The message quotes nothing of the text.
+// whole octets, at least a header's four (kRaw: one) and at most 4,096, which is what the library
+// takes. The message quotes nothing of the text.
 Command ReadCommand(std::string_view text, Framing framing);
 
 // True where the data field carries a PIN or a key, as far as the header tells.

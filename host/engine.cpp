@@ -2,13 +2,21 @@
 
 #include <orvane.h>
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "host/failure.h"
 #include "host/text.h"
 
 namespace host {
 namespace {
+
+constexpr size_t kPiece = 511;
+constexpr size_t kLongestText = 65536;
+
+// Where a value waits to be read in pieces.
+constexpr const char* kWaiting = "%ORVANE.VALUE";
 
 Result RunText(const std::string& text) {
   std::array<char, 512> buffer{};
@@ -25,6 +33,52 @@ bool Fails(std::string_view call, std::string& message) {
   // A command without a message leaves what the operand before it gave.
   if (message == "~") message.clear();
   return result.code != KindCompare || result.text != "0";
+}
+
+size_t LengthOf(const std::string& variable) {
+  const std::string digits = RunText("ORVANE.LENGTH = @strlen(" + variable + ")").text;
+  size_t length = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), length);
+  return length;
+}
+
+// The value's beginning, up to 64 KiB, in its own case.
+std::string ReadVariable(const std::string& variable) {
+  const size_t length = std::min(LengthOf(variable), kLongestText);
+  std::string value;
+  while (value.size() < length) {
+    const std::string piece =
+        RunText("ORVANE.PIECE = @strmid(" + variable + "," + std::to_string(value.size()) + "," +
+                std::to_string(kPiece) + ")")
+            .text;
+    if (piece.empty()) throw Failure(kScriptFault, "out of memory");
+    value += piece;
+  }
+  return value;
+}
+
+// The value of operands as a variable, for as long as this object lives.
+class WaitingValue {
+ public:
+  explicit WaitingValue(std::string_view operands) {
+    if (RunText(std::string(kWaiting) + " = " + std::string(operands)).code != KindAssignment) {
+      throw Failure(kScriptFault, "out of memory");
+    }
+  }
+  ~WaitingValue() {
+    for (const char* name : {kWaiting, "ORVANE.PIECE"}) SetVarValue(name, "");
+  }
+  WaitingValue(const WaitingValue&) = delete;
+  WaitingValue& operator=(const WaitingValue&) = delete;
+};
+
+std::string ReadLongExpression(const Statement& statement) {
+  const WaitingValue value(statement.text);
+  if (const size_t length = LengthOf(kWaiting); length > kLongestText) {
+    throw Failure(kScriptFault, "the statement gives " + std::to_string(length) +
+                                    " characters: more than any command has");
+  }
+  return UpperCase(ReadVariable(kWaiting));
 }
 
 std::string LikelyCause(const std::string& keyword) {
@@ -57,18 +111,26 @@ void CheckOperands(const Statement& statement) {
 Result Run(const Statement& statement) {
   CheckOperands(statement);
   Result result = RunText(statement.text);
+  const bool forHost = !statement.calls.empty() && statement.calls.back().forHost;
+  if (result.code == ScriptException && statement.form == Form::kExpression && !forHost) {
+    return {KindExpression, ReadLongExpression(statement)};
+  }
   if (result.code == ScriptException) {
     throw Failure(kScriptFault,
-                  "the statement gives more than 511 characters, the most that a "
-                  "statement can hand over");
+                  "the argument has more than 511 characters, the most that a "
+                  "command can hand over to its host");
+  }
+  if (result.code == KindAssignment && result.text.size() == kPiece &&
+      statement.words[0].kind == WordKind::kVariable) {
+    result.text = ReadVariable(statement.words[0].text);
   }
   if (result.code == ScriptNoEngine) throw Failure(kScriptFault, "out of memory");
   return result;
 }
 
 std::string Evaluate(std::string_view operands) {
-  // A name without % is out of reach for scripts.
-  return RunText("ORVANE.VALUE = " + std::string(operands)).text;
+  const WaitingValue value(operands);
+  return ReadVariable(kWaiting);
 }
 
 void SetVariable(const std::string& name, const std::string& value) {

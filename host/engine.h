@@ -17,12 +17,13 @@ struct Result {
 // fails. Nothing is stored or asked of the host.
 void CheckOperands(const Statement& statement);
 
-// Checks and runs a statement. Throws Failure (kScriptFault) also if its text is too long to be
-// handed over.
+// Checks and runs a statement. The text of an expression and of an assignment to a %NAME is whole,
+// though the library hands over 511 characters at most. Throws Failure (kScriptFault) also if the
+// text is too long: that of an expression above 64 KiB, of a command for the host above 511.
 Result Run(const Statement& statement);
 
-// The value of operands in their own case, at most its first 511 bytes. The operands are known to
-// be sound.
+// The value of operands in their own case, at most its first 64 KiB. The operands are known to be
+// sound.
 std::string Evaluate(std::string_view operands);
 
 // Stores a value; name begins with the % of scripts.

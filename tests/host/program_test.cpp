@@ -78,6 +78,17 @@ TEST_F(Program, CarriesOutAScript) {
   });
 }
 
+// The library hands over 511 characters at a time.
+TEST_F(Program, SendsLongCommands) {
+  const std::string half = "%A = " + std::string(2 * 2044, 'a') + "\n";
+  const std::string data(2 * 255, 'B');
+  ExpectRows({
+      {"", "00D60000FF" + data + "\n@compare(%SW,6986,1)\n", 0, "", ">>   00 D6 00 00  FF|6986"},
+      {"", half + "00D6000000 0FF9 %A %A 0A\n@compare(%SW,6700,1)\n@compare(%A 1,%A 2,0)\n", 0, "",
+       ">>   00 D6 00 00  00 0F F9|AA AA AA AA|a2\n"},
+  });
+}
+
 TEST_F(Program, OpensReadersByNameHoweverBlanksStand) {
   ExpectRows({
       {"", "@OPENREADER(Simulated Reader 0)\n" + kWorks, 0, "", kOpened},
@@ -112,7 +123,7 @@ TEST_F(Program, StopsAtAnExpectationThatDoesNotHold) {
 
 TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
   const std::string undefined = "script:1: undefined variable %U\n";
-  const std::string tooLong = "%A = " + std::string(300, 'A') + "\n%A %A\n";
+  const std::string longPart = "%A = " + std::string(4096, '0') + "\n";
   ExpectRows({
       {"", "%U\n", 3, undefined, ""},
       {"", "00A4000002 @strmid(3F00%U %U,0,4)\n", 3, undefined, ""},
@@ -128,9 +139,12 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
       {"", "%A = 00A400\n%A\n", 3,
        "script:2: the command has 3 bytes, its header alone needs 4; nothing sent\n", ""},
       {"", "%A = @strmid(00,2,1)\n%A\n", 3, "script:2: the command is empty; nothing sent\n", ""},
-      {"", tooLong, 3,
-       "script:2: the statement gives more than 511 characters, the most that a statement can "
-       "hand over\n",
+      {"", longPart + "%A %A 00\n", 3,
+       "script:2: the command has 4097 bytes, more than the 4096 that can be sent; nothing sent\n",
+       ""},
+      {"", longPart + "@OPENREADER(%A)\n", 3,
+       "script:2: the argument has more than 511 characters, the most that a command can hand over "
+       "to its host\n",
        ""},
       {"", "00D6000008 @SUBKEY(0011,1122334455667788)\n", 3,
        "script:1: @SUBKEY failed: is its key 8, 16 or 24 bytes long, and the module "
