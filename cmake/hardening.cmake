@@ -13,6 +13,8 @@ if(ORVANE_HAS_CF_PROTECTION AND NOT WIN32)
   add_compile_options($<${release}:-fcf-protection>)
 endif()
 if(WIN32)
+  # What the guards and the checks call is a library of the compiler's, linked by this option.
+  add_link_options($<${release}:-fstack-protector-strong>)
   # Without the time of the link in it a file is the same each time it is made.
   add_link_options(-Wl,--nxcompat,--dynamicbase,--high-entropy-va,--no-insert-timestamp)
 else()
