@@ -1,6 +1,7 @@
 #include "commands/builtin.h"
 
 #include <array>
+#include <new>
 
 #include "commands/crypto_commands.h"
 #include "commands/data_commands.h"
@@ -9,11 +10,13 @@
 #include "engine/arguments.h"
 #include "engine/command_table.h"
 #include "engine/tokeniser.h"
+#include "util/hex.h"
 
 namespace orvane {
 namespace {
 
 constexpr std::int32_t kDeepestCall = 128;
+constexpr std::size_t kLongestValue = 16 << 20;
 
 consteval std::array<CommandBody, kCommandCount> MakeBodies() {
   std::array<CommandBody, kCommandCount> bodies{};
@@ -52,6 +55,10 @@ class DepthGuard {
   std::int32_t& depth_;
 };
 
+void CheckSize(std::size_t size) {
+  if (size > kLongestValue) throw std::bad_alloc();
+}
+
 }  // namespace
 
 bool Call::Read(std::string& argument) {
@@ -63,6 +70,17 @@ bool Call::Read(std::string& argument) {
 bool Call::ReadNext(std::string& argument) {
   position += 2;
   return Read(argument);
+}
+
+void Call::Give(std::string_view text) {
+  CheckSize(text.size());
+  out = text;
+}
+
+void Call::GiveHex(const unsigned char* octets, std::size_t count) {
+  CheckSize(2 * count);
+  out.resize(2 * count);
+  EncodeHex(octets, count, out.data());
 }
 
 bool RunBuiltin(ScriptEngine& engine, std::string& out, std::size_t& position) try {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "engine/engine.h"
 
@@ -24,6 +25,11 @@ struct Call {
 
   // Steps onto the token behind the last argument, which should be the ")".
   void Close() { ++position; }
+
+  // Makes a text, or octets as hexadecimal text, the call's value. A value above 16 MiB throws
+  // std::bad_alloc: a short statement of nested calls could take all memory otherwise.
+  void Give(std::string_view text);
+  void GiveHex(const unsigned char* octets, std::size_t count);
 };
 
 // A command's body: true if it ran to its end.

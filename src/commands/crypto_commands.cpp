@@ -59,7 +59,7 @@ bool IsLongKey(const std::string& key) { return ByteCount(key) > 8; }
 
 bool GiveOctets(Call& call, const std::uint8_t* area, std::size_t size, std::int32_t count) {
   if (count < 0 || static_cast<std::size_t>(count) > size) return false;
-  call.out = HexText(area, static_cast<std::size_t>(count));
+  call.GiveHex(area, static_cast<std::size_t>(count));
   return true;
 }
 
@@ -82,7 +82,7 @@ bool RunBlockEntry(Call& call, BlockAreas& areas, const std::string& flag, std::
 void RemoveBlanks(std::string& text) { std::erase(text, ' '); }
 
 bool Fail(Call& call, std::string_view message) {
-  call.out = message;
+  call.Give(message);
   return false;
 }
 
@@ -128,7 +128,7 @@ bool Mac(Call& call) {
         areas->iv.octets, areas->iv.count, areas->result, &areas->resultCount,
         IsLongKey(key) ? 1 : 0);
   if (!GiveResult(call, *areas)) return false;
-  if (flag == "1") call.out = call.out.substr(0, 8);
+  if (flag == "1") call.out.erase(std::min<std::size_t>(8, call.out.size()));
   call.Close();
   return true;
 }
@@ -164,7 +164,7 @@ bool RsaPubEnc(Call& call) {
     return Fail(call, "RSA加密失败");
   }
   const std::string_view digits = result;
-  call.out = digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+  call.Give(digits.substr(std::min(digits.find_first_not_of('0'), digits.size())));
   return true;
 }
 

@@ -12,8 +12,8 @@ std::string Octets(const std::string& hex) {
   return octets;
 }
 
-std::string TextOf(const std::string& octets) {
-  return HexText(reinterpret_cast<const unsigned char*>(octets.data()), octets.size());
+void GiveHex(Call& call, const std::string& octets) {
+  call.GiveHex(reinterpret_cast<const unsigned char*>(octets.data()), octets.size());
 }
 
 }  // namespace
@@ -34,7 +34,7 @@ bool Xor(Call& call) {
   for (std::size_t i = 0; i < dataBytes; ++i) {
     folded[i % maskBytes] = static_cast<char>(folded[i % maskBytes] ^ blocks[i]);
   }
-  call.out = TextOf(folded);
+  GiveHex(call, folded);
   call.Close();
   return true;
 }
@@ -43,7 +43,7 @@ bool AscToHex(Call& call) {
   std::string text;
   if (!call.Read(text)) return false;
   call.Close();
-  call.out = TextOf(text);
+  GiveHex(call, text);
   return true;
 }
 
@@ -52,7 +52,7 @@ bool HexToAsc(Call& call) {
   if (!call.Read(hex)) return false;
   call.Close();
   const std::string octets = Octets(hex);
-  call.out.assign(octets, 0, octets.find('\0'));
+  call.Give(octets.c_str());
   return true;
 }
 

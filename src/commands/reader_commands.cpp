@@ -15,7 +15,7 @@ bool MarkAndPass(Call& call, StatementKind kind) {
   std::string argument;
   if (!call.Read(argument)) return false;
   call.Close();
-  call.out = argument;
+  call.Give(argument);
   return true;
 }
 

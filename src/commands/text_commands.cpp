@@ -32,7 +32,8 @@ bool Substring(Call& call, std::int64_t charactersPerUnit) {
   const auto limit = static_cast<std::int64_t>(text.size());
   const auto first = std::clamp<std::int64_t>(DecimalValue(start) * charactersPerUnit, 0, limit);
   const auto length = std::max<std::int64_t>(DecimalValue(count) * charactersPerUnit, 0);
-  call.out.assign(text, static_cast<std::size_t>(first), static_cast<std::size_t>(length));
+  call.Give(std::string_view(text).substr(static_cast<std::size_t>(first),
+                                          static_cast<std::size_t>(length)));
   return true;
 }
 
@@ -40,7 +41,7 @@ bool Length(Call& call, std::size_t charactersPerUnit) {
   std::string text;
   if (!call.Read(text)) return false;
   call.Close();
-  call.out = std::to_string(text.size() / charactersPerUnit);
+  call.Give(std::to_string(text.size() / charactersPerUnit));
   return true;
 }
 
@@ -62,7 +63,7 @@ bool Compare(Call& call) {
   if (!call.Read(left) || !call.ReadNext(right) || !call.ReadNext(expected)) return false;
   call.Close();
   const bool asExpected = expected == (left == right ? "1" : "0");
-  call.out.assign(1, asExpected ? '1' : '0');
+  call.Give(asExpected ? "1" : "0");
   return true;
 }
 

@@ -32,12 +32,6 @@ void EncodeHex(const unsigned char* octets, std::size_t count, char* text) {
   }
 }
 
-std::string HexText(const unsigned char* octets, std::size_t count) {
-  std::string text(2 * count, '\0');
-  EncodeHex(octets, count, text.data());
-  return text;
-}
-
 bool DecodeHex(std::string_view text, unsigned char* octets) {
   const char* next = text.data();
   const char* const end = next + text.size();

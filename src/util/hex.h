@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace orvane {
@@ -14,9 +13,6 @@ unsigned HexDigitValue(char c);
 
 // Writes two upper-case digits an octet, high digit first: 2 * count characters, no terminator.
 void EncodeHex(const unsigned char* octets, std::size_t count, char* text);
-
-// The same as a text of its own.
-std::string HexText(const unsigned char* octets, std::size_t count);
 
 // Reads digits of either case, two an octet, and skips blanks. An odd last digit becomes a high
 // half. The first other character ends the work with false: what stands before it is written, and
