@@ -15,6 +15,10 @@
  *    separators, and read in either case with blanks (0x20) skipped.
  *  - There are no threads and, but for the log files, no locks. Use the script functions from one
  *    thread at a time, and the reader functions from one thread at a time.
+ *  - A maker's library or a crypto module that is called from in here may call back on the same
+ *    thread, but not into what is running: RunScript inside RunScript gives ScriptException and the
+ *    empty text, a reader function inside another one 0 (SendCommand with the empty text), and
+ *    nothing changes. SetVarValue and GetVarValue work there too.
  */
 #ifndef ORVANE_H
 #define ORVANE_H

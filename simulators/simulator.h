@@ -23,7 +23,8 @@ extern "C" {
 /* As length: the call ends in a C++ exception. */
 #define SIMULATOR_THROW INT64_MAX
 
-/* Puts everything back to the start: no journal, no prepared answers, a fresh card inserted. */
+/* Puts everything back to the start: no journal, no prepared answers, no function to call back, a
+ * fresh card inserted. */
 SIMULATOR_API void SimulatorRestart(void);
 
 /* The calls since the start or the last SimulatorRestart, one line each, every line ended by '\n':
@@ -45,6 +46,9 @@ SIMULATOR_API const char* SimulatorJournal(void);
  * and the length stand for. */
 SIMULATOR_API void SimulatorAnswer(const char* function, int64_t result, const char* data,
                                    int64_t length);
+
+/* Has the next call of any function call back in its middle, as a maker's library may. */
+SIMULATOR_API void SimulatorCallBack(void (*function)(void));
 
 /* 0 pulls the card out, anything else puts it in. A card that comes in anew has forgotten what was
  * selected and verified. */

@@ -7,12 +7,14 @@
 #include <deque>
 #include <map>
 #include <stdexcept>
+#include <utility>
 
 namespace simulator {
 namespace {
 
 std::string journal;
 std::map<std::string, std::deque<Answer>, std::less<>> preparedAnswers;
+void (*callBack)() = nullptr;
 
 std::optional<Answer> TakePrepared(const char* function) {
   const auto found = preparedAnswers.find(function);
@@ -55,6 +57,7 @@ Call& Call::With(const Argument& argument) {
 }
 
 Answer Call::Ask(const std::function<Answer()>& device) {
+  if (callBack != nullptr) std::exchange(callBack, nullptr)();
   if (std::optional<Answer> answer = TakePrepared(function_)) {
     prepared_ = true;
     if (answer->length == SIMULATOR_THROW) {
@@ -91,11 +94,14 @@ Call::~Call() {
 void ForgetCalls() {
   journal.clear();
   preparedAnswers.clear();
+  callBack = nullptr;
 }
 
 }  // namespace simulator
 
 const char* SimulatorJournal(void) { return simulator::journal.c_str(); }
+
+void SimulatorCallBack(void (*function)(void)) { simulator::callBack = function; }
 
 void SimulatorAnswer(const char* function, int64_t result, const char* data, int64_t length) {
   simulator::Answer answer{result, std::nullopt, length};

@@ -101,7 +101,7 @@ class Call {
   std::string written_;
 };
 
-// Forgets the journal and the prepared answers.
+// Forgets the journal, the prepared answers and whom to call back.
 void ForgetCalls();
 
 }  // namespace simulator

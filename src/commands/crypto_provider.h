@@ -8,7 +8,8 @@
  * can't be had fails; the others work.
  *
  * Rules for all entries:
- *  - They run on the thread of the script, one at a time.
+ *  - They run on the thread of the script, one at a time. RunScript, called from inside one, gives
+ *    1024 and the empty text; the other functions of Orvane work there.
  *  - All areas belong to the caller and are valid during the call only. What the caller hands over
  *    to be read is not to be written to.
  *  - Counts are in octets. An octet string may be longer than its text had digits: blanks and

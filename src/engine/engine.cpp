@@ -8,8 +8,6 @@
 namespace orvane {
 namespace {
 
-constexpr std::size_t kResultSize = 512;
-
 std::string UpperCased(std::string_view name) {
   std::string upper(name);
   UpperCase(upper);

@@ -11,6 +11,9 @@
 
 namespace orvane {
 
+// The room for a statement's text.
+inline constexpr std::size_t kResultSize = 512;
+
 // Names in upper case to values. Ordered byte by byte; searched without making a string.
 using VariableTable = std::map<std::string, std::string, std::less<>>;
 
@@ -31,7 +34,7 @@ struct ScriptEngine {
 // The one instance; made by the first call, never released. Null if memory ran out.
 ScriptEngine* EnsureEngine();
 
-// Runs `script` and fills `result` (512 bytes). Gives the code of RunScript.
+// Runs `script` and fills `result`, kResultSize bytes. Gives the code of RunScript.
 std::int32_t RunStatement(ScriptEngine& engine, std::string_view script, char* result);
 
 // Sets `out` to the variable's value and gives ScriptDone. An unknown name gives

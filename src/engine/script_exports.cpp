@@ -1,7 +1,22 @@
+#include <cstring>
+
 #include "engine/engine.h"
 #include "orvane.h"
+#include "util/entrance.h"
+
+namespace {
+
+// A thread's own: one that ends in the middle of a statement shuts nobody else out.
+thread_local bool isRunning = false;
+
+}  // namespace
 
 std::int32_t RunScript(const char* script, char* result) {
+  const orvane::Entrance entrance(isRunning);
+  if (!entrance) {
+    std::memset(result, 0, orvane::kResultSize);
+    return ScriptException;
+  }
   orvane::ScriptEngine* const engine = orvane::EnsureEngine();
   if (engine == nullptr) return ScriptNoEngine;
   return orvane::RunStatement(*engine, script != nullptr ? script : "", result);

@@ -6,6 +6,7 @@
 
 #include "orvane.h"
 #include "readers/reader_tool.h"
+#include "util/entrance.h"
 #include "util/hex.h"
 
 namespace {
@@ -22,11 +23,27 @@ std::uint32_t CurrentReader = 0;
 // never disturbs an open reader.
 std::array<CReaderTool*, kListingSlot + 1> ReaderSlots{};
 
-CReaderTool* Slot(std::uint32_t index) {
-  CReaderTool*& slot = ReaderSlots[index];
-  if (slot == nullptr) slot = new (std::nothrow) CReaderTool;
-  return slot;
-}
+// A thread's own: one that ends in the middle of a call shuts nobody else out.
+thread_local bool isCalling = false;
+
+// A slot's tool for the length of one export. There is none if memory ran out, nor for an export
+// that is called from inside another one.
+class Tool {
+ public:
+  explicit Tool(std::uint32_t index) : m_entrance(isCalling) {
+    if (!m_entrance) return;
+    CReaderTool*& slot = ReaderSlots[index];
+    if (slot == nullptr) slot = new (std::nothrow) CReaderTool;
+    m_tool = slot;
+  }
+
+  explicit operator bool() const { return m_tool != nullptr; }
+  CReaderTool* operator->() const { return m_tool; }
+
+ private:
+  const orvane::Entrance m_entrance;
+  CReaderTool* m_tool = nullptr;
+};
 
 void EncodeHexText(const std::uint8_t* octets, std::size_t count, char* text) {
   orvane::EncodeHex(octets, count, text);
@@ -37,34 +54,34 @@ void EncodeHexText(const std::uint8_t* octets, std::size_t count, char* text) {
 
 std::int32_t GetReaderList(std::int32_t kind, ReaderInfo* list, std::int32_t count,
                            std::int32_t max) {
-  CReaderTool* const tool = Slot(kListingSlot);
-  return tool != nullptr ? tool->ListReaders(kind, list, count, max) : 0;
+  const Tool tool(kListingSlot);
+  return tool ? tool->ListReaders(kind, list, count, max) : 0;
 }
 
 std::int32_t SetReader(std::uint32_t index) {
-  if (index >= kReaderSlots) return 0;
+  if (isCalling || index >= kReaderSlots) return 0;
   CurrentReader = index;
   return 1;
 }
 
 std::int32_t OpenReader(std::int32_t port, std::int32_t kind, std::int32_t baud) {
-  CReaderTool* const tool = Slot(CurrentReader);
-  return tool != nullptr ? tool->OpenByPort(port, kind, baud) : 0;
+  const Tool tool(CurrentReader);
+  return tool ? tool->OpenByPort(port, kind, baud) : 0;
 }
 
 std::int32_t OpenReaderA(const char* name, std::int32_t kind) {
-  CReaderTool* const tool = Slot(CurrentReader);
-  return tool != nullptr ? tool->OpenByName(name, kind) : 0;
+  const Tool tool(CurrentReader);
+  return tool ? tool->OpenByName(name, kind) : 0;
 }
 
 std::int32_t CloseReader() {
-  CReaderTool* const tool = Slot(CurrentReader);
-  return tool != nullptr ? tool->Close() : 0;
+  const Tool tool(CurrentReader);
+  return tool ? tool->Close() : 0;
 }
 
 std::int32_t Reset(char* atrHex) {
-  CReaderTool* const tool = Slot(CurrentReader);
-  if (tool == nullptr) return 0;
+  const Tool tool(CurrentReader);
+  if (!tool) return 0;
   std::uint8_t atr[kAtrSize] = {};
   std::uint32_t length = 0;
   if (tool->ResetCard(atr, &length) == 0) return 0;
@@ -73,8 +90,8 @@ std::int32_t Reset(char* atrHex) {
 }
 
 void ChangeSlot(const char* slotHex) {
-  CReaderTool* const tool = Slot(CurrentReader);
-  if (tool == nullptr) return;
+  const Tool tool(CurrentReader);
+  if (!tool) return;
   const char* const end = std::find(slotHex, slotHex + 2, '\0');
   std::uint8_t slot = 0;
   orvane::DecodeHex({slotHex, static_cast<std::size_t>(end - slotHex)}, &slot);
@@ -82,12 +99,12 @@ void ChangeSlot(const char* slotHex) {
 }
 
 std::int32_t SendCommand(const char* cmdHex, std::int32_t hexLen, char* respHex) {
-  CReaderTool* const tool = Slot(CurrentReader);
+  const Tool tool(CurrentReader);
   const auto digits = static_cast<std::size_t>(std::max(hexLen, 0));
   std::uint8_t response[kBufferSize];
   std::uint32_t responseLength = 0;
   std::int32_t done = 0;
-  if (tool != nullptr && digits <= 2 * kBufferSize) {
+  if (tool && digits <= 2 * kBufferSize) {
     std::uint8_t command[kBufferSize];
     std::memset(command, 0, sizeof command);
     orvane::DecodeHex({cmdHex, digits}, command);

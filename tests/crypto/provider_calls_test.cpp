@@ -17,6 +17,7 @@ struct RecordingProvider {
   decltype(&SimulatorRestart) restart;
   decltype(&SimulatorJournal) journal;
   decltype(&SimulatorAnswer) answer;
+  decltype(&SimulatorCallBack) callBack;
 };
 
 // Loaded before the library looks for a provider, so that it finds this one.
@@ -32,6 +33,7 @@ RecordingProvider Load() {
   bind(provider.restart, "SimulatorRestart");
   bind(provider.journal, "SimulatorJournal");
   bind(provider.answer, "SimulatorAnswer");
+  bind(provider.callBack, "SimulatorCallBack");
   return provider;
 }
 
@@ -235,6 +237,29 @@ TEST_F(ProviderCalls, ResultsAreShapedAndNeverTrusted) {
               (Outcome{0, "AA" + row.value + "BB"}))
         << "row " << &row - rows;
   }
+}
+
+TEST_F(ProviderCalls, RunNoOtherStatement) {
+  static int callsBack;
+  callsBack = 0;
+  for (const std::string call : {"@des(%K8,11,1)", "@des(%K8,11,0)", "@mac(%K8,11,22,0)",
+                                 "@SUBKEY(%K8,11)", "@HASH(11)", "@RSAPUBENC(CA1,11,41)"}) {
+    const std::string statement = "%X = @strlen(00 " + call + " 4455)";
+    provider_.restart();
+    const Outcome outcome = RunOne(statement);
+    provider_.callBack([] {
+      ++callsBack;
+      std::string result(512, 'x');
+      EXPECT_EQ(RunScript("%INNER = 1", result.data()), ScriptException);
+      EXPECT_EQ(result, std::string(512, '\0'));
+      EXPECT_EQ(SetVarValue("%SET", "11"), ScriptDone);
+      EXPECT_EQ(GetVarValue("%SET"), ScriptDone);
+    });
+    EXPECT_EQ(RunOne(statement), outcome) << statement;
+    EXPECT_EQ(GetVarValue("%INNER"), ScriptUndefinedVariable);
+    EXPECT_EQ(RunOne("%SET"), (Outcome{1, "11"}));
+  }
+  EXPECT_EQ(callsBack, 6);
 }
 
 TEST_F(ProviderCalls, Nest) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <tuple>
 
 #include "readers/reader_host.h"
@@ -53,6 +54,64 @@ TEST_F(ReaderSlots, RefuseCommandsThatAreTooLong) {
   char response[8193] = "x";
   EXPECT_EQ(SendCommand("00", -1, response), 1);
   EXPECT_STREQ(response, "");
+}
+
+// What a session gives, and the library's journal of it, when each call of the library first calls
+// back as told.
+Lines Session(void (*callBack)()) {
+  const support::SimulatedModule module("STJZZ_BSIT");
+  ReaderTest::EmptySlots();
+  SetReader(2);
+  ReaderInfo list[16];
+  Lines outcomes;
+  const std::function<Reply()> calls[] = {
+      [] {
+        return Reply{OpenReaderA("BSIT:1", ReaderKindBsit), ""};
+      },
+      [] {
+        return Reply{OpenReader(1, ReaderKindBsit, 9600), ""};
+      },
+      [] { return ChangeSlot("00"), Reply{}; },
+      [] { return ResetCard(); },
+      [] { return Send("00A4000C023F00"); },
+      [&] {
+        return Reply{GetReaderList(ReaderKindBsit, list, 0, 0), list[1].name};
+      },
+      [] {
+        return Reply{CloseReader(), ""};
+      },
+      [] {
+        return Reply{OpenReader(1, ReaderKindBsit, 9600), ""};
+      },
+      [] {
+        return Reply{OpenReader(1, ReaderKindFm8201, 9600), ""};
+      },  // closes the other kind
+      [] { return Send("00"); }};
+  for (const auto& call : calls) {
+    module.CallBack(callBack);
+    outcomes.push_back(testing::PrintToString(call()));
+  }
+  outcomes.push_back(module.Journal());
+  return outcomes;
+}
+
+TEST_F(ReaderSlots, RefuseCallsFromInsideACall) {
+  static int callsBack;
+  callsBack = 0;
+  const Lines undisturbed = Session(nullptr);
+  const Lines disturbed = Session([] {
+    ++callsBack;
+    EXPECT_EQ(OpenReader(1, ReaderKindFm8201, 9600), 0);
+    EXPECT_EQ(Send("00"), (Reply{0, ""}));
+    EXPECT_EQ(OpenReaderA("BSIT:2", ReaderKindBsit), 0);
+    EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
+    EXPECT_EQ(List(ReaderKindTyCom, 1, 1), Lines{});
+    EXPECT_EQ(CloseReader(), 0);
+    EXPECT_EQ(SetReader(3), 0);
+    ChangeSlot("00");
+  });
+  EXPECT_EQ(disturbed, undisturbed);
+  EXPECT_EQ(callsBack, 9);
 }
 
 Lines Ports(int kind, const std::string& prefix, int count) {

@@ -82,6 +82,10 @@ void SimulatedModule::Answer(const char* function, int64_t result, const char* d
   Find<decltype(SimulatorAnswer)>("SimulatorAnswer")(function, result, data, length);
 }
 
+void SimulatedModule::CallBack(void (*function)()) const {
+  Find<decltype(SimulatorCallBack)>("SimulatorCallBack")(function);
+}
+
 void SimulatedModule::InsertCard(bool present) const {
   Find<decltype(SimulatorInsertCard)>("SimulatorInsertCard")(present);
 }

@@ -29,6 +29,7 @@ class SimulatedModule {
   std::string Journal() const;
   void Answer(const char* function, int64_t result, const char* data = nullptr,
               int64_t length = SIMULATOR_TRUE_LENGTH) const;
+  void CallBack(void (*function)()) const;
   void InsertCard(bool present) const;
 
   // An exported function or data object of the module; null if there is none.
