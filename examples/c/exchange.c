@@ -17,10 +17,11 @@
 
 #ifdef _WIN32
 #include <windows.h>
-static int Load(const char* file) { return LoadLibraryA(file) != NULL; }
+/* A wide name: the folder's may have letters that the ANSI code page lacks. */
+static int LoadSimulator(void) { return LoadLibraryW(L"" SIMULATOR) != NULL; }
 #else
 #include <dlfcn.h>
-static int Load(const char* file) { return dlopen(file, RTLD_NOW) != NULL; }
+static int LoadSimulator(void) { return dlopen(SIMULATOR, RTLD_NOW) != NULL; }
 #endif
 
 static void Fail(const char* what, const char* text) {
@@ -32,7 +33,7 @@ static void Fail(const char* what, const char* text) {
  * its name by then. Without this call a real PC/SC reader would be looked for; the name of the
  * simulated one makes sure that none is opened. */
 static void OpenSimulatedReader(void) {
-  if (!Load(SIMULATOR)) Fail("can't load", SIMULATOR);
+  if (!LoadSimulator()) Fail("can't load", SIMULATOR);
   if (!OpenReaderA("Simulated Reader 0", ReaderKindPcsc)) Fail("can't open", "Simulated Reader 0");
 }
 

@@ -1,10 +1,12 @@
 // The functions of liborvane.so and orvane.dll for C# and the other languages of .NET. What they do
 // stands in orvane.h, function by function; this file says how they are called:
 //
-//   - A text that is handed over is a string. It goes out as zero-terminated bytes of the system's
-//     narrow character set (UTF-8 but on Windows); a character that this lacks throws.
+//   - A text that is handed over is a string. Scripts and variables go out as UTF-8; names of
+//     readers and files, and what else is ASCII, in the system's narrow character set (the ANSI code
+//     page on Windows), and a character that this lacks throws.
 //   - A text or octets that come back are a byte[] of the caller's, with the room that orvane.h asks
-//     for: no function is told the size. Text() takes what was written up to the terminator.
+//     for: no function is told the size. Text() takes what a script gave up to the terminator, Name()
+//     likewise the name of a reader.
 //   - A single number or record that comes back is an out parameter.
 //   - Results that C calls int32_t are int here. 1 stands for success but for RunScript,
 //     SetVarValue and GetVarValue, whose codes are ScriptCode and StatementKind.
@@ -85,17 +87,35 @@ public static class Orvane
         return Encoding.UTF8.GetString(buffer, 0, length < 0 ? buffer.Length : length);
     }
 
+    /// <summary>A name of GetReaderList, up to its terminator.</summary>
+    public static string Name(byte[] buffer)
+    {
+        int length = Array.IndexOf(buffer, (byte)0);
+        var place = GCHandle.Alloc(buffer, GCHandleType.Pinned);
+        try
+        {
+            return Marshal.PtrToStringAnsi(place.AddrOfPinnedObject(), length < 0 ? buffer.Length : length);
+        }
+        finally
+        {
+            place.Free();
+        }
+    }
+
     // ---- Scripts ----
 
     /// <param name="result">512 bytes.</param>
     [DllImport(Library, CallingConvention = C)]
-    public static extern int RunScript(string script, byte[] result);
+    public static extern int RunScript(
+        [MarshalAs(UnmanagedType.LPUTF8Str)] string script, byte[] result);
 
     [DllImport(Library, CallingConvention = C)]
-    public static extern int SetVarValue(string name, string value);
+    public static extern int SetVarValue(
+        [MarshalAs(UnmanagedType.LPUTF8Str)] string name,
+        [MarshalAs(UnmanagedType.LPUTF8Str)] string value);
 
     [DllImport(Library, CallingConvention = C)]
-    public static extern int GetVarValue(string name);
+    public static extern int GetVarValue([MarshalAs(UnmanagedType.LPUTF8Str)] string name);
 
     // ---- Readers ----
 

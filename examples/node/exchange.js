@@ -38,7 +38,7 @@ const simulator = koffi.load(resolve(prefix,
   windows ? 'simulators/winscard.dll' : 'lib/orvane/simulators/libwinscard.so'));
 
 // What the library wrote into a buffer, up to its terminator.
-const text = (buffer) => buffer.toString('latin1', 0, buffer.indexOf(0));
+const text = (buffer) => buffer.toString('utf8', 0, buffer.indexOf(0));
 
 function resetCard() {
   const atr = Buffer.alloc(1025);

@@ -14,8 +14,8 @@ PCSC = 3
 
 
 class Orvane:
-    """The functions that a script host needs. Texts are ASCII here; buffers have the room that
-    orvane.h asks for."""
+    """The functions that a script host needs. Scripts are UTF-8, names of readers in the system's
+    narrow character set; buffers have the room that orvane.h asks for."""
 
     def __init__(self, prefix):
         windows = sys.platform == "win32"
@@ -40,13 +40,14 @@ class Orvane:
         """The statement's code and text."""
         text = ctypes.create_string_buffer(512)
         code = self._orvane.RunScript(statement.encode(), text)
-        return code, text.value.decode()
+        return code, text.value.decode(errors="replace")
 
     def set_variable(self, name, value):
         self._orvane.SetVarValue(name.encode(), value.encode())
 
     def open_reader(self, name, kind):
-        if not self._orvane.OpenReaderA(name.encode(), kind):
+        narrow = "mbcs" if sys.platform == "win32" else "utf-8"
+        if not self._orvane.OpenReaderA(name.encode(narrow), kind):
             sys.exit(f"can't open {name}")
 
     def close_reader(self):
@@ -108,7 +109,7 @@ def run(orvane, statement):
 def main(script, prefix="/usr"):
     orvane = Orvane(pathlib.Path(prefix).resolve())
     orvane.open_reader("Simulated Reader 0", PCSC)
-    for line in pathlib.Path(script).read_text().splitlines():
+    for line in pathlib.Path(script).read_text(encoding="utf-8-sig").splitlines():
         if not run(orvane, line):
             break
     orvane.close_reader()

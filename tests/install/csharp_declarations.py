@@ -19,6 +19,7 @@ def in_csharp(words):
 
 
 header, source = (open(path, encoding="utf-8").read() for path in sys.argv[1:])
+source = re.sub(r"\[MarshalAs\([^)]*\)\] ", "", source)
 declared = {name: (result, kinds(parameters, in_c))
             for result, name, parameters in re.findall(
                 r"ORVANE_API (\w+\s?\*?) ?(\w+)\(([^)]*)\);", header)}
