@@ -5,19 +5,22 @@ unset CDPATH
 build=$1
 root=$(cd "$(dirname "$0")/../.." && pwd)
 zip=$(cd "$root" && realpath "$(script/package windows "$build")")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+folder="$scratch/bau ö (1)"
 unzip -q "$zip" -d "$folder"
 cd "$folder"/orvane-*-win64
 
 fail() { echo "$*" >&2; exit 1; }
 
-for file in orvane.dll orvane_crypto.dll orvane.exe orvane.lib liborvane.dll.a README.md docs/windows.md \
-  include/orvane.h include/orvane/crypto_provider.h licences/{libgcrypt,libgpg-error}.txt \
-  examples/{python/exchange.py,node/exchange.js,csharp/Orvane.cs} simulators/wd/wdcrwx.dll \
+for file in licences/{libgcrypt,libgpg-error}.txt examples/{python/exchange.py,node/exchange.js,csharp/Orvane.cs} \
   simulators/{winscard,dcrf32,S5009,tyreader,tykeyint,STJZZ_BSIT,sdtapi}.dll; do
   [ -s "$file" ] || fail "the package lacks $file"
 done
+# What the page names in its table.
+named=$(sed -n '/^| In the zip/,/^$/p' docs/windows.md | cut -d '|' -f 2 | grep -o '`[^`]*`' | tr -d '`' | tr '\\' /)
+[ "$(wc -l <<<"$named")" -ge 12 ] || fail "the page names $named"
+while read -r file; do [ -e "$file" ] || fail "the package lacks $file"; done <<<"$named"
 
 # Nothing but the library itself and what every Windows has is asked for; only C names are offered;
 # no code runs from the stack or at an address that is known before.
@@ -44,7 +47,9 @@ run() { "$root/script/wine" orvane.exe "$@"; }
 
 for example in examples/*.orv; do
   run run --simulate "$example" >out || fail "$example: exit code $?: $(cat out)"
-  tail -n 1 out | grep -q '^done ' || fail "$example: no closing line: $(tail -n 1 out)"
+  closing=$(tail -n 1 out | tr -d '\r')
+  [[ "$closing" = "done "* ]] || fail "$example: no closing line: $closing"
+  [ $example = examples/exchange.orv ] || grep -qF "$closing" docs/windows.md || fail "$example ends with $closing"
 done
 run tags import examples/tags.txt >/dev/null || fail "tags import: exit code $?"
 [ -s dictdata.bin ] || fail "tags import wrote nothing"
@@ -55,3 +60,8 @@ run run --simulate -r 4:WDUSB1 examples/payment.orv >/dev/null 2>&1 || status=$?
 [ "$status" = 4 ] || fail "a WD reader without its library: exit code $status"
 cp simulators/wd/wdcrwx.dll .
 run run --simulate -r 4:WDUSB1 examples/payment.orv >/dev/null || fail "the WD simulator: exit code $?"
+
+# The crypto module of the page in the default one's place.
+eval "$(grep -o '^ *x86_64-w64-mingw32-gcc .*' docs/crypto-module.md)"
+echo '@compare(@HASH(616263), BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD, 1)' >sha256.orv
+run run --simulate sha256.orv >out || fail "the example of a crypto module: $(cat out)"
