@@ -69,11 +69,15 @@ void BeginConnect(std::int32_t socket, std::uint32_t address, std::uint16_t port
 }
 
 bool WaitConnected(std::int32_t socket, std::int32_t milliseconds) {
-  // A refused connection is ready for writing here as well: only the pending error tells.
+  // A socket whose connection was refused, or never began, is ready for writing here as well: it
+  // has an error pending, or no peer.
   int error = 0;
   socklen_t length = sizeof error;
+  sockaddr_in peer{};
+  socklen_t room = sizeof peer;
   return Wait(socket, POLLOUT, milliseconds) &&
-         getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &length) == 0 && error == 0;
+         getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &length) == 0 && error == 0 &&
+         getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &room) == 0;
 }
 
 bool WaitWritable(std::int32_t socket, std::int32_t milliseconds) {
