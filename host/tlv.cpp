@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <optional>
+#include <vector>
 
 #include "host/text.h"
 
@@ -13,15 +14,13 @@ constexpr size_t kMostLengthOctets = 4;  // behind the first one
 
 class Reader {
  public:
-  explicit Reader(std::string_view digits) : digits_(digits), ends_{digits.size() / 2} {}
+  Reader(std::string_view digits, const std::function<void(const TlvElement&)>& take)
+      : digits_(digits), take_(take), ends_{digits.size() / 2} {}
 
-  Tlv Read() {
-    if (digits_.size() % 2 != 0) {
-      tlv_.fault = "an odd number of digits";
-      return tlv_;
-    }
-    while (tlv_.fault.empty() && SkipToElement()) ReadElement();
-    return tlv_;
+  std::string Read() {
+    if (digits_.size() % 2 != 0) return "an odd number of digits";
+    while (fault_.empty() && SkipToElement()) ReadElement();
+    return fault_;
   }
 
  private:
@@ -56,7 +55,7 @@ class Reader {
     }
     const bool constructed = (first & 0x20) != 0;
     const size_t valueEnd = at_ + *length;
-    tlv_.elements.push_back({tag, Digits(at_, valueEnd), ends_.size() - 1, constructed});
+    take_({tag, Digits(at_, valueEnd), ends_.size() - 1, constructed});
     if (constructed) {
       ends_.push_back(valueEnd);
     } else {
@@ -92,17 +91,20 @@ class Reader {
   }
 
   void Fail(size_t begin, const std::string& why) {
-    tlv_.fault = "the element at byte " + std::to_string(begin + 1) + ": " + why;
+    fault_ = "the element at byte " + std::to_string(begin + 1) + ": " + why;
   }
 
   std::string_view digits_;
+  const std::function<void(const TlvElement&)>& take_;
   size_t at_ = 0;             // in octets, like all places here
   std::vector<size_t> ends_;  // of the data and of the elements around this place
-  Tlv tlv_;
+  std::string fault_;
 };
 
 }  // namespace
 
-Tlv ReadTlv(std::string_view digits) { return Reader(digits).Read(); }
+std::string ReadTlv(std::string_view digits, const std::function<void(const TlvElement&)>& take) {
+  return Reader(digits, take).Read();
+}
 
 }  // namespace host

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace host {
 
@@ -15,13 +15,10 @@ struct TlvElement {
   bool constructed;
 };
 
-struct Tlv {
-  std::vector<TlvElement> elements;  // a parent before its children
-  std::string fault;                 // why the rest could not be read; empty if all was read
-};
-
 // Reads BER-TLV data as ISO/IEC 7816-4 has it: tags of one to four octets, lengths of up to five,
-// 00 between elements as filler. The text is hexadecimal digits without blanks.
-Tlv ReadTlv(std::string_view digits);
+// 00 between elements as filler. The text is hexadecimal digits without blanks. Hands over each
+// element as it is read, a parent before its children. Gives why the rest could not be read; the
+// empty text if all was.
+std::string ReadTlv(std::string_view digits, const std::function<void(const TlvElement&)>& take);
 
 }  // namespace host

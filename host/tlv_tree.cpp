@@ -11,6 +11,7 @@ namespace host {
 namespace {
 
 constexpr size_t kRowOctets = 16;
+constexpr size_t kDeepestIndent = 64;  // in levels
 
 }  // namespace
 
@@ -20,21 +21,19 @@ std::string TagName(std::string_view tag) {
   return Printable(record.shortText);
 }
 
-std::vector<std::string> TlvLines(const std::vector<TlvElement>& elements) {
-  std::vector<std::string> lines;
-  for (const TlvElement& element : elements) {
-    const std::string indent(2 * element.level, ' ');
-    std::string head =
-        indent + UpperCase(element.tag) + "  " + std::to_string(element.value.size() / 2);
-    if (const std::string name = TagName(element.tag); !name.empty()) head += "  " + name;
-    lines.push_back(head);
-    if (element.constructed) continue;
-    for (size_t at = 0; at < element.value.size(); at += 2 * kRowOctets) {
-      const std::string_view row = element.value.substr(at, 2 * kRowOctets);
-      std::string octets = SpacedOctets(UpperCase(row));
-      octets.resize(3 * kRowOctets + 1, ' ');
-      lines.push_back(indent + "    " + octets + AsCharacters(row));
-    }
+std::vector<std::string> TlvLines(const TlvElement& element) {
+  const std::string indent(2 * std::min(element.level, kDeepestIndent), ' ');
+  std::string head = indent;
+  if (element.level > kDeepestIndent) head += std::to_string(element.level) + "> ";
+  head += UpperCase(element.tag) + "  " + std::to_string(element.value.size() / 2);
+  if (const std::string name = TagName(element.tag); !name.empty()) head += "  " + name;
+  std::vector<std::string> lines = {head};
+  if (element.constructed) return lines;
+  for (size_t at = 0; at < element.value.size(); at += 2 * kRowOctets) {
+    const std::string_view row = element.value.substr(at, 2 * kRowOctets);
+    std::string octets = SpacedOctets(UpperCase(row));
+    octets.resize(3 * kRowOctets + 1, ' ');
+    lines.push_back(indent + "    " + octets + AsCharacters(row));
   }
   return lines;
 }
@@ -47,9 +46,10 @@ void PrintTlv(std::ostream& out, std::string_view text) {
   if (wrong != digits.end()) {
     throw Failure(kScriptFault, "'" + Printable({&*wrong, 1}) + "' is no hexadecimal digit");
   }
-  const Tlv tlv = ReadTlv(digits);
-  for (const std::string& line : TlvLines(tlv.elements)) out << line << '\n';
-  if (!tlv.fault.empty()) throw Failure(kScriptFault, "no BER-TLV: " + tlv.fault);
+  const std::string fault = ReadTlv(digits, [&out](const TlvElement& element) {
+    for (const std::string& line : TlvLines(element)) out << line << '\n';
+  });
+  if (!fault.empty()) throw Failure(kScriptFault, "no BER-TLV: " + fault);
 }
 
 }  // namespace host

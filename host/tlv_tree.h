@@ -12,9 +12,10 @@ namespace host {
 // A tag's short text in the dictionary of the current directory; empty if it has none.
 std::string TagName(std::string_view tag);
 
-// A line an element, indented by its level: tag, length in bytes, name. Values have lines of their
-// own, with characters beside the octets.
-std::vector<std::string> TlvLines(const std::vector<TlvElement>& elements);
+// The lines of one element, indented by its level: tag, length in bytes, name; then its value, with
+// characters beside the octets. From level 64 on the indent stays, and the level stands as a number
+// before the tag.
+std::vector<std::string> TlvLines(const TlvElement& element);
 
 // Prints the tree of BER-TLV data, given as hexadecimal text with or without white space. Throws
 // Failure after printing what could be read.

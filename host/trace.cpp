@@ -59,9 +59,10 @@ void Trace::Rows(Colour colour, std::string_view label, std::string_view digits)
 }
 
 void Trace::Elements(std::string_view digits) {
-  const Tlv tlv = ReadTlv(digits);
-  if (!tlv.fault.empty()) return;
-  for (const std::string& line : TlvLines(tlv.elements)) Detail(Colour::kPlain, "", line);
+  if (!ReadTlv(digits, [](const TlvElement&) {}).empty()) return;
+  ReadTlv(digits, [this](const TlvElement& element) {
+    for (const std::string& line : TlvLines(element)) Detail(Colour::kPlain, "", line);
+  });
 }
 
 void Trace::Reader(const std::string& reader, bool simulated) {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <iomanip>
+#include <sstream>
+
 #include "host/run_program.h"
 
 namespace host_test {
@@ -66,6 +69,21 @@ TEST_F(Tags, AreEditedAndShown) {
     EXPECT_EQ(outcome.out, step.out) << step.arguments;
     EXPECT_EQ(outcome.err, step.err) << step.arguments;
   }
+}
+
+TEST_F(Tags, TakeALineEachHoweverDeepTheyAreNested) {
+  constexpr size_t kLevels = 5000;
+  std::string digits;
+  for (size_t level = kLevels; level-- > 0;) {
+    std::ostringstream length;
+    length << std::hex << std::setfill('0') << std::setw(6) << digits.size() / 2;
+    digits.insert(0, "7083" + length.str());
+  }
+  const std::string out = RunOrvane("tlv", digits).out;
+  EXPECT_LT(out.size(), kLevels * 160);
+  const std::string indent(2 * 64, ' ');
+  EXPECT_TRUE(Shows(out, '\n' + indent + "70  24675\n" + indent + "65> 70  24670\n")) << out;
+  EXPECT_TRUE(out.ends_with('\n' + indent + "4999> 70  0\n"));
 }
 
 TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {

@@ -7,14 +7,10 @@
 namespace host_test {
 namespace {
 
-// Every element as level, tag, = or (, and value, with a blank behind it.
-std::string Shown(const host::Tlv& tlv) {
-  std::string text;
-  for (const host::TlvElement& element : tlv.elements) {
-    text += std::to_string(element.level) + ":" + std::string(element.tag) +
-            (element.constructed ? "(" : "=") + std::string(element.value) + " ";
-  }
-  return text;
+// An element as level, tag, = or (, and value, with a blank behind it.
+void Show(std::string& text, const host::TlvElement& element) {
+  text += std::to_string(element.level) + ":" + std::string(element.tag) +
+          (element.constructed ? "(" : "=") + std::string(element.value) + " ";
 }
 
 TEST(Tlv, IsReadAsATree) {
@@ -30,7 +26,7 @@ TEST(Tlv, IsReadAsATree) {
       {"70027000", "0:70(7000 1:70( ", ""},
       {"A503570112560134", "0:A5(570112 1:57=12 0:56=34 ", ""},
       {"9F36020001", "0:9F36=0001 ", ""},
-      {"DF81020101", "0:DF8102=01 ", ""},
+      {"DF8181020101", "0:DF818102=01 ", ""},
       {"00005A0112000057000000", "0:5A=12 0:57= ", ""},
       {"5A840000000112", "0:5A=12 ", ""},
       {"5A01125A0212", "0:5A=12 ",
@@ -39,6 +35,7 @@ TEST(Tlv, IsReadAsATree) {
       {"5A", "", "the element at byte 1: its length"},
       {"5A8012", "", "the element at byte 1: its length"},
       {"5A8200", "", "the element at byte 1: its length"},
+      {"5A850000000001125A", "", "the element at byte 1: its length"},
       {"5A84FFFFFFFF", "", "the element at byte 1: its value of 4294967295 bytes"},
       {"9F", "", "the element at byte 1: its tag"},
       {"70019F3600", "0:70(9F ", "the element at byte 3: its tag"},
@@ -46,10 +43,12 @@ TEST(Tlv, IsReadAsATree) {
       {"5A011", "", "an odd number"},
   };
   for (const auto& row : rows) {
-    const host::Tlv tlv = host::ReadTlv(row.digits);
-    EXPECT_EQ(Shown(tlv), row.elements) << row.digits;
-    EXPECT_TRUE(tlv.fault.starts_with(row.fault)) << row.digits << ": " << tlv.fault;
-    EXPECT_EQ(tlv.fault.empty(), std::string(row.fault).empty()) << row.digits;
+    std::string elements;
+    const std::string fault = host::ReadTlv(
+        row.digits, [&](const host::TlvElement& element) { Show(elements, element); });
+    EXPECT_EQ(elements, row.elements) << row.digits;
+    EXPECT_TRUE(fault.starts_with(row.fault)) << row.digits << ": " << fault;
+    EXPECT_EQ(fault.empty(), std::string(row.fault).empty()) << row.digits;
   }
 }
 
