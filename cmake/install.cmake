@@ -64,6 +64,8 @@ if(ORVANE_TOOLS)
   relative_path(libraries ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
   set_target_properties(orvane_host PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/${libraries}")
   install(TARGETS orvane_host COMPONENT program)
+  relative_path(simulators ${CMAKE_INSTALL_BINDIR} ${simulators_folder})
+  target_compile_definitions(orvane_host_parts PRIVATE "INSTALLED_SIMULATORS=\"${simulators}\"")
 
   # WD's simulator in a folder of its own: beside the library it would stand in the place of the
   # vendor's, which the library takes from there and from nowhere else.

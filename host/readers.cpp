@@ -10,6 +10,10 @@
 #include "host/platform.h"
 #include "host/text.h"
 
+#ifndef INSTALLED_SIMULATORS  // from the program's folder, if there is an installation
+#define INSTALLED_SIMULATORS "simulators"
+#endif
+
 namespace host {
 namespace {
 
@@ -51,7 +55,8 @@ std::string Hint(const ReaderAddress& address) {
 
 void LoadSimulators() {
   const std::filesystem::path beside = ProgramFolder() / "simulators",
-                              installed = ProgramFolder().parent_path() / "lib/orvane/simulators";
+                              installed =
+                                  (ProgramFolder() / INSTALLED_SIMULATORS).lexically_normal();
   for (const auto& folder : {beside, installed}) {
     const auto modules = ModulesIn(folder);
     for (const auto& module : modules) {
