@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -7,13 +8,42 @@
 
 namespace host {
 
+// What differs between systems. All texts are UTF-8.
+
+// Opens standard input, output and error on the null device where they are closed, so that nothing
+// that is opened later takes their numbers. To ReadSome and WriteSome they stay closed. Call it
+// before anything else.
+void OpenStandardDescriptors();
+
+// A file for reading; -1, with the reason in errno, if it can't be opened.
+int OpenFile(const std::string& name);
+void CloseFile(int descriptor);
+
+// Reads what is there, at most size octets, or waits for some. 0 at the end; -1 with the reason in
+// errno. The area is at least 4,096 octets.
+std::ptrdiff_t ReadSome(int descriptor, char* area, size_t size);
+
+// Writes some of it and gives how much; -1 with the reason in errno.
+std::ptrdiff_t WriteSome(int descriptor, std::string_view text);
+
 // True if standard output is a terminal that understands colour sequences, unless the environment
-// has NO_COLOR. Makes it ready for them and for UTF-8 where that takes a call.
+// has NO_COLOR. Makes a terminal ready for them where that takes a call, until the program ends.
 bool OutputTakesColour();
 
 bool InputIsTerminal();
+bool OutputIsTerminal();
 
-// Where this program's file stands.
+// Reads a line from the terminal, without its end; none at the end of input. Ctrl-C drops the line
+// and gives an empty one. Once this has been called, the first Ctrl-C between two lines changes
+// nothing, and the second one ends the program.
+std::optional<std::string> EditLine(const std::string& prompt);
+
+// Offers a line for recall by the arrow keys, where there is line editing.
+void RememberLine(const std::string& line);
+
+std::optional<std::string> EnvironmentVariable(const std::string& name);
+
+// Where this program's file stands. Throws Failure (kReaderFault) if the system doesn't tell.
 std::filesystem::path ProgramFolder();
 
 // The ending of a module's file name.
@@ -26,10 +56,9 @@ bool LoadModule(const std::filesystem::path& file);
 // True if a module stands loaded under this vendor's name and exports such a function.
 bool LoadedModuleExports(std::string_view vendor, const char* function);
 
-// Reads a line from the terminal, without its end; none at the end of input.
-std::optional<std::string> EditLine(const std::string& prompt);
-
-// Offers a line for recall by the arrow keys, where there is line editing.
-void RememberLine(const std::string& line);
+// Names of readers as the library takes and gives them, which on Windows is the ANSI code page.
+// ToLibrary throws Failure (kReaderFault) if that lacks one of the characters.
+std::string ToLibrary(const std::string& name);
+std::string FromLibrary(std::string_view name);
 
 }  // namespace host

@@ -75,7 +75,8 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
   const int32_t count = GetReaderList(kind, list.data(), ports, limit);
   std::vector<std::string> names;
   names.reserve(list.size());
-  for (int32_t at = 0; at < count; ++at) names.emplace_back(list[static_cast<size_t>(at)].name);
+  for (int32_t at = 0; at < count; ++at)
+    names.push_back(FromLibrary(list[static_cast<size_t>(at)].name));
   return names;
 }
 
@@ -141,7 +142,7 @@ ReaderAddress Readers::Open(std::string_view text) {
   kinds_[current_].reset();
   if (!address.port) address.name = MatchReaderName(address.name, ListReaders(address.kind, 0));
   const int32_t opened = address.port ? OpenReader(*address.port, address.kind, kBaudRate)
-                                      : OpenReaderA(address.name.c_str(), address.kind);
+                                      : OpenReaderA(ToLibrary(address.name).c_str(), address.kind);
   if (opened == 0) {
     throw Failure(kReaderFault, "can't open the reader " + address.Shown() + Hint(address));
   }

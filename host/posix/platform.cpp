@@ -6,20 +6,33 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "host/failure.h"
+
 namespace host {
 
 bool OutputTakesColour() {
   const char* terminal = std::getenv("TERM");
   const char* refusal = std::getenv("NO_COLOR");
   if (refusal != nullptr && *refusal != '\0') return false;
-  return isatty(STDOUT_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+  return OutputIsTerminal() && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
 bool InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
+bool OutputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+  const char* const value = std::getenv(name.c_str());
+  return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+}
 
 std::filesystem::path ProgramFolder() {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  if (folder.is_absolute()) return folder;
+  throw Failure(kReaderFault,
+                "the system does not tell where this program stands, so that its simulators can't "
+                "be found: /proc/self/exe: " +
+                    error.message());
 }
 
 std::string_view ModuleExtension() { return ".so"; }
@@ -36,5 +49,8 @@ bool LoadedModuleExports(std::string_view vendor, const char* function) {
   dlclose(module);
   return found;
 }
+
+std::string ToLibrary(const std::string& name) { return name; }
+std::string FromLibrary(std::string_view name) { return std::string(name); }
 
 }  // namespace host

@@ -1,30 +1,19 @@
 #include "host/platform.h"
 
 #define WIN32_LEAN_AND_MEAN
-#include <io.h>
-#include <stdio.h>
 #include <windows.h>
 
 #include <vector>
 
-#ifndef ENABLE_VIRTUAL_TERMINAL_PROCESSING
-#define ENABLE_VIRTUAL_TERMINAL_PROCESSING 0x0004
-#endif
+#include "host/failure.h"
+#include "host/windows/wide.h"
 
 namespace host {
 
-bool OutputTakesColour() {
-  if (_isatty(_fileno(stdout)) == 0) return false;
-  SetConsoleOutputCP(CP_UTF8);
-  // The size that an unset or empty variable needs is at most its terminator.
-  if (GetEnvironmentVariableA("NO_COLOR", nullptr, 0) > 1) return false;
-  const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
-  DWORD mode = 0;
-  return GetConsoleMode(console, &mode) != 0 &&
-         SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+  const wchar_t* const value = _wgetenv(ToWide(name).c_str());
+  return value != nullptr ? std::optional<std::string>(FromWide(value)) : std::nullopt;
 }
-
-bool InputIsTerminal() { return _isatty(_fileno(stdin)) != 0; }
 
 std::filesystem::path ProgramFolder() {
   std::vector<wchar_t> name(32768);
@@ -39,6 +28,31 @@ bool LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_
 bool LoadedModuleExports(std::string_view vendor, const char* function) {
   const HMODULE module = GetModuleHandleA((std::string(vendor) + ".dll").c_str());
   return module != nullptr && GetProcAddress(module, function) != nullptr;
+}
+
+std::string ToLibrary(const std::string& name) {
+  const std::wstring wide = ToWide(name);
+  const int count = static_cast<int>(wide.size());
+  // UTF-8 as the ANSI code page knows neither best fits nor lost characters.
+  const bool loses = GetACP() != CP_UTF8;
+  const DWORD flags = loses ? WC_NO_BEST_FIT_CHARS : 0;
+  BOOL lost = FALSE;
+  BOOL* const tellsLost = loses ? &lost : nullptr;
+  const int room =
+      WideCharToMultiByte(CP_ACP, flags, wide.data(), count, nullptr, 0, nullptr, tellsLost);
+  std::string text(static_cast<size_t>(room), '\0');
+  WideCharToMultiByte(CP_ACP, flags, wide.data(), count, text.data(), room, nullptr, tellsLost);
+  if (!lost) return text;
+  throw Failure(kReaderFault, "the code page " + std::to_string(GetACP()) +
+                                  " lacks a character of the reader's name \"" + name + '"');
+}
+
+std::string FromLibrary(std::string_view name) {
+  const int count = static_cast<int>(name.size());
+  const int room = MultiByteToWideChar(CP_ACP, 0, name.data(), count, nullptr, 0);
+  std::wstring wide(static_cast<size_t>(room), L'\0');
+  MultiByteToWideChar(CP_ACP, 0, name.data(), count, wide.data(), room);
+  return FromWide(wide);
 }
 
 }  // namespace host

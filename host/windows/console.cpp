@@ -1,0 +1,131 @@
+#include "host/windows/console.h"
+
+#define WIN32_LEAN_AND_MEAN
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+#include <vector>
+
+#include "host/platform.h"
+#include "host/windows/wide.h"
+
+#ifndef ENABLE_VIRTUAL_TERMINAL_PROCESSING
+#define ENABLE_VIRTUAL_TERMINAL_PROCESSING 0x0004
+#endif
+
+namespace host {
+namespace {
+
+HANDLE HandleOf(int descriptor) { return reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)); }
+
+// What a console is given back as.
+std::atomic<HANDLE> changedOutput = nullptr;
+DWORD givenMode = 0;
+
+void GiveBack() {
+  if (const HANDLE output = changedOutput.exchange(nullptr)) SetConsoleMode(output, givenMode);
+}
+
+// How many times Ctrl-C is let pass before it ends the program.
+std::atomic<int> interruptsLeft = 0;
+
+BOOL WINAPI HandleControl(DWORD event) {
+  if (event == CTRL_C_EVENT && interruptsLeft > 0) {
+    --interruptsLeft;
+    return TRUE;
+  }
+  GiveBack();
+  return FALSE;
+}
+
+void HandleControls() {
+  static const bool handled = SetConsoleCtrlHandler(HandleControl, TRUE) != 0;
+  static_cast<void>(handled);
+}
+
+}  // namespace
+
+bool IsConsole(int descriptor) {
+  DWORD mode = 0;
+  return GetConsoleMode(HandleOf(descriptor), &mode) != 0;
+}
+
+std::ptrdiff_t ReadFromConsole(char* area, size_t size) {
+  constexpr size_t kMostOctets = 3;  // of UTF-8, for one unit of UTF-16
+  std::vector<wchar_t> units(size / kMostOctets);
+  DWORD count = 0;
+  SetLastError(ERROR_SUCCESS);
+  const BOOL read =
+      ReadConsoleW(HandleOf(0), units.data(), static_cast<DWORD>(units.size()), &count, nullptr);
+  if (read == 0 || (count == 0 && GetLastError() == ERROR_OPERATION_ABORTED)) {
+    errno = GetLastError() == ERROR_OPERATION_ABORTED ? EINTR : EIO;
+    return -1;
+  }
+  constexpr wchar_t kCtrlZ = 0x1A;
+  if (count == 0 || units[0] == kCtrlZ) return 0;
+  const std::string text = FromWide({units.data(), count});
+  std::copy(text.begin(), text.end(), area);
+  return static_cast<std::ptrdiff_t>(text.size());
+}
+
+std::ptrdiff_t WriteToConsole(int descriptor, std::string_view text) {
+  const std::wstring wide = ToWide(text);
+  DWORD count = 0;
+  if (WriteConsoleW(HandleOf(descriptor), wide.data(), static_cast<DWORD>(wide.size()), &count,
+                    nullptr) == 0) {
+    errno = EIO;
+    return -1;
+  }
+  return static_cast<std::ptrdiff_t>(text.size());
+}
+
+bool OutputTakesColour() {
+  if (!IsConsole(1)) return false;
+  const HANDLE output = HandleOf(1);
+  DWORD mode = 0;
+  GetConsoleMode(output, &mode);
+  const bool ready = SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+  if (ready && changedOutput == nullptr) {
+    givenMode = mode;
+    changedOutput = output;
+    HandleControls();
+    std::atexit(GiveBack);
+  }
+  return ready && EnvironmentVariable("NO_COLOR").value_or("").empty();
+}
+
+bool InputIsTerminal() { return IsConsole(0); }
+bool OutputIsTerminal() { return IsConsole(1); }
+
+std::optional<std::string> EditLine(const std::string& prompt) {
+  static const int output = OutputIsTerminal() ? 1 : _wopen(L"CONOUT$", _O_RDWR);
+  HandleControls();
+  interruptsLeft = std::numeric_limits<int>::max();
+  WriteToConsole(output, prompt);
+  std::string line;
+  std::array<char, 32768> area;
+  std::ptrdiff_t count = 0;
+  do {
+    count = ReadFromConsole(area.data(), area.size());
+    if (count > 0) line.append(area.data(), static_cast<size_t>(count));
+  } while (count > 0 && !line.ends_with('\n'));
+  interruptsLeft = 1;
+  if (count < 0 && errno == EINTR) {
+    WriteToConsole(output, "\n");
+    return "";
+  }
+  if (count <= 0) return std::nullopt;
+  line.erase(line.find_last_not_of("\r\n") + 1);
+  return line;
+}
+
+void RememberLine(const std::string&) {}  // the console does
+
+}  // namespace host
