@@ -1,14 +1,13 @@
+#include "host/main.h"
+
 #include <CLI/CLI.hpp>
-#include <cstdlib>
+#include <algorithm>
 #include <exception>
-#include <fstream>
 #include <iostream>
-#include <iterator>
-#include <string>
-#include <vector>
 
 #include "host/failure.h"
 #include "host/options.h"
+#include "host/output.h"
 #include "host/platform.h"
 #include "host/reader_list.h"
 #include "host/script.h"
@@ -16,29 +15,27 @@
 #include "host/shell.h"
 #include "host/tags_dictionary.h"
 #include "host/text.h"
+#include "host/text_input.h"
 #include "host/tlv_tree.h"
 
 namespace host {
 namespace {
 
 bool WantsColour(const Options& options) {
-  return options.colour == "auto" ? OutputTakesColour() : options.colour == "always";
+  if (options.colour == "never") return false;
+  const bool takes = OutputTakesColour();
+  return takes || options.colour == "always";
 }
 
 void StoreDefinitions(const Options& options) {
   for (const auto& [name, value] : Definitions(options)) SetVariable(name, value);
 }
 
-std::string Environment(const char* name) {
-  const char* const value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
 // What run, shell and apdu have in common: a session on the reader that was asked for.
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
-      : readers_(options.kind, options.simulate, Environment("ORVANE_READER")),
+      : readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or("")),
         silent_(nullptr),
         trace_(options.quiet ? silent_ : std::cout,
                {.colour = WantsColour(options), .tlv = options.tlv}),
@@ -75,10 +72,10 @@ void SendCommands(const Options& options) {
   for (const std::string& command : options.commands) workplace.Work().Send(command);
 }
 
-void StartShell(const Options& options) {
+int StartShell(const Options& options) {
   const bool interactive = InputIsTerminal();
-  Workplace workplace(options, !interactive);
-  RunShell(workplace.Work(), interactive);
+  Workplace workplace(options, !interactive || !OutputIsTerminal());
+  return RunShell(workplace.Work(), interactive);
 }
 
 void ShowReaders(const Options& options) {
@@ -89,15 +86,8 @@ void ShowReaders(const Options& options) {
 void ShowTlv(const Options& options) {
   std::string text;
   for (const std::string& part : options.data) text += part;
-  if (options.data.empty()) text.assign(std::istreambuf_iterator<char>(std::cin), {});
+  if (options.data.empty()) text = TextInput("-").Rest();
   PrintTlv(std::cout, text);
-}
-
-std::vector<TagEntry> TagList(const std::string& file) {
-  if (file == "-") return ReadTagList(std::cin, "<stdin>");
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw Failure(kFileFault, "can't open " + file);
-  return ReadTagList(in, file);
 }
 
 void EditTags(const CLI::App& tags, const Options& options) {
@@ -106,24 +96,29 @@ void EditTags(const CLI::App& tags, const Options& options) {
   if (tags.got_subcommand("add")) AddTag(options.entry, options.replace);
   if (tags.got_subcommand("remove")) RemoveTag(options.entry.tag);
   if (tags.got_subcommand("import")) {
-    const size_t count = ImportTags(TagList(options.tagList));
+    const size_t count = ImportTags(ReadTagList(options.tagList));
     std::cout << count << (count == 1 ? " entry\n" : " entries\n");
   }
 }
 
-int Main(int count, char** arguments) {
+int Carry(const CLI::App& app, const Options& options) {
+  if (app.got_subcommand("run")) RunFile(options);
+  if (app.got_subcommand("apdu")) SendCommands(options);
+  if (app.got_subcommand("shell")) return StartShell(options);
+  if (app.got_subcommand("readers")) ShowReaders(options);
+  if (app.got_subcommand("tlv")) ShowTlv(options);
+  if (app.got_subcommand("tags")) EditTags(*app.get_subcommand("tags"), options);
+  return kDone;
+}
+
+int Work(std::vector<std::string> arguments) {
   Options options;
   CLI::App app;
   DescribeOptions(app, options);
   try {
-    app.parse(count, arguments);
-    if (app.got_subcommand("run")) RunFile(options);
-    if (app.got_subcommand("apdu")) SendCommands(options);
-    if (app.got_subcommand("shell")) StartShell(options);
-    if (app.got_subcommand("readers")) ShowReaders(options);
-    if (app.got_subcommand("tlv")) ShowTlv(options);
-    if (app.got_subcommand("tags")) EditTags(*app.get_subcommand("tags"), options);
-    return kDone;
+    std::reverse(arguments.begin(), arguments.end());  // as this function wants them
+    app.parse(std::move(arguments));
+    return Carry(app, options);
   } catch (const CLI::Success& request) {
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
@@ -136,11 +131,22 @@ int Main(int count, char** arguments) {
 }
 
 }  // namespace
-}  // namespace host
 
-int main(int count, char** arguments) try {
-  return host::Main(count, arguments);
-} catch (const std::exception& error) {
-  host::PrintFailure({host::kScriptFault, error.what()});
-  return host::kScriptFault;
+int Main(std::vector<std::string> arguments) {
+  OpenStandardDescriptors();
+  const StandardStreams streams;
+  try {
+    const int code = Work(std::move(arguments));
+    if (!std::cout.bad()) std::cout.flush();
+    std::cerr.flush();
+    return code == kDone && std::cerr.bad() ? kFileFault : code;
+  } catch (const Failure& failure) {  // there is no standard output
+    PrintFailure(failure);
+    return failure.Code();
+  } catch (const std::exception& error) {
+    PrintFailure({kScriptFault, error.what()});
+    return kScriptFault;
+  }
 }
+
+}  // namespace host

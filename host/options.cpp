@@ -119,6 +119,7 @@ void DescribeTags(CLI::App& tags, Options& options) {
 
 void DescribeOptions(CLI::App& app, Options& options) {
   app.name("orvane");
+  app.allow_windows_style_options(false);  // a path may begin with a slash
   app.description("Runs card scripts and APDUs against smart-card readers.");
   app.footer(kShortFooter);  // what the subcommands inherit
   app.require_subcommand(1);

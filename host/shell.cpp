@@ -4,6 +4,7 @@
 
 #include "host/failure.h"
 #include "host/platform.h"
+#include "host/text_input.h"
 
 namespace host {
 namespace {
@@ -24,15 +25,13 @@ bool OnlyLooks(const Statement& statement) {
          (statement.calls.empty() || !statement.calls.back().forHost);
 }
 
-std::optional<std::string> NextLine(bool interactive) {
-  if (interactive) return EditLine("orvane> ");
-  std::string line;
-  if (!std::getline(std::cin, line)) return std::nullopt;
-  if (line.ends_with('\r')) line.pop_back();
-  return line;
-}
-
+// False if it is the last one.
 bool RunLine(Session& session, const std::string& line, bool interactive) {
+  if (line == "quit" || line == "exit") return false;
+  if (line == "help") {
+    std::cout << kHelp << std::flush;
+    return true;
+  }
   constexpr std::string_view kSend = "send ";
   const bool send = line.starts_with(kSend);
   const Statement statement = ReadStatement(send ? line.substr(kSend.size()) : line);
@@ -47,20 +46,20 @@ bool RunLine(Session& session, const std::string& line, bool interactive) {
 
 }  // namespace
 
-void RunShell(Session& session, bool interactive) {
-  if (interactive) std::cout << "Statements of the card script; help, quit\n";
-  while (const std::optional<std::string> line = NextLine(interactive)) {
-    if (*line == "quit" || *line == "exit") break;
-    if (*line == "help") {
-      std::cout << kHelp;
-      continue;
-    }
+int RunShell(Session& session, bool interactive) {
+  if (interactive) std::cout << "Statements of the card script; help, quit\n" << std::flush;
+  TextInput in("-");
+  int firstFailure = kDone;
+  while (const auto line = interactive ? EditLine("orvane> ") : in.NextLine()) {
     try {
       if (!RunLine(session, *line, interactive)) break;
     } catch (const Failure& failure) {
+      if (std::cout.bad()) throw;
       PrintFailure(failure);
+      if (firstFailure == kDone) firstFailure = failure.Code();
     }
   }
+  return interactive ? kDone : firstFailure;
 }
 
 }  // namespace host

@@ -5,7 +5,8 @@
 namespace host {
 
 // Takes statements from standard input until its end, @stop() or quit. A failed one is told on
-// standard error, and the next one is taken.
-void RunShell(Session& session, bool interactive);
+// standard error, and the next one is taken. Gives the exit code: that of the first failure, or
+// kDone after a person's session.
+int RunShell(Session& session, bool interactive);
 
 }  // namespace host

@@ -11,6 +11,7 @@
 
 #include "host/failure.h"
 #include "host/text.h"
+#include "host/text_input.h"
 
 namespace host {
 namespace {
@@ -146,11 +147,13 @@ size_t ImportTags(const std::vector<TagEntry>& entries) {
   return records.size();
 }
 
-std::vector<TagEntry> ReadTagList(std::istream& in, const std::string& source) {
+std::vector<TagEntry> ReadTagList(const std::string& file) {
+  TextInput in(file);
   std::vector<TagEntry> entries;
-  std::string line;
-  for (size_t number = 1; std::getline(in, line); ++number) {
-    const std::string content = Trimmed(line);
+  size_t number = 0;
+  while (const std::optional<std::string> line = in.NextLine()) {
+    ++number;
+    const std::string content = Trimmed(*line);
     if (content.empty() || content.starts_with('#')) continue;
     const size_t gap = std::min(content.find_first_of(" \t"), content.size());
     const size_t bar = std::min(content.find('|', gap), content.size());
@@ -160,7 +163,7 @@ std::vector<TagEntry> ReadTagList(std::istream& in, const std::string& source) {
       CheckEntry(entry);
     } catch (const Failure& failure) {
       throw ScriptFailure(failure.Code(),
-                          source + ":" + std::to_string(number) + ": " + failure.what());
+                          in.Name() + ":" + std::to_string(number) + ": " + failure.what());
     }
     entries.push_back(std::move(entry));
   }

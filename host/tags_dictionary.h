@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <istream>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -31,8 +30,8 @@ void RemoveTag(std::string_view tag);
 // Adds or replaces all entries of a list and gives their number.
 size_t ImportTags(const std::vector<TagEntry>& entries);
 
-// Reads a list: a line an entry, TAG NAME or TAG NAME | TEXT; empty lines and lines that begin with
-// # say nothing. Messages name the source.
-std::vector<TagEntry> ReadTagList(std::istream& in, const std::string& source);
+// Reads a list from a file or, for "-", standard input: a line an entry, TAG NAME or
+// TAG NAME | TEXT; empty lines and lines that begin with # say nothing.
+std::vector<TagEntry> ReadTagList(const std::string& file);
 
 }  // namespace host

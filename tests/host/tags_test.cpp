@@ -56,7 +56,7 @@ TEST_F(Tags, AreEditedAndShown) {
       {"tags import -", 3, "", "<stdin>:1: the name has more than 199 bytes\n",
        "58 " + std::string(200, 'n') + "\n"},
       {"tags list", 0, "5A      Third\n57      Fourth\n", "", ""},
-      {"tags import missing.txt", 5, "", "orvane: can't open missing.txt\n", ""},
+      {"tags import missing.txt", 5, "", "orvane: can't open missing.txt: No such file or directory\n", ""},
       {"tags import " + list, 0, "49 entries\n", "", ""},
       {"tags find 6f", 0,
        "6F      File control information\n"
