@@ -180,7 +180,7 @@ TEST_F(Program, ReportsReaderTrouble) {
 
 TEST_F(Program, CarriesOutTheExampleWithKeys) {
   const Outcome outcome =
-      RunOrvane("run --simulate " ORVANE_SOURCE_FOLDER "/examples/authenticate.orv");
+      RunOrvane("run --simulate '" ORVANE_SOURCE_FOLDER "/examples/authenticate.orv'");
   EXPECT_EQ(outcome.exitCode, 0) << outcome.out << outcome.err;
   // A master key, and the key that is derived from it.
   for (const char* secret : {"4041424344454647", "0B96FA2D051A6E0B"}) {

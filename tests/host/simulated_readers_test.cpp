@@ -21,7 +21,7 @@ TEST_F(SimulatedReaders, OfEveryMakerRunTheExample) {
        {"1:USB1", "1:1", "2:COM1", "2:1", "3:Simulated Reader 0", "3:1", "4:WDUSB1", "5:COM1",
         "5:COM100(D8USB)", "5:1", "5:100", "7:COM1", "7:1", "8:COM1", "8:1", "12:BSIT:1", "12:1"}) {
     const Outcome outcome = RunOrvane("run --simulate -r \"" + reader +
-                                      "\" " ORVANE_SOURCE_FOLDER "/examples/payment.orv");
+                                      "\" '" ORVANE_SOURCE_FOLDER "/examples/payment.orv'");
     EXPECT_EQ(outcome.exitCode, 0) << reader << '\n' << outcome.err;
     EXPECT_EQ(outcome.err, "") << reader;
     EXPECT_TRUE(Shows(outcome.out, kSimulated)) << reader << '\n' << outcome.out;

@@ -15,7 +15,7 @@ class Tags : public testing::Test {
 };
 
 TEST_F(Tags, AreEditedAndShown) {
-  const std::string list = ORVANE_SOURCE_FOLDER "/examples/tags.txt";
+  const std::string list = "'" ORVANE_SOURCE_FOLDER "/examples/tags.txt'";
   const struct {
     std::string arguments;
     int exitCode;
