@@ -1,18 +1,24 @@
 #include "platform/clock.h"
 
-#include <time.h>
+#include <chrono>
 
 namespace orvane::platform {
 
 CalendarTime UtcNow() {
-  timespec now{};
-  clock_gettime(CLOCK_REALTIME, &now);
-  tm fields{};
-  gmtime_r(&now.tv_sec, &fields);
+  // Counted here: gmtime takes leap seconds off where the environment's TZ counts them.
+  using namespace std::chrono;
+  const auto now = floor<milliseconds>(system_clock::now());
+  const auto today = floor<days>(now);
+  const year_month_day date(today);
+  const hh_mm_ss time(now - today);
   const auto field = [](auto value) { return static_cast<std::uint16_t>(value); };
-  return {field(fields.tm_year + 1900),  field(fields.tm_mon + 1), field(fields.tm_mday),
-          field(fields.tm_hour),         field(fields.tm_min),     field(fields.tm_sec),
-          field(now.tv_nsec / 1'000'000)};
+  return {.year = field(static_cast<int>(date.year())),
+          .month = field(static_cast<unsigned>(date.month())),
+          .day = field(static_cast<unsigned>(date.day())),
+          .hour = field(time.hours().count()),
+          .minute = field(time.minutes().count()),
+          .second = field(time.seconds().count()),
+          .millisecond = field(time.subseconds().count())};
 }
 
 }  // namespace orvane::platform
