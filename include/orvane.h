@@ -258,7 +258,8 @@ ORVANE_API int32_t IntToHexStr(char* out, int32_t value, int32_t* length);
  */
 
 /* From the ANSI code page to UTF-8.
- *   out  room for three times the length of text */
+ *   out  room for three times the length of text. One character set takes more (TSCII, for Tamil):
+ *        there the text ends behind the last character that fits */
 ORVANE_API void ASCII2UTF_8(const char* text, char* out);
 
 /* From UTF-8 to the OEM code page. On Windows it does not undo ASCII2UTF_8.

@@ -60,6 +60,15 @@ class Converter {
     }
   }
 
+  // Appends a character that is held back until it is known whether the next one belongs to it.
+  void Flush(std::string& out) {
+    std::array<char, 64> area;
+    char* next = area.data();
+    std::size_t room = area.size();
+    iconv(descriptor_, nullptr, nullptr, &next, &room);
+    out.append(area.data(), area.size() - room);
+  }
+
  private:
   iconv_t descriptor_;
 };
@@ -74,6 +83,7 @@ std::optional<std::string> Decode(const std::string& from, std::string_view text
   if (!converter) return std::nullopt;
   std::string out;
   while (!converter.Convert(text, out)) {
+    converter.Flush(out);
     out += Bytes(u"\uFFFD");
     text.remove_prefix(1);
   }
@@ -94,10 +104,14 @@ std::optional<std::string> Encode(const std::string& to, std::u16string_view tex
   std::string out;
   while (!text.empty()) {
     const auto character = text.substr(0, IsPair(text) ? 2 : 1);
+    const bool isTag = character[0] == kTagLead;
+    if (isTag) converter.Flush(out);
     const std::size_t before = out.size();
     std::string_view bytes = Bytes(character);
-    const bool maps = converter.Convert(bytes, out);
-    if (!maps || (out.size() == before && character[0] == kTagLead)) out += '?';
+    if (!converter.Convert(bytes, out) || (isTag && out.size() == before)) {
+      converter.Flush(out);
+      out += '?';
+    }
     text.remove_prefix(character.size());
   }
   return out;

@@ -88,6 +88,15 @@ TEST_F(Locales, ReplaceWhatDoesNotMap) {
               {"GB18030", ASCII2UTF_8, "\x81\x30",
                "\xEF\xBF\xBD"
                "0"},
+              // Behind a character that iconv holds back.
+              {"CP1255", ASCII2UTF_8, "\xE0\xD9\x41", "\xD7\x90\xEF\xBF\xBD\x41"},
+              {"CP1258", ASCII2UTF_8, "\x61\x8A\x62", "\x61\xEF\xBF\xBD\x62"},
+              {"BIG5-HKSCS", ASCII2UTF_8, "\x88\x66\xFF", "\xC3\x8A\xEF\xBF\xBD"},
+              {"BIG5-HKSCS", UTF_82ASCII, "\xC3\x8A\xF0\x9F\x98\x80", "\x88\x66?"},
+              {"BIG5-HKSCS", UTF_82ASCII, "\xC3\x8A\xF3\xA0\x81\x81", "\x88\x66?"},
+              // What one octet becomes may not fit: whole characters that do.
+              {"TSCII", ASCII2UTF_8, "\x82", "\xE0\xAE\xB8"},
+              {"TSCII", ASCII2UTF_8, "a\x82", "a\xE0\xAE\xB8"},
               {"GB18030", UTF_82ASCII, "\xFF\xFF", "\x84\x31\xA4\x37\x84\x31\xA4\x37"}};
   for (const auto& row : rows) {
     Use(row.locale);
