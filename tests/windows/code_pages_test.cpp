@@ -6,6 +6,7 @@
 #include <string>
 
 #include "orvane.h"
+#include "support/windows/replaced_import.h"
 
 namespace {
 
@@ -65,6 +66,23 @@ TEST_F(CodePages, HoldTheNamesOfEncryptionMachines) {
   ASSERT_EQ(GetReaderList(ReaderKindTcp, list, 1, 0), 1);
   EXPECT_STREQ(list[0].name, pages_->machine);
   EXPECT_EQ(GetReaderList(ReaderKindTcp, list, 20, 0), 16);
+}
+
+// Wine lets a call pass that Windows refuses.
+int WINAPI ToAnsiUtf8(UINT page, DWORD flags, const wchar_t* wide, int units, char* out, int room,
+                      const char* missing, BOOL*) {
+  EXPECT_EQ(page, CP_ACP);
+  if (missing != nullptr) return 0;
+  return WideCharToMultiByte(CP_UTF8, flags, wide, units, out, room, nullptr, nullptr);
+}
+
+TEST(CodePage, OfAnsiMayBeUtf8) {
+  const support::ReplacedImport page(
+      "orvane.dll", "GetACP", +[]() -> UINT { return CP_UTF8; });
+  const support::ReplacedImport call("orvane.dll", "WideCharToMultiByte", ToAnsiUtf8);
+  ReaderInfo list[16];
+  ASSERT_EQ(GetReaderList(ReaderKindTcp, list, 1, 0), 1);
+  EXPECT_STREQ(list[0].name, "\xE5\x8A\xA0\xE5\xAF\x86\xE6\x9C\xBA\x31");
 }
 
 }  // namespace

@@ -32,8 +32,10 @@ std::string AnsiText(std::u16string_view text) {
   if (text.empty()) return {};
   const auto* const wide = reinterpret_cast<const wchar_t*>(text.data());
   const auto units = static_cast<int>(text.size());
+  // UTF-8 lacks nothing, and the call fails if it is told what to put in a character's place.
+  const char* const missing = GetACP() == CP_UTF8 ? nullptr : "?";
   const auto convert = [&](char* area, int room) {
-    return WideCharToMultiByte(CP_ACP, 0, wide, units, area, room, "?", nullptr);
+    return WideCharToMultiByte(CP_ACP, 0, wide, units, area, room, missing, nullptr);
   };
   std::string out(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
   out.resize(static_cast<std::size_t>(convert(out.data(), static_cast<int>(out.size()))));
