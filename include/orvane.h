@@ -305,7 +305,8 @@ ORVANE_API void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int
  * These append to a file that the caller names, and create it if it is missing. Nothing is added,
  * neither time nor line end. The file is open only during the call. If it can't be opened, nothing
  * is written and nothing is reported. One lock in the process serves both functions, so they may be
- * called from any thread, and every entry stays whole.
+ * called from any thread, and every entry stays whole, also where other processes append to the same
+ * file.
  */
 
 /* Appends a text. A line feed in it becomes CR LF on Windows. */

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace orvane::platform {
@@ -14,11 +15,15 @@ class TextFile {
   TextFile& operator=(const TextFile&) = delete;
   ~TextFile();
 
-  // Writes what the system takes: a failure is not reported.
+  // Writes what the system takes: a failure is not reported. The text is written in one step, so
+  // that it stays whole when other processes append as well, unless Windows lacks memory to store
+  // its line ends.
   void Append(std::string_view text);
 
  private:
-  int descriptor_ = -1;
+  static constexpr std::intptr_t kNone = -1;
+
+  std::intptr_t file_ = kNone;
 };
 
 }  // namespace orvane::platform

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <memory>
 #include <mutex>
+#include <new>
 
 #include "orvane.h"
 #include "platform/log_mutex.h"
@@ -20,12 +22,17 @@ void AsciiLog(const char* path, const char* text) {
 }
 
 void HexLog(const char* path, const unsigned char* octets, int32_t count) {
-  char text[4096];
   LogMutex mutex;
   const std::lock_guard lock(mutex);
   TextFile file(path);
-  for (std::size_t left = count > 0 ? static_cast<std::size_t>(count) : 0; left > 0;) {
-    const std::size_t piece = std::min(left, sizeof text / 2);
+  std::size_t left = count > 0 ? static_cast<std::size_t>(count) : 0;
+  // One piece keeps the entry whole. Where there is no memory for it, there are more.
+  char area[4096];
+  const std::unique_ptr<char[]> large(new (std::nothrow) char[2 * left]);
+  char* const text = large ? large.get() : area;
+  const std::size_t most = large ? left : sizeof area / 2;
+  while (left > 0) {
+    const std::size_t piece = std::min(left, most);
     orvane::EncodeHex(octets, piece, text);
     file.Append({text, 2 * piece});
     octets += piece;

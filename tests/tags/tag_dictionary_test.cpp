@@ -3,29 +3,16 @@
 #include <algorithm>
 #include <cstring>
 #include <random>
-#include <stdexcept>
 
-#include "support/module_loading.h"
+#include "support/library_copy.h"
 #include "tags/dictionary.h"
 
 namespace orvane_test {
 namespace {
 
-// A dictionary that no call has touched yet, as a process has it that has just begun: that of a
-// copy of the library, loaded from a file of its own, which stays loaded.
+// A dictionary that no call has touched yet, as a process has it that has just begun.
 class DictionaryProcess {
  public:
-  DictionaryProcess() {
-    const std::string name = support::ModuleFileName("orvane");
-    const auto folder = MakeTemporaryFolder();
-    std::filesystem::copy_file(std::filesystem::path(ORVANE_BUILD_FOLDER) / name, folder / name);
-    std::string why;
-    module_ = support::LoadModule(folder / name, why);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-    if (module_ == nullptr) throw std::runtime_error(why);
-  }
-
   List Records() const { return ListOf(Export<decltype(GetTagdict)>("GetTagdict")); }
   int Find(const std::string& tag, TagdictData& out) const {
     return Export<decltype(FindTagdictData)>("FindTagdictData")(tag.c_str(), &out);
@@ -47,7 +34,7 @@ class DictionaryProcess {
     return reinterpret_cast<Function*>(support::FindExport(module_, name));
   }
 
-  void* module_;
+  void* const module_ = support::LoadLibraryCopy();
 };
 
 std::string operator""_octets(const char* text, std::size_t size) { return {text, size}; }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "orvane.h"
+#include "support/library_copy.h"
 
 namespace {
 
@@ -80,20 +81,23 @@ TEST_F(LogFiles, ThatCannotBeOpenedLeaveTheLockFree) {
   EXPECT_EQ(Content(Path("log.txt")), "kept");
 }
 
-TEST_F(LogFiles, HoldWholeEntriesOfTwoThreads) {
+TEST_F(LogFiles, HoldWholeEntriesOfThreadsAndProcesses) {
   const std::string path = Path("log.txt");
-  constexpr std::size_t kEntries = 400;
-  // More octets than are converted at a time, so that one entry is several writes.
+  constexpr std::size_t kEntries = 300;
   const auto octets = Octets(5000);
-  const std::string hex = Hex(octets), text = "<" + std::string(9000, 't') + ">";
-  std::thread other([&] {
-    for (std::size_t i = 0; i < kEntries; ++i) AsciiLog(path.c_str(), text.c_str());
-  });
+  const std::string hex = Hex(octets), text = "<" + std::string(9000, 't') + "\n>";
+  void* const copy = support::LoadLibraryCopy();
+  const auto log = reinterpret_cast<decltype(AsciiLog)*>(support::FindExport(copy, "AsciiLog"));
+  const auto write = [&](decltype(AsciiLog)* entry) {
+    for (std::size_t i = 0; i < kEntries; ++i) entry(path.c_str(), text.c_str());
+  };
+  std::thread other(write, AsciiLog), elsewhere(write, log);
   for (std::size_t i = 0; i < kEntries; ++i) HexLog(path.c_str(), octets.data(), 5000);
   other.join();
+  elsewhere.join();
 
   const std::string content = Content(path);
-  ASSERT_EQ(content.size(), kEntries * (hex.size() + text.size()));
+  ASSERT_EQ(content.size(), kEntries * (hex.size() + 2 * text.size()));
   for (std::size_t at = 0; at < content.size();) {
     const std::string& entry = content[at] == '<' ? text : hex;
     ASSERT_EQ(content.compare(at, entry.size(), entry), 0) << at;

@@ -10,16 +10,16 @@
 namespace orvane::platform {
 
 TextFile::TextFile(const char* path)
-    : descriptor_(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)) {}
+    : file_(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)) {}
 
 TextFile::~TextFile() {
-  if (descriptor_ >= 0) close(descriptor_);
+  if (file_ != kNone) close(static_cast<int>(file_));
 }
 
 void TextFile::Append(std::string_view text) {
   const WriteSignals blocked;
-  while (descriptor_ >= 0 && !text.empty()) {
-    const ssize_t written = write(descriptor_, text.data(), text.size());
+  while (file_ != kNone && !text.empty()) {
+    const ssize_t written = write(static_cast<int>(file_), text.data(), text.size());
     if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
     if (written < 0 && errno != EINTR) return;
   }
