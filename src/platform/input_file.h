@@ -2,14 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace orvane::platform {
 
-// A file that is read from its start, untranslated. Empty if it can't be opened; folders, pipes and
-// devices can't.
+// A file of the current folder, under an ASCII name, that is read from its start, untranslated.
+// Empty if it can't be opened; folders, pipes and devices can't.
 class InputFile {
  public:
-  explicit InputFile(const char* path);
+  explicit InputFile(const std::string& name);
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
   ~InputFile();

@@ -8,8 +8,8 @@
 
 namespace orvane::platform {
 
-InputFile::InputFile(const char* path) {
-  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+InputFile::InputFile(const std::string& name) {
+  const int descriptor = open(name.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (descriptor < 0) return;
   struct stat status;
   if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {

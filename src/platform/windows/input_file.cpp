@@ -4,10 +4,17 @@
 
 namespace orvane::platform {
 
-InputFile::InputFile(const char* path)
-    : handle_(reinterpret_cast<std::intptr_t>(
-          CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr))) {}
+InputFile::InputFile(const std::string& name) {
+  constexpr DWORD kSharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE file = CreateFileW(std::wstring(name.begin(), name.end()).c_str(), GENERIC_READ,
+                                  kSharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return;
+  if (GetFileType(file) == FILE_TYPE_DISK) {
+    handle_ = reinterpret_cast<std::intptr_t>(file);
+  } else {
+    CloseHandle(file);
+  }
+}
 
 InputFile::~InputFile() {
   if (*this) CloseHandle(reinterpret_cast<HANDLE>(handle_));
