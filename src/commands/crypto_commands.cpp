@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "commands/crypto_provider_table.h"
+#include "platform/foreign_call.h"
 #include "util/hex.h"
 
 namespace orvane {
@@ -67,15 +68,20 @@ bool GiveResult(Call& call, const BlockAreas& areas) {
   return GiveOctets(call, areas.result, kResultBytes, areas.resultCount);
 }
 
+template <typename Entry, typename... Arguments>
+std::int32_t CallProvider(Entry entry, Arguments... arguments) {
+  return platform::CallForeign([&] { return entry(arguments...); });
+}
+
 bool RunBlockEntry(Call& call, BlockAreas& areas, const std::string& flag, std::int32_t mode,
                    bool withIv) {
   const CryptoProvider& provider = BoundCryptoProvider();
   const CryptoBlockEntry entry =
       flag == "1" ? provider.CryptoBlockFlagged : provider.CryptoBlockDefault;
   if (entry == nullptr) return false;
-  entry(withIv ? areas.iv.octets : nullptr, withIv ? areas.iv.count : 0, areas.key.octets,
-        areas.key.count, areas.data.octets, areas.data.count, areas.result, &areas.resultCount,
-        mode);
+  CallProvider(entry, withIv ? areas.iv.octets : nullptr, withIv ? areas.iv.count : 0,
+               areas.key.octets, areas.key.count, areas.data.octets, areas.data.count, areas.result,
+               &areas.resultCount, mode);
   return GiveResult(call, areas);
 }
 
@@ -124,9 +130,9 @@ bool Mac(Call& call) {
   const CryptoMacEntry entry = BoundCryptoProvider().CryptoMac;
   if (entry == nullptr) return false;
   areas->resultCount = 0;
-  entry(areas->key.octets, areas->key.count, areas->data.octets, areas->data.count,
-        areas->iv.octets, areas->iv.count, areas->result, &areas->resultCount,
-        IsLongKey(key) ? 1 : 0);
+  CallProvider(entry, areas->key.octets, areas->key.count, areas->data.octets, areas->data.count,
+               areas->iv.octets, areas->iv.count, areas->result, &areas->resultCount,
+               IsLongKey(key) ? 1 : 0);
   if (!GiveResult(call, *areas)) return false;
   if (flag == "1") call.out.erase(std::min<std::size_t>(8, call.out.size()));
   call.Close();
@@ -142,8 +148,8 @@ bool SubKey(Call& call) {
   if (!areas) return false;
   const CryptoSubKeyEntry entry = BoundCryptoProvider().CryptoSubKey;
   if (entry == nullptr) return false;
-  entry(areas->key.octets, areas->key.count, areas->data.octets, areas->data.count, areas->result,
-        &areas->resultCount, IsLongKey(key) ? 1 : 0);
+  CallProvider(entry, areas->key.octets, areas->key.count, areas->data.octets, areas->data.count,
+               areas->result, &areas->resultCount, IsLongKey(key) ? 1 : 0);
   return GiveResult(call, *areas);
 }
 
@@ -159,7 +165,7 @@ bool RsaPubEnc(Call& call) {
   const CryptoRsaPublicEntry entry = BoundCryptoProvider().CryptoRsaPublic;
   if (entry == nullptr) return false;
   const char* result = nullptr;
-  if (entry(modulus.c_str(), exponent.c_str(), data.c_str(), &result, 0) == 0 ||
+  if (CallProvider(entry, modulus.c_str(), exponent.c_str(), data.c_str(), &result, 0) == 0 ||
       result == nullptr) {
     return Fail(call, "RSA加密失败");
   }
@@ -189,7 +195,7 @@ bool Hash(Call& call) {
   const auto digest = std::make_unique<std::uint8_t[]>(kHashBytes);
   std::uint8_t* output = digest.get();
   std::int32_t count = 0;
-  return entry(data->octets, data->count, &output, 0, &count) != 0 &&
+  return CallProvider(entry, data->octets, data->count, &output, 0, &count) != 0 &&
          GiveOctets(call, digest.get(), kHashBytes, count);
 }
 

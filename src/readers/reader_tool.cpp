@@ -1,5 +1,6 @@
 #include "readers/reader_tool.h"
 
+#include "platform/foreign_call.h"
 #include "readers/tool_selection.h"
 
 namespace orvane {
@@ -7,7 +8,7 @@ namespace {
 
 template <typename Operation>
 std::int32_t Guarded(Operation operation) try {
-  return operation();
+  return platform::CallForeign(operation);
 } catch (...) {
   return 0;
 }

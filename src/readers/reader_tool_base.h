@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "orvane.h"
+#include "platform/foreign_call.h"
 
 namespace orvane {
 
@@ -80,7 +81,10 @@ class CReaderToolBase {
 template <typename Operation>
 void Quietly(Operation operation) noexcept {
   try {
-    operation();
+    platform::CallForeign([&] {
+      operation();
+      return 1;
+    });
   } catch (...) {
   }
 }
