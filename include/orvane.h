@@ -109,8 +109,9 @@ ORVANE_API int32_t GetVarValue(const char* name);
  */
 
 /* What stands behind a reader. A library is looked for by this name: the file NAME.dll on Windows,
- * libNAME.so elsewhere, first by the bare name, then in the folder of this library. A library that
- * the host has already loaded is the one that is used. */
+ * libNAME.so elsewhere, first by the bare name, then in the folder that this library was loaded
+ * from. A library that the host has already loaded, by its own name or its file's, is the one that
+ * is used. */
 enum ReaderKind {
   ReaderKindTyUsb = 1,    /* tykeyint.dll */
   ReaderKindTyCom = 2,    /* tyreader.dll */

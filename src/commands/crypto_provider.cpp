@@ -23,7 +23,7 @@ struct ProviderTable : CryptoProvider {
 const CryptoProvider& BoundCryptoProvider() {
   // Never released, like everything that lives as long as the process.
   static auto& provider = *new platform::Library<ProviderTable>;
-  provider.Bind();
+  provider.Bind(platform::LoadOwnModule);
   return *provider;
 }
 

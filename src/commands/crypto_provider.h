@@ -3,9 +3,10 @@
  *
  * A provider is a dynamic library, orvane_crypto.dll or liborvane_crypto.so, that exports the six
  * functions under the names of the table's members. Orvane looks for it when the first crypto
- * command runs: by the bare name (so a provider that the host has loaded before is the one that is
- * used), then in its own folder. It stays loaded until the process ends. A command whose entry
- * can't be had fails; the others work.
+ * command runs: one that the host has loaded before is the one that is used, then comes the
+ * system's search (on Windows the program's folder and those of AddDllDirectory, never the current
+ * folder or PATH), then Orvane's own folder. It stays loaded until the process ends. A command
+ * whose entry can't be had fails; the others work.
  *
  * Rules for all entries:
  *  - They run on the thread of the script, one at a time. RunScript, called from inside one, gives

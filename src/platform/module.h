@@ -21,13 +21,18 @@ class Module {
 };
 
 // Loads a library by its bare Windows name, such as "winscard.dll". Elsewhere that stands for
-// libwinscard.so, looked for as the system does and then in the folder of this library. A library
-// of that name which the process has loaded already is the one that is found.
+// libwinscard.so. One that the process has loaded already, by its own name or its file's, is the
+// one that is found; else it is looked for as the system does, then in folders that the host has
+// named to the system for this, then in the folder of this library.
 Module LoadModule(const char* fileName);
 
-// Loads a library of that name from the folder of this library and from nowhere else. A library
-// that was loaded through a link has two: the link's, which comes first, and, but on Windows, that
-// of the file which the link leads to.
+// Likewise for a module that is given secrets: on Windows neither the current folder nor PATH is
+// looked in.
+Module LoadOwnModule(const char* fileName);
+
+// Loads a library of that name from the folder that this library was loaded from and from nowhere
+// else. A library that was loaded through a link has two: the link's, which comes first, and, but
+// on Windows, that of the file which the link leads to.
 Module LoadModuleFromOwnFolder(const char* fileName);
 
 }  // namespace orvane::platform

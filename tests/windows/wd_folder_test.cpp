@@ -47,17 +47,4 @@ TEST_F(WdFolder, IsTheOnlyOneThatCounts) {
   EXPECT_EQ(OpenReader(1, 13, 9600), 0);
 }
 
-TEST_F(WdFolder, MayHaveAnyName) {
-  const fs::path build = ORVANE_BUILD_FOLDER;
-  for (const char* file : {"orvane.dll", "wdcrwx.dll"}) fs::copy_file(build / file, folder_ / file);
-  std::string why;
-  void* const library = support::LoadModule(folder_ / "orvane.dll", why);
-  ASSERT_NE(library, nullptr) << why;
-  const auto open =
-      reinterpret_cast<decltype(OpenReaderA)*>(support::FindExport(library, "OpenReaderA"));
-  EXPECT_EQ(open("WDUSB1", ReaderKindWd), 1);
-  EXPECT_EQ(open("", 13), 0);
-  support::UnloadModule(library);
-}
-
 }  // namespace

@@ -1,8 +1,9 @@
 #include "platform/module.h"
 
 #include <dlfcn.h>
+#include <link.h>
+#include <unistd.h>
 
-#include <climits>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -17,20 +18,56 @@ std::string SharedObjectName(std::string_view fileName) {
   return "lib" + std::string(stem) + ".so";
 }
 
-// The file of this library under the name that it was loaded by; a link's own name.
-std::string OwnFile() {
+// The name that the loader has for this library: that of a link, where it was loaded through one.
+const char* OwnName() {
   Dl_info self{};
-  if (dladdr(reinterpret_cast<void*>(&OwnFile), &self) == 0 || self.dli_fname == nullptr) return {};
-  return self.dli_fname;
+  return dladdr(reinterpret_cast<void*>(&OwnName), &self) != 0 ? self.dli_fname : nullptr;
 }
 
-// With its last slash. A bare name would be looked for everywhere.
-std::string FolderOf(const std::string& file) {
-  const auto slash = file.rfind('/');
-  return slash == std::string::npos ? "./" : file.substr(0, slash + 1);
+// Found when the library is loaded, since a relative name means nothing once the process has
+// changed its folder. Null where it can't be found; never released.
+const char* const kOwnName = OwnName();
+const char* const kOwnFile = kOwnName != nullptr ? realpath(kOwnName, nullptr) : nullptr;
+const char* const kFolderAtStart =
+    kOwnName != nullptr && *kOwnName != '/' ? getcwd(nullptr, 0) : nullptr;
+
+// With its last slash.
+std::string FolderOf(std::string_view file) {
+  return std::string(file.substr(0, file.rfind('/') + 1));
 }
 
-Module Open(const std::string& path) { return Module(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)); }
+// The folder of the name that this library was loaded by; empty if it is not known.
+std::string FolderOfOwnName() {
+  if (kOwnName == nullptr) return {};
+  if (*kOwnName == '/') return FolderOf(kOwnName);
+  return kFolderAtStart != nullptr ? kFolderAtStart + ("/" + FolderOf(kOwnName)) : std::string();
+}
+
+Module Open(const std::string& path, int besides = 0) {
+  return Module(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | besides));
+}
+
+Module OpenIn(const std::string& folder, const std::string& name) {
+  return folder.empty() ? Module() : Open(folder + name);
+}
+
+// The loader itself knows a library that is loaded by the name that it gives itself, if it has one,
+// and by that of its file with the folder before it.
+Module FindLoaded(const std::string& name) {
+  struct Search {
+    const std::string& name;
+    std::string path;
+  } search{name, {}};
+  const auto look = [](dl_phdr_info* object, std::size_t, void* data) {
+    auto& [wanted, path] = *static_cast<Search*>(data);
+    const std::string_view file = object->dlpi_name;
+    if (file.substr(file.rfind('/') + 1) != wanted) return 0;
+    path = file;
+    return 1;
+  };
+  dl_iterate_phdr(look, &search);
+  return search.path.empty() ? Module() : Open(search.path, RTLD_NOLOAD);
+}
 
 }  // namespace
 
@@ -50,17 +87,20 @@ void* Module::Find(const char* name) const {
 }
 
 Module LoadModule(const char* fileName) {
-  Module module = Open(SharedObjectName(fileName));
+  const std::string name = SharedObjectName(fileName);
+  Module module = FindLoaded(name);
+  if (!module) module = Open(name);
   return module ? std::move(module) : LoadModuleFromOwnFolder(fileName);
 }
 
+Module LoadOwnModule(const char* fileName) { return LoadModule(fileName); }
+
 Module LoadModuleFromOwnFolder(const char* fileName) {
-  const std::string self = OwnFile(), name = SharedObjectName(fileName);
-  Module module = Open(FolderOf(self) + name);
+  const std::string name = SharedObjectName(fileName);
+  Module module = OpenIn(FolderOfOwnName(), name);
   // A link to the library may stand elsewhere than what belongs to it.
-  char target[PATH_MAX];
-  if (module || realpath(self.c_str(), target) == nullptr) return module;
-  return Open(FolderOf(target) + name);
+  if (module || kOwnFile == nullptr) return module;
+  return OpenIn(FolderOf(kOwnFile), name);
 }
 
 }  // namespace orvane::platform

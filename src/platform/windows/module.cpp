@@ -9,18 +9,41 @@
 namespace orvane::platform {
 namespace {
 
-// With its last backslash. Wide, since a folder's name may have characters that the code page
-// lacks. Empty if the path is too long for the system's usual area.
-std::wstring OwnFolder() {
+HMODULE OwnModule(DWORD besides) {
   HMODULE self = nullptr;
-  constexpr DWORD kByAddress =
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  if (GetModuleHandleExW(kByAddress, reinterpret_cast<LPCWSTR>(&OwnFolder), &self) == 0) return {};
-  wchar_t path[MAX_PATH];
-  const DWORD length = GetModuleFileNameW(self, path, MAX_PATH);
-  if (length == 0 || length == MAX_PATH) return {};
-  const std::wstring own(path, length);
-  return own.substr(0, own.rfind(L'\\') + 1);
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | besides,
+                     reinterpret_cast<LPCWSTR>(&OwnModule), &self);
+  return self;
+}
+
+// The library stays in the process, and with it what it keeps for its host.
+const HMODULE kSelf = OwnModule(GET_MODULE_HANDLE_EX_FLAG_PIN);
+
+// With its last backslash. Wide, since a folder's name may have characters that the code page
+// lacks.
+std::wstring OwnFolder() {
+  if (kSelf == nullptr) return {};
+  std::wstring path(MAX_PATH, L'\0');
+  for (;;) {
+    const auto room = static_cast<DWORD>(path.size());
+    const DWORD length = GetModuleFileNameW(kSelf, path.data(), room);
+    if (length < room) {
+      path.resize(length);
+      return path.substr(0, path.rfind(L'\\') + 1);
+    }
+    path.resize(2 * path.size());
+  }
+}
+
+// A longer path needs a mark in front, or else the process's leave for such paths.
+std::wstring WithMarkIfLong(const std::wstring& path) {
+  if (path.size() < MAX_PATH || path.starts_with(LR"(\\?\)")) return path;
+  return path.starts_with(LR"(\\)") ? LR"(\\?\UNC\)" + path.substr(2) : LR"(\\?\)" + path;
+}
+
+// The program's folder, those that the host has named to AddDllDirectory, the system's.
+Module LoadFromChosenFolders(const char* fileName) {
+  return Module(LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
 }
 
 }  // namespace
@@ -43,6 +66,15 @@ void* Module::Find(const char* name) const {
 
 Module LoadModule(const char* fileName) {
   Module module(LoadLibraryA(fileName));
+  if (!module) module = LoadFromChosenFolders(fileName);
+  return module ? std::move(module) : LoadModuleFromOwnFolder(fileName);
+}
+
+Module LoadOwnModule(const char* fileName) {
+  HMODULE loaded = nullptr;
+  GetModuleHandleExA(0, fileName, &loaded);
+  Module module(loaded);
+  if (!module) module = LoadFromChosenFolders(fileName);
   return module ? std::move(module) : LoadModuleFromOwnFolder(fileName);
 }
 
@@ -50,7 +82,9 @@ Module LoadModuleFromOwnFolder(const char* fileName) {
   const std::wstring folder = OwnFolder();
   if (folder.empty()) return {};
   const std::string_view name = fileName;
-  return Module(LoadLibraryW((folder + std::wstring(name.begin(), name.end())).c_str()));
+  const std::wstring path = WithMarkIfLong(folder + std::wstring(name.begin(), name.end()));
+  // What the module needs itself may stand beside it.
+  return Module(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
 
 }  // namespace orvane::platform

@@ -1,0 +1,64 @@
+#include "modules/library_copy.h"
+
+namespace orvane_test {
+namespace {
+
+const std::string kLibrary = support::ModuleFileName("orvane");
+
+TEST_F(LibraryCopy, KeepsItsVariablesWhenItIsUnloaded) {
+  Copy(kBuild, {"orvane"}, root_);
+  void* library = Load(root_ / kLibrary);
+  EXPORT_OF(library, SetVarValue)("%KEPT", "1234");
+  support::UnloadModule(library);
+  library = Load(root_ / kLibrary);
+  EXPECT_EQ(Run(library, "%KEPT"), "1234");
+}
+
+TEST_F(LibraryCopy, CallsItsOwnFunctions) {
+  Copy(kBuild, {"orvane"}, root_);
+  void* const library = Load(root_ / kLibrary);
+  char digits[9] = "";
+  std::int32_t value = 0;
+  EXPORT_OF(library, IntToHexStr)(digits, 0x1234, &value);
+  EXPECT_STREQ(digits, "1234");
+  EXPORT_OF(library, HexStrToInt)("1234", &value, 4);
+  EXPECT_EQ(value, 0x1234);
+}
+
+TEST_F(LibraryCopy, TakesTheModuleThatItsHostHasLoaded) {
+  Copy(kBuild, {"orvane"}, root_ / "library");
+  Copy(kVendor, {"orvane_second", "dcrf32"}, root_ / "vendor");
+  fs::current_path(root_ / "vendor");
+  Load(fs::path(".") / support::ModuleFileName("dcrf32"));
+  fs::current_path(root_);
+  void* const library = Load(root_ / "library" / kLibrary);
+  EXPECT_TRUE(OpensD8(library));
+}
+
+// What stands beside it and what that needs there, wherever its host has gone since.
+TEST_F(LibraryCopy, LooksInTheFolderThatItWasLoadedFrom) {
+  const fs::path folder = fs::path(u8"bau ö (1)") / u8"Проект 中文";
+  Copy(kBuild, {"orvane", "orvane_crypto", "wdcrwx"}, root_ / folder);
+  Copy(kVendor, {"orvane_second", "dcrf32"}, root_ / folder);
+  fs::current_path(root_);
+  void* const library = Load(folder / kLibrary);
+  PutFalseCryptoModule(root_ / "elsewhere" / folder);
+  fs::current_path(root_ / "elsewhere");
+  EXPECT_TRUE(Encrypts(library));
+  EXPECT_TRUE(OpensD8(library));
+  EXPECT_EQ(EXPORT_OF(library, OpenReaderA)("WDUSB1", ReaderKindWd), 1);
+}
+
+TEST_F(LibraryCopy, MayStandDeep) {
+  fs::path folder = root_;
+  for (int i = 0; i < 3; ++i) folder /= std::string(100, 'a');
+  Copy(kBuild, {"orvane", "orvane_crypto", "wdcrwx"}, folder);
+  Copy(kVendor, {"orvane_second", "dcrf32"}, folder);
+  void* const library = Load(folder / kLibrary);
+  EXPECT_TRUE(Encrypts(library));
+  EXPECT_TRUE(OpensD8(library));
+  EXPECT_EQ(EXPORT_OF(library, OpenReaderA)("WDUSB1", ReaderKindWd), 1);
+}
+
+}  // namespace
+}  // namespace orvane_test
