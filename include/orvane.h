@@ -19,6 +19,8 @@
  *    thread, but not into what is running: RunScript inside RunScript gives ScriptException and the
  *    empty text, a reader function inside another one 0 (SendCommand with the empty text), and
  *    nothing changes. SetVarValue and GetVarValue work there too.
+ *  - Once loaded, the library stays in the process, with its variables and open readers, also when
+ *    a host unloads it.
  */
 #ifndef ORVANE_H
 #define ORVANE_H
