@@ -62,7 +62,8 @@ endforeach()
 
 if(ORVANE_TOOLS)
   relative_path(libraries ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
-  set_target_properties(orvane_host PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/${libraries}")
+  set_target_properties(orvane_host PROPERTIES
+    INSTALL_RPATH "$ORIGIN;$ORIGIN/${libraries}" BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS orvane_host COMPONENT program)
   relative_path(simulators ${CMAKE_INSTALL_BINDIR} ${simulators_folder})
   target_compile_definitions(orvane_host_parts PRIVATE "INSTALLED_SIMULATORS=\"${simulators}\"")
