@@ -34,7 +34,11 @@ bool StartSockets() {
   return WSAStartup(MAKEWORD(2, 2), &data) == 0;
 }
 
-std::int32_t MakeTcpSocket() { return static_cast<std::int32_t>(socket(AF_INET, SOCK_STREAM, 0)); }
+// A process that the host starts must not hold the connection as well.
+std::int32_t MakeTcpSocket() {
+  return static_cast<std::int32_t>(WSASocketW(AF_INET, SOCK_STREAM, 0, nullptr, 0,
+                                              WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT));
+}
 
 void CloseSocket(std::int32_t socket) { closesocket(Number(socket)); }
 
