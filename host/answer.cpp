@@ -2,6 +2,11 @@
 
 #include <orvane.h>
 
+#include <sstream>
+
+#include "host/status_word.h"
+#include "host/text.h"
+
 namespace host {
 namespace {
 
@@ -15,6 +20,14 @@ bool StripsStatusWord(int32_t kind) {
   return kind == ReaderKindPcsc || kind == ReaderKindD8 || kind == ReaderKindBsit;
 }
 
+std::string AskForLess(int32_t kind) {
+  std::ostringstream text;
+  text << "more than " << MostData(kind)
+       << " octets with a status word can't be had at once: ask for "
+       << "parts, with Le " << std::hex << std::uppercase << MostData(kind) << " at most";
+  return text.str();
+}
+
 }  // namespace
 
 bool HasStatusWord(int32_t kind) {
@@ -26,13 +39,51 @@ std::optional<Answer> ReadAnswer(int32_t kind, int32_t result, std::string_view 
   if (!HasStatusWord(kind)) {
     return result != 0 ? std::optional(Answer{whole, ""}) : std::nullopt;
   }
-  if (result == 0) return text.empty() ? std::nullopt : std::optional(Answer{"", whole});
+  if (result == 0) {
+    if (text.empty()) return std::nullopt;
+    // An answer that ends in 9000 does not fail: this one begins so, and must not look like
+    // success.
+    return Answer{"", text == kSuccess ? "" : whole, true};
+  }
   if (KeepsStatusWord(kind) && text.ends_with(kSuccess)) {
     return Answer{whole.substr(0, whole.size() - kSuccess.size()), std::string(kSuccess)};
   }
   // Success with nothing but 9000 is an answer without data here, not two bytes of data.
   if (StripsStatusWord(kind) && text == kSuccess) return Answer{"", whole};
   return Answer{whole, std::string(kSuccess)};
+}
+
+size_t LongestCommand(int32_t kind) {
+  if (kind == ReaderKindD8 || kind == ReaderKindWd) return 255;
+  return kind == ReaderKindS5009 || kind == ReaderKindS5009Ats ? 133 : kMostCommandOctets;
+}
+
+size_t MostData(int32_t kind) {
+  if (kind == ReaderKindS5009 || kind == ReaderKindS5009Ats) return 126;
+  return kind == ReaderKindTyUsb || kind == ReaderKindTyCom ? 256 : 254;
+}
+
+std::string TooMuchAsked(const Command& command, int32_t kind) {
+  if (!HasStatusWord(kind) || command.expectedData <= MostData(kind)) return "";
+  return "it asks for " + Counted(command.expectedData, "octet") + "; " + AskForLess(kind);
+}
+
+std::string NoteOn(const Answer& answer, const Command& command, int32_t kind) {
+  if (!answer.failed) return "";
+  if (answer.statusWord.empty()) {
+    return "the answer begins with 9000 and does not end so: its status word is not handed over";
+  }
+  const std::optional<size_t> offered = DataOffered(answer.statusWord);
+  if (offered > MostData(kind)) return AskForLess(kind);
+  if (answer.statusWord.starts_with("61")) {
+    return "they were asked for once (GET RESPONSE), and did not come with 9000";
+  }
+  if (!LooksLikeStatusWord(answer.statusWord)) {
+    return "the first two octets of the answer: its status word is not handed over";
+  }
+  return MayBringData(command)
+             ? "or the first two octets of data, whose status word is not handed over"
+             : "";
 }
 
 }  // namespace host

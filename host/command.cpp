@@ -10,8 +10,6 @@
 namespace host {
 namespace {
 
-constexpr size_t kLongestCommand = 4096;
-
 struct Instruction {
   unsigned code;
   std::string_view name;
@@ -85,6 +83,11 @@ constexpr std::array kProprietary = std::to_array<Instruction>({
     {0xF2, "GET STATUS"},
 });
 
+// The interindustry instructions whose answers have no data field.
+constexpr std::array<unsigned, 27> kSilent = {0x04, 0x0E, 0x20, 0x21, 0x22, 0x24, 0x25, 0x26, 0x28,
+                                              0x2C, 0x2D, 0x44, 0x82, 0xD0, 0xD2, 0xD6, 0xD7, 0xDA,
+                                              0xDB, 0xDC, 0xDD, 0xE0, 0xE2, 0xE4, 0xE6, 0xE8, 0xFE};
+
 unsigned Value(std::string_view digits) {
   unsigned value = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
@@ -102,17 +105,25 @@ const Instruction* Find(std::string_view classAndInstruction) {
   return found != kInterindustry.end() ? &*found : nullptr;
 }
 
+// Zeros stand for one more than the digits can say.
+size_t ReadLe(std::string_view digits) {
+  const size_t count = Value(digits);
+  return count == 0 && !digits.empty() ? size_t{1} << (4 * digits.size()) : count;
+}
+
 // Sorts the octets behind the header into length field, data and Le (short and extended forms).
 void FindData(Command& command) {
   const size_t octets = command.Octets();
   if (octets <= 5) {
     command.dataBegin = command.dataEnd = octets;
+    command.expectedData = ReadLe(command.Part(4, octets));
     return;
   }
   const bool extended = command.Part(4, 5) == "00";
   const size_t begin = extended ? 7 : 5;
   if (extended && octets == 7) {  // no data: what looks like Lc is Le
     command.dataBegin = command.dataEnd = octets;
+    command.expectedData = ReadLe(command.Part(5, octets));
     return;
   }
   const size_t length = octets < begin ? 0 : Value(command.Part(extended ? 5 : 4, begin));
@@ -121,6 +132,7 @@ void FindData(Command& command) {
   command.lengthFits = length > 0 && (octets == end || octets == end + expected);
   command.dataBegin = command.lengthFits ? begin : 4;
   command.dataEnd = command.lengthFits ? end : octets;
+  command.expectedData = ReadLe(command.Part(command.dataEnd, octets));
 }
 
 }  // namespace
@@ -145,7 +157,7 @@ Command ReadCommand(std::string_view text, Framing framing) {
     throw Failure(kScriptFault, "the command has an odd number of digits (" +
                                     std::to_string(digits.size()) + "); nothing sent");
   }
-  if (command.Octets() > kLongestCommand) {
+  if (command.Octets() > kMostCommandOctets) {
     throw Failure(kScriptFault, "the command has " + std::to_string(command.Octets()) +
                                     " bytes, more than the 4096 that can be sent; nothing sent");
   }
@@ -169,6 +181,14 @@ bool CarriesSecret(std::string_view classAndInstruction) {
 
 bool CarriesSecret(const Command& command) {
   return command.framing == Framing::kApdu && CarriesSecret(command.digits);
+}
+
+bool MayBringData(const Command& command) {
+  // Interindustry classes without secure messaging: 00 to 03, and 10 to 13 in a chain.
+  const bool plain = (Value(command.Part(0, 1)) & 0xEC) == 0;
+  const bool silent =
+      std::find(kSilent.begin(), kSilent.end(), Value(command.Part(1, 2))) != kSilent.end();
+  return !plain || !silent || command.expectedData > 0;
 }
 
 std::string_view CommandName(const Command& command) {

@@ -20,6 +20,8 @@ struct Command {
   size_t dataEnd = 4;
   bool lengthFits = true;  // Lc says how long the data is. If not, all behind the header is data
 
+  size_t expectedData = 0;  // how many octets of data its Le asks for
+
   size_t Octets() const { return digits.size() / 2; }
   // The digits of the octets from begin to end.
   std::string_view Part(size_t begin, size_t end) const;
@@ -29,6 +31,13 @@ struct Command {
 // whole octets, at least a header's four (kRaw: one) and at most 4,096, which is what the library
 // takes. The message quotes nothing of the text.
 Command ReadCommand(std::string_view text, Framing framing);
+
+// The most octets that the library sends.
+inline constexpr size_t kMostCommandOctets = 4096;
+
+// False for the instructions whose answers have no data field by ISO/IEC 7816-4, in a plain
+// interindustry class and without Le.
+bool MayBringData(const Command& command);
 
 // True where the data field carries a PIN or a key, as far as the header tells.
 bool CarriesSecret(const Command& command);

@@ -97,6 +97,17 @@ Standing StandingOf(std::string_view statusWord) {
   return value >> 8 == 0x62 || value >> 8 == 0x63 ? Standing::kWarning : Standing::kError;
 }
 
+bool LooksLikeStatusWord(std::string_view digits) {
+  const unsigned value = ValueOf(digits);
+  return value >> 12 == 0x9 || (value >> 12 == 0x6 && value >> 8 != 0x60);
+}
+
+std::optional<size_t> DataOffered(std::string_view statusWord) {
+  const unsigned value = ValueOf(statusWord);
+  if (value >> 8 != 0x61 && value >> 8 != 0x6C) return std::nullopt;
+  return BytesTold(value);
+}
+
 std::string DescribeStatusWord(std::string_view statusWord) {
   const unsigned value = ValueOf(statusWord);
   if (value >> 8 == 0x61) return Counted(BytesTold(value), "more byte") + " available";

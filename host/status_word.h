@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,5 +13,11 @@ Standing StandingOf(std::string_view statusWord);
 
 // What it says, in the words of ISO/IEC 7816-4.
 std::string DescribeStatusWord(std::string_view statusWord);
+
+// False where no card gives these four digits as a status word (ISO/IEC 7816-3).
+bool LooksLikeStatusWord(std::string_view digits);
+
+// How much data 61xx and 6Cxx tell of; none for any other word.
+std::optional<size_t> DataOffered(std::string_view statusWord);
 
 }  // namespace host
