@@ -14,6 +14,7 @@ Readers
   of its kind, first as it is written, then without regard to blanks (literals of a script
   lose theirs), and is otherwise passed on as it stands. A name with parentheses or commas
   reaches a script through a variable: -D R="Name (1)", then @OPENREADER(%R).
+  KIND in --kind may be a name as well: pcsc, d8, tcp, ...
   Where neither --reader nor a script names one, the reader is that of the environment's
   ORVANE_READER, else the only PC/SC reader that there is, as soon as a card is needed.
   --simulate puts simulators in the place of all vendor libraries and touches no hardware;
@@ -49,12 +50,15 @@ Try it
 constexpr const char* kShortFooter =
     "\norvane --help tells how readers are named, what is hidden, and the exit codes.";
 
-std::string CheckKind(const std::string& text) {
-  for (const int32_t kind : ReaderKinds()) {
-    if (text == std::to_string(kind)) return "";
-  }
-  return "there is no reader kind " + text;
+// Puts the kind's number in the place of its name.
+std::string ReadKind(std::string& text) {
+  const std::optional<int32_t> kind = FindKind(text);
+  if (!kind) return "there is no reader kind " + text + ", but: " + KindShortNames();
+  text = std::to_string(*kind);
+  return "";
 }
+
+const CLI::Validator kKindNames(ReadKind, "");
 
 std::string CheckDefinition(const std::string& text) {
   const size_t begin = text.starts_with('%') ? 1 : 0;
@@ -66,9 +70,11 @@ std::string CheckDefinition(const std::string& text) {
 
 void AddReader(CLI::App& command, Options& options) {
   command.add_option("-r,--reader", options.reader, "Open this reader first")->type_name("READER");
-  command.add_option("-k,--kind", options.kind, "Kind of readers named without one (3: PC/SC)")
+  command
+      .add_option("-k,--kind", options.kind,
+                  "Kind of readers named without one, a number or a name (pcsc)")
       ->type_name("KIND")
-      ->check(CheckKind);
+      ->transform(kKindNames);
   command.add_flag("--simulate", options.simulate,
                    "Put simulators in the place of all vendor libraries");
 }
@@ -152,7 +158,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
   CLI::App& readers = *app.add_subcommand("readers", "List readers");
   readers.add_option("-k,--kind", options.listedKind, "List this kind alone")
       ->type_name("KIND")
-      ->check(CheckKind);
+      ->transform(kKindNames);
   readers
       .add_option("--ports", options.ports,
                   "Also offer this many ports of the kinds whose "

@@ -12,21 +12,33 @@
 namespace host {
 namespace {
 
-const std::map<int32_t, std::string_view>& KindNames() {
-  static const std::map<int32_t, std::string_view> names = {
-      {ReaderKindTyUsb, "TY USB key"},
-      {ReaderKindTyCom, "TY serial reader"},
-      {ReaderKindPcsc, "PC/SC"},
-      {ReaderKindWd, "WD"},
-      {ReaderKindD8, "D8"},
-      {ReaderKindFm8201, "FM8201"},
-      {ReaderKindS5009, "S5009"},
-      {ReaderKindS5009Ats, "S5009, reset gives the ATS"},
-      {ReaderKindTcp, "encryption machine on TCP"},
-      {ReaderKindIcr, "ICR identity card reader"},
-      {ReaderKindBsit, "BSIT"},
+struct Kind {
+  std::string_view name, shortName, library;
+  std::string_view example, marker;  // of a reader's name, and what stands in every one
+};
+
+const std::map<int32_t, Kind>& Kinds() {
+  static const std::map<int32_t, Kind> kinds = {
+      {ReaderKindTyUsb, {"TY USB key", "tyusb", "tykeyint", "USB1", "USB"}},
+      {ReaderKindTyCom, {"TY serial reader", "tycom", "tyreader", "COM1", "COM"}},
+      {ReaderKindPcsc, {"PC/SC", "pcsc", "winscard", "", ""}},
+      {ReaderKindWd, {"WD", "wd", "wdcrwx", "WDUSB1", ""}},
+      {ReaderKindD8, {"D8", "d8", "dcrf32", "COM1 or COM100(D8USB)", "COM"}},
+      {ReaderKindFm8201, {"FM8201", "fm8201", "", "", ""}},
+      {ReaderKindS5009, {"S5009", "s5009", "S5009", "COM1", "COM"}},
+      {ReaderKindS5009Ats, {"S5009, reset gives the ATS", "s5009ats", "S5009", "COM1", "COM"}},
+      {ReaderKindTcp, {"encryption machine on TCP", "tcp", "", "10.0.0.5:8000", ":"}},
+      {ReaderKindIcr,
+       {"ICR identity card reader", "icr", "sdtapi", "ICR-COM1 or ICR-COM1001(ICRUSB)", "COM"}},
+      {ReaderKindBsit, {"BSIT", "bsit", "STJZZ_BSIT", "BSIT:1", "BSIT:"}},
   };
-  return names;
+  return kinds;
+}
+
+const Kind& KindAt(int32_t kind) {
+  static const Kind none;
+  const auto found = Kinds().find(kind);
+  return found != Kinds().end() ? found->second : none;
 }
 
 int32_t ReadNumber(std::string_view digits, const std::string& meaning) {
@@ -51,15 +63,35 @@ int32_t ReadKind(std::string_view digits) {
 const std::vector<int32_t>& ReaderKinds() {
   static const std::vector<int32_t> kinds = [] {
     std::vector<int32_t> all;
-    for (const auto& [kind, name] : KindNames()) all.push_back(kind);
+    for (const auto& [kind, names] : Kinds()) all.push_back(kind);
     return all;
   }();
   return kinds;
 }
 
-std::string_view KindName(int32_t kind) {
-  const auto found = KindNames().find(kind);
-  return found != KindNames().end() ? found->second : std::string_view();
+std::string_view KindName(int32_t kind) { return KindAt(kind).name; }
+std::string_view KindLibrary(int32_t kind) { return KindAt(kind).library; }
+std::string_view KindExample(int32_t kind) { return KindAt(kind).example; }
+
+std::optional<int32_t> FindKind(std::string_view text) {
+  for (const auto& [number, kind] : Kinds()) {
+    if (text == std::to_string(number) || UpperCase(text) == UpperCase(kind.shortName)) {
+      return number;
+    }
+  }
+  return std::nullopt;
+}
+
+std::string KindShortNames() {
+  std::string names;
+  for (const auto& [number, kind] : Kinds()) {
+    names += (names.empty() ? "" : ", ") + std::string(kind.shortName);
+  }
+  return names;
+}
+
+bool FitsKind(const ReaderAddress& address) {
+  return address.name.find(KindAt(address.kind).marker) != std::string::npos;
 }
 
 std::string ReaderAddress::Shown() const {

@@ -11,6 +11,12 @@ namespace host {
 // The kinds of reader, in the order of their numbers.
 const std::vector<int32_t>& ReaderKinds();
 std::string_view KindName(int32_t kind);  // empty for a number that is no kind
+// The kind of a number or of a short name, such as pcsc, in either case; none for another text.
+std::optional<int32_t> FindKind(std::string_view text);
+std::string KindShortNames();
+// The library behind it, without lib and ending; empty if there is none.
+std::string_view KindLibrary(int32_t kind);
+std::string_view KindExample(int32_t kind);  // a reader's name
 
 // What the text of --reader and of @OPENREADER means: [KIND:]PORT or [KIND:]NAME. A port is digits
 // alone. Whatever stands before the first colon is a kind only if it is digits alone, so that
@@ -23,6 +29,9 @@ struct ReaderAddress {
   // As a reader is shown to a user.
   std::string Shown() const;
 };
+
+// True if the driver of the kind can read the name.
+bool FitsKind(const ReaderAddress& address);
 
 // Throws Failure (kReaderFault) on an empty name, a kind that does not exist or a port that is no
 // 32-bit number.

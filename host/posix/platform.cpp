@@ -1,10 +1,12 @@
 #include "host/platform.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <string_view>
+#include <vector>
 
 #include "host/failure.h"
 
@@ -41,8 +43,32 @@ bool LoadModule(const std::filesystem::path& file) {
   return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr;
 }
 
+std::string ModuleFileName(std::string_view vendor) { return "lib" + std::string(vendor) + ".so"; }
+
+FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone) {
+  const std::string file = ModuleFileName(vendor);
+  Dl_info library{};
+  dladdr(dlsym(RTLD_DEFAULT, "RunScript"), &library);
+  const auto folder = std::filesystem::path(library.dli_fname).parent_path();
+  std::vector<std::string> places = {folder / file, folder / "orvane" / file};
+  if (!besideLibraryAlone) places.insert(places.begin(), file);
+  std::string message = "not found";
+  for (const std::string& place : places) {
+    if (void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+      link_map* found = nullptr;
+      dlinfo(module, RTLD_DI_LINKMAP, &found);
+      return {module, found->l_name};
+    }
+    const std::string said = dlerror();
+    if (!said.starts_with(place + ": cannot open shared object file")) message = said;
+  }
+  return {nullptr, message};
+}
+
+void* ModuleFunction(void* module, const char* name) { return dlsym(module, name); }
+
 bool LoadedModuleExports(std::string_view vendor, const char* function) {
-  const std::string fileName = "lib" + std::string(vendor) + ".so";
+  const std::string fileName = ModuleFileName(vendor);
   void* const module = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
   if (module == nullptr) return false;
   const bool found = dlsym(module, function) != nullptr;

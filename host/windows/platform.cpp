@@ -25,6 +25,33 @@ std::string_view ModuleExtension() { return ".dll"; }
 
 bool LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()) != nullptr; }
 
+std::string ModuleFileName(std::string_view vendor) { return std::string(vendor) + ".dll"; }
+
+FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone) {
+  const std::filesystem::path file = ModuleFileName(vendor);
+  std::vector<wchar_t> path(32768);
+  const DWORD room = static_cast<DWORD>(path.size());
+  GetModuleFileNameW(GetModuleHandleW(L"orvane.dll"), path.data(), room);
+  HMODULE module = besideLibraryAlone ? nullptr : LoadLibraryW(file.c_str());
+  if (module == nullptr) {
+    const auto beside = std::filesystem::path(path.data()).parent_path() / file;
+    module = LoadLibraryExW(beside.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  }
+  if (module == nullptr) {
+    const DWORD error = GetLastError();
+    const bool missing = error == ERROR_MOD_NOT_FOUND || error == ERROR_FILE_NOT_FOUND;
+    return {nullptr, missing ? "it or a library that it needs is not found"
+                             : "Windows error " + std::to_string(error)};
+  }
+  const DWORD length = GetModuleFileNameW(module, path.data(), room);
+  const auto text = std::filesystem::path(path.data(), path.data() + length).u8string();
+  return {module, std::string(text.begin(), text.end())};
+}
+
+void* ModuleFunction(void* module, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
+}
+
 bool LoadedModuleExports(std::string_view vendor, const char* function) {
   const HMODULE module = GetModuleHandleA((std::string(vendor) + ".dll").c_str());
   return module != nullptr && GetProcAddress(module, function) != nullptr;
