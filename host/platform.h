@@ -33,4 +33,47 @@ bool OutputTakesColour();
 bool InputIsTerminal();
 bool OutputIsTerminal();
 
+// Reads a line from the terminal, without its end; none at the end of input. Ctrl-C drops the line
+// and gives an empty one. Once this has been called, the first Ctrl-C between two lines changes
+// nothing, and the second one ends the program.
+std::optional<std::string> EditLine(const std::string& prompt);
+
+// Offers a line for recall by the arrow keys, where there is line editing.
+void RememberLine(const std::string& line);
+
+std::optional<std::string> EnvironmentVariable(const std::string& name);
+
+// Where this program's file stands. Throws Failure (kReaderFault) if the system doesn't tell.
+std::filesystem::path ProgramFolder();
+
+// The ending of a module's file name.
+std::string_view ModuleExtension();
+
+// Loads a module for the rest of the process's life; what is looked for under its bare file name
+// later is then this one.
+bool LoadModule(const std::filesystem::path& file);
+
+// True if a module stands loaded under this vendor's name and exports such a function.
+bool LoadedModuleExports(std::string_view vendor, const char* function);
+
+// Names of readers as the library takes and gives them, which on Windows is the ANSI code page.
+// ToLibrary throws Failure (kReaderFault) if that lacks one of the characters.
+std::string ToLibrary(const std::string& name);
+std::string FromLibrary(std::string_view name);
+
+// The file name of a maker's library, which is given without lib and ending.
+std::string ModuleFileName(std::string_view vendor);
+
+struct FoundModule {
+  void* module = nullptr;  // null if it can't be had
+  std::string message;     // the path of its file, or what is wrong
+};
+
+// A maker's library as Orvane's own finds it, by its bare name and beside itself, or beside itself
+// alone. It stays loaded.
+FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone);
+
+// An exported function; null if there is none.
+void* ModuleFunction(void* module, const char* name);
+
 }  // namespace host

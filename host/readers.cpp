@@ -8,6 +8,7 @@
 
 #include "host/failure.h"
 #include "host/platform.h"
+#include "host/reader_trouble.h"
 #include "host/text.h"
 
 #ifndef INSTALLED_SIMULATORS  // from the program's folder, if there is an installation
@@ -19,6 +20,7 @@ namespace {
 
 constexpr int32_t kBaudRate = 9600;
 constexpr int32_t kMostListed = 64;
+constexpr int32_t kNoKind = 13;
 constexpr const char* kSimulatedReader = "3:Simulated Reader 0";
 
 std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
@@ -38,17 +40,9 @@ bool WdIsSimulated() {
   return LoadedModuleExports("wdcrwx", "SimulatorRestart");
 }
 
-std::string PcscReaders() {
-  std::string names;
-  for (const std::string& name : ListReaders(ReaderKindPcsc, 0)) {
-    names += (names.empty() ? "" : ", ") + Printable(name);
-  }
-  return names.empty() ? "no PC/SC reader is there" : "there is: " + names;
-}
-
-// What could have been meant instead of a reader that does not open.
-std::string Hint(const ReaderAddress& address) {
-  return address.kind == ReaderKindPcsc ? "; " + PcscReaders() : "";
+std::optional<std::string> ReadAtr() {
+  std::array<char, 1025> atr{};
+  return Reset(atr.data()) != 0 ? std::optional<std::string>(atr.data()) : std::nullopt;
 }
 
 }  // namespace
@@ -81,15 +75,15 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
 }
 
 Readers::~Readers() {
-  for (size_t number = 0; number < kinds_.size(); ++number) {
-    if (!kinds_[number]) continue;
+  for (size_t number = 0; number < places_.size(); ++number) {
+    if (!places_[number] || !places_[number]->open) continue;
     SetReader(static_cast<uint32_t>(number));
     CloseReader();
   }
 }
 
 int32_t Readers::CurrentKind() const {
-  if (kinds_[current_]) return *kinds_[current_];
+  if (places_[current_]) return places_[current_]->address.kind;
   if (!used_ && simulate_) return ReaderKindPcsc;
   if (used_ || defaultReader_.empty()) return defaultKind_;
   return ReadReaderAddress(defaultReader_, defaultKind_).kind;
@@ -106,16 +100,16 @@ bool Readers::Simulated() const {
 }
 
 void Readers::Select(std::string_view number) {
-  size_t index = kinds_.size();
+  size_t index = places_.size();
   if (IsDecimal(number)) std::from_chars(number.data(), number.data() + number.size(), index);
-  if (index >= kinds_.size() || SetReader(static_cast<uint32_t>(index)) == 0) {
+  if (index >= places_.size() || SetReader(static_cast<uint32_t>(index)) == 0) {
     throw Failure(kReaderFault,
                   "there is no reader number \"" + Printable(number) + "\": they run from 0 to 15");
   }
   current_ = index;
 }
 
-void Readers::Prepare() {
+void Readers::LoadSimulatorsOnce() {
   if (used_) return;
   used_ = true;
   if (simulate_) LoadSimulators();
@@ -133,56 +127,114 @@ ReaderAddress Readers::OpenDefault() {
 
 ReaderAddress Readers::Open(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
-  Prepare();
+  LoadSimulatorsOnce();
   if (simulate_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
     throw Failure(kReaderFault,
                   "beside Orvane's library stands no simulator of WD's: nothing is opened");
   }
-  if (kinds_[current_]) CloseReader();
-  kinds_[current_].reset();
+  CheckMachine(address);
+  std::optional<Place>& place = places_[current_];
+  const bool again = place && place->address.kind == address.kind;
+  if (place) Close(*place);
+  place.reset();
   if (!address.port) address.name = MatchReaderName(address.name, ListReaders(address.kind, 0));
-  const int32_t opened = address.port ? OpenReader(*address.port, address.kind, kBaudRate)
-                                      : OpenReaderA(ToLibrary(address.name).c_str(), address.kind);
-  if (opened == 0) {
-    throw Failure(kReaderFault, "can't open the reader " + address.Shown() + Hint(address));
+  if (!Connect(address, again)) {
+    throw Failure(kReaderFault,
+                  "can't open the reader " + address.Shown() + ": " + WhyNotOpened(address));
   }
-  kinds_[current_] = address.kind;
+  place = Place{address, true, ""};
   return address;
 }
 
-int32_t Readers::OpenKind() const {
-  if (kinds_[current_]) return *kinds_[current_];
-  throw Failure(kReaderFault, "reader " + std::to_string(current_) +
-                                  " is not open: open it with @OPENREADER(...)");
+// Where a reader of the kind is in place, its link to the PC/SC service may be one that the
+// service's restart has made useless: a kind that does not exist does away with it.
+bool Readers::Connect(const ReaderAddress& address, bool again) {
+  const auto open = [&] {
+    return (address.port ? OpenReader(*address.port, address.kind, kBaudRate)
+                         : OpenReaderA(ToLibrary(address.name).c_str(), address.kind)) != 0;
+  };
+  if (open()) return true;
+  if (!again || address.kind != ReaderKindPcsc) return false;
+  OpenReader(0, kNoKind, kBaudRate);
+  return open();
+}
+
+void Readers::Close(Place& place) {
+  if (place.open) CloseReader();
+  place.open = false;
+}
+
+bool Readers::Reopen(Place& place) {
+  Close(place);
+  place.open = Connect(place.address, true);
+  if (place.open && !place.slot.empty()) ChangeSlot(place.slot.c_str());
+  return place.open;
+}
+
+Readers::Place& Readers::Use() {
+  std::optional<Place>& place = places_[current_];
+  if (!place) {
+    throw Failure(kReaderFault, "reader " + std::to_string(current_) +
+                                    " is not open: open it with @OPENREADER(...)");
+  }
+  if (!place->open && !Reopen(*place)) {
+    throw Failure(kReaderFault, "can't open the reader " + place->address.Shown() +
+                                    " again: " + WhyNotOpened(place->address));
+  }
+  return *place;
 }
 
 void Readers::ChooseSlot(const std::string& slot) {
-  OpenKind();
+  Place& place = Use();
   // The library takes a single digit for the high half: "1" would be slot 16.
   if (slot.size() != 2 || !IsHexDigit(slot[0]) || !IsHexDigit(slot[1])) {
     throw Failure(kScriptFault, "a slot is two hexadecimal digits, such as 00 or 0C, not \"" +
                                     Printable(slot) + "\"");
   }
   ChangeSlot(slot.c_str());
+  place.slot = slot;
 }
 
 std::string Readers::ResetCard() {
-  OpenKind();
-  std::array<char, 1025> atr{};
-  if (Reset(atr.data()) == 0) {
-    throw Failure(kReaderFault, "no answer to reset: is a card in the reader?");
-  }
-  return atr.data();
+  Place& place = Use();
+  std::optional<std::string> atr = ReadAtr();
+  if (!atr && place.address.kind == ReaderKindPcsc && Reopen(place)) atr = ReadAtr();
+  if (atr) return *atr;
+  const std::string trouble = CardTrouble(place.address);
+  throw Failure(kReaderFault,
+                "no answer to reset: " + (trouble.empty() ? "is a card in the reader?" : trouble));
+}
+
+void Readers::Check(const Command& command) {
+  const int32_t kind = Use().address.kind;
+  if (command.Octets() <= LongestCommand(kind)) return;
+  throw Failure(kScriptFault, "the command has " + Counted(command.Octets(), "byte") +
+                                  ", and readers of the kind " + std::string(KindName(kind)) +
+                                  " take " + std::to_string(LongestCommand(kind)) +
+                                  " at most; nothing sent");
 }
 
 Answer Readers::Send(const Command& command) {
-  const int32_t kind = OpenKind();
+  Place& place = Use();
+  const int32_t kind = place.address.kind;
   std::array<char, 8193> text{};
   const int32_t length = static_cast<int32_t>(command.digits.size());
   const int32_t result = SendCommand(command.digits.c_str(), length, text.data());
-  const std::optional<Answer> answer = ReadAnswer(kind, result, text.data());
-  if (!answer) throw Failure(kReaderFault, "no answer from the card or its reader");
-  return *answer;
+  if (const std::optional<Answer> answer = ReadAnswer(kind, result, text.data())) return *answer;
+  if (kind == ReaderKindTcp) {
+    Close(place);
+    throw Failure(kReaderFault,
+                  "no answer from the encryption machine; its connection is closed, so that an "
+                  "answer that comes late is not taken for the next command's, and the next "
+                  "command opens it afresh");
+  }
+  std::string trouble = CardTrouble(place.address);
+  if (trouble.empty()) trouble = TooMuchAsked(command, kind);
+  if (trouble.empty() && kind == ReaderKindPcsc) {
+    trouble = "if another program has reset the card, @reset() brings it back";
+  }
+  throw Failure(kReaderFault,
+                "no answer from the card or its reader" + (trouble.empty() ? "" : ": " + trouble));
 }
 
 }  // namespace host

@@ -47,20 +47,37 @@ class Readers {
   // the default one, else the only PC/SC reader that there is.
   ReaderAddress OpenDefault();
   void ChooseSlot(const std::string& slot);
-  std::string ResetCard();  // the ATR
+  // The ATR. A PC/SC reader that gives none is opened afresh and asked once more: another program
+  // may have reset its card, or the service may have restarted.
+  std::string ResetCard();
+  // Makes sure that the command can be sent at all.
+  void Check(const Command& command);
+  // Without an answer the connection to an encryption machine is closed, so that an answer that
+  // comes late is not taken for the next command's; the next use opens it afresh.
   Answer Send(const Command& command);
+  // Of the current reader; of none, that of the one that OpenDefault would open.
+  int32_t CurrentKind() const;
 
  private:
-  void Prepare();
-  int32_t CurrentKind() const;
-  int32_t OpenKind() const;
+  // A reader that has been opened. Where it is not open now, its next use opens it afresh.
+  struct Place {
+    ReaderAddress address;
+    bool open = true;
+    std::string slot;  // empty: none was chosen
+  };
+
+  void LoadSimulatorsOnce();
+  Place& Use();
+  static bool Connect(const ReaderAddress& address, bool again);
+  static bool Reopen(Place& place);
+  static void Close(Place& place);
 
   int32_t defaultKind_;
   bool simulate_;
   std::string defaultReader_;
   bool used_ = false;
   size_t current_ = 0;
-  std::array<std::optional<int32_t>, 16> kinds_;  // of the readers that are open
+  std::array<std::optional<Place>, 16> places_;
 };
 
 }  // namespace host

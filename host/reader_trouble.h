@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "host/reader_address.h"
+
+namespace host {
+
+// Throws Failure (kReaderFault) where the library would not find out that the address of an
+// encryption machine is no numbers-and-dots IPv4 address with a port, or take it for another.
+void CheckMachine(const ReaderAddress& address);
+
+// The PC/SC readers that there are, or why there is none.
+std::string PcscReaders();
+
+// Why a reader did not open; a sentence without its full stop.
+std::string WhyNotOpened(const ReaderAddress& address);
+
+// What is wrong with the card of a reader that is open; empty if that can't be told.
+std::string CardTrouble(const ReaderAddress& address);
+
+}  // namespace host
