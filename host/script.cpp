@@ -32,10 +32,11 @@ void RunScriptFile(const Script& script, Session& session) {
     try {
       if (!session.Run(script.statements[at], at + 1)) break;
     } catch (const Failure& failure) {
+      session.Summarise(false);
       throw At(script, at + 1, failure);
     }
   }
-  session.Summarise();
+  session.Summarise(true);
 }
 
 }  // namespace host

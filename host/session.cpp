@@ -97,12 +97,13 @@ void Session::Send(std::string_view digits) {
 }
 
 void Session::Exchange(const Command& command, bool hide) {
+  readers_.Check(command);
   trace_.Command(command, hide);
   const Answer answer = readers_.Send(command);
   ++commands_;
   SetVariable("%RESP", answer.data);
   SetVariable("%SW", answer.statusWord);
-  trace_.Answer(answer);
+  trace_.Answer(answer, NoteOn(answer, command, readers_.CurrentKind()));
 }
 
 void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {
@@ -147,6 +148,6 @@ void Session::ResetCard() {
   trace_.Atr(atr);
 }
 
-void Session::Summarise() { trace_.Summary(commands_, expectations_); }
+void Session::Summarise(bool done) { trace_.Summary(commands_, expectations_, done); }
 
 }  // namespace host

@@ -39,7 +39,7 @@ class Session {
   // True if the trace may not show this statement as it stands.
   bool Hides(const Statement& statement) const;
 
-  void Summarise();
+  void Summarise(bool done);
 
  private:
   void Echo(std::optional<size_t> line, std::string_view shown);

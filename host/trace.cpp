@@ -37,7 +37,8 @@ std::string Grouped(const Command& command, bool hideData) {
 }  // namespace
 
 std::string Trace::Paint(Colour colour, std::string_view text) const {
-  constexpr std::array<std::string_view, 7> kSequences = {"", "1", "2", "32", "33", "31", "36"};
+  constexpr std::array<std::string_view, 8> kSequences = {"",   "1",  "2",  "32",
+                                                          "33", "31", "36", "1;37;41"};
   const std::string_view sequence = kSequences[static_cast<size_t>(colour)];
   if (!settings_.colour || sequence.empty() || text.empty()) return std::string(text);
   return "\x1b[" + std::string(sequence) + "m" + std::string(text) + "\x1b[0m";
@@ -88,7 +89,9 @@ void Trace::Statement(std::optional<size_t> line, std::string_view statement) {
 
 void Trace::Value(std::string_view value) { Detail(Colour::kDim, "=", Printable(value)); }
 
-void Trace::Atr(std::string_view digits) { Detail(Colour::kCyan, "ATR", SpacedOctets(digits)); }
+void Trace::Atr(std::string_view digits) {
+  if (!digits.empty()) Detail(Colour::kCyan, "ATR", SpacedOctets(digits));
+}
 
 void Trace::Command(const host::Command& command, bool hideData) {
   const std::string name(CommandName(command));
@@ -105,28 +108,33 @@ void Trace::Command(const host::Command& command, bool hideData) {
   }
 }
 
-void Trace::Answer(const host::Answer& answer) {
+void Trace::Answer(const host::Answer& answer, std::string_view note) {
   if (!answer.data.empty()) Rows(Colour::kCyan, "<<", answer.data);
   if (settings_.tlv) Elements(answer.data);
-  if (answer.statusWord.empty()) return;
-  const Standing standing = StandingOf(answer.statusWord);
+  if (answer.statusWord.empty() && !answer.failed) return;
+  Standing standing = StandingOf(answer.statusWord);
+  if (answer.failed && standing == Standing::kSuccess) standing = Standing::kWarning;
   const Colour colour = standing == Standing::kSuccess   ? Colour::kGreen
                         : standing == Standing::kWarning ? Colour::kYellow
                                                          : Colour::kRed;
   Detail(colour, "SW",
-         Paint(colour, answer.statusWord) + "  " + DescribeStatusWord(answer.statusWord));
+         answer.statusWord.empty()
+             ? "unknown"
+             : Paint(colour, answer.statusWord) + "  " + DescribeStatusWord(answer.statusWord));
+  if (!note.empty()) Detail(Colour::kPlain, "", "      " + Paint(Colour::kYellow, note));
 }
 
 void Trace::Expectation(std::string_view left, std::string_view right, bool equal, bool held) {
-  const Colour colour = held ? Colour::kGreen : Colour::kRed;
-  Detail(colour, held ? "ok" : "FAIL",
-         Printable(left) + (equal ? " = " : " is not ") + Printable(right));
+  const std::string text = Printable(left) + (equal ? " = " : " is not ") + Printable(right);
+  Detail(held ? Colour::kGreen : Colour::kAlarm, held ? "ok" : "FAIL",
+         held ? text : Paint(Colour::kAlarm, text));
 }
 
-void Trace::Summary(size_t commands, size_t expectations) {
+void Trace::Summary(size_t commands, size_t expectations, bool done) {
   out_ << '\n'
-       << Paint(Colour::kGreen, "done") << "  " << Counted(commands, "command") << " sent, "
-       << Counted(expectations, "expectation") << " met\n"
+       << (done ? Paint(Colour::kGreen, "done") : Paint(Colour::kAlarm, "failed")) << "  "
+       << Counted(commands, "command") << " sent, " << Counted(expectations, "expectation")
+       << " met\n"
        << std::flush;
 }
 

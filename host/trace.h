@@ -28,14 +28,15 @@ class Trace {
   // With its line number where it has one.
   void Statement(std::optional<size_t> line, std::string_view statement);
   void Value(std::string_view value);
-  void Atr(std::string_view digits);
+  void Atr(std::string_view digits);  // nothing for a reader without one
   void Command(const host::Command& command, bool hideData);
-  void Answer(const host::Answer& answer);
+  // A note stands below the status word.
+  void Answer(const host::Answer& answer, std::string_view note);
   void Expectation(std::string_view left, std::string_view right, bool equal, bool held);
-  void Summary(size_t commands, size_t expectations);
+  void Summary(size_t commands, size_t expectations, bool done);
 
  private:
-  enum class Colour { kPlain, kBold, kDim, kGreen, kYellow, kRed, kCyan };
+  enum class Colour { kPlain, kBold, kDim, kGreen, kYellow, kRed, kCyan, kAlarm };
 
   std::string Paint(Colour colour, std::string_view text) const;
   void Detail(Colour colour, std::string_view label, std::string_view text);

@@ -75,6 +75,10 @@ TEST_F(Program, CarriesOutAScript) {
        "\\xE2\\x82\n"},
       {"-q", "$ Title\n00A40000023F00\n", 0, "", ""},
       {"--color always", "00A40000021234\n", 0, "", "\x1b[31m6A82\x1b[0m"},
+      {"--color always -k pcsc", "@compare(1,2,1)\n", 1,
+       "script:1: not as expected: @compare(1,2,1)\n  left   1\n  right  2\n"
+       "  they should be equal\n",
+       "\x1b[1;37;41mFAIL |\x1b[1;37;41m1 is not 2|mfailed\x1b[0m  0 commands sent"},
   });
 }
 
@@ -84,6 +88,10 @@ TEST_F(Program, SendsLongCommands) {
   const std::string data(2 * 255, 'B');
   ExpectRows({
       {"", "00D60000FF" + data + "\n@compare(%SW,6986,1)\n", 0, "", ">>   00 D6 00 00  FF|6986"},
+      {"-r 5:COM1", "00D60000FF" + data + "\n", 3,
+       "script:1: the command has 260 bytes, and readers of the kind D8 take 255 at most; nothing "
+       "sent\n",
+       "failed  0 commands sent, 0 expectations met\n"},
       {"", half + "00D6000000 0FF9 %A %A 0A\n@compare(%SW,6700,1)\n@compare(%A 1,%A 2,0)\n", 0, "",
        ">>   00 D6 00 00  00 0F F9|AA AA AA AA|a2\n"},
   });
@@ -164,13 +172,17 @@ TEST_F(Program, ReportsReaderTrouble) {
   const std::string empty = "-r \"Simulated Reader 1\"";
   ExpectRows({
       {"-r Nowhere", "", 4,
-       "orvane: can't open the reader Nowhere (PC/SC); there is: Simulated Reader 0, Simulated "
+       "orvane: can't open the reader Nowhere (PC/SC): there is none; there is: Simulated Reader "
+       "0, Simulated "
        "Reader 1\n",
        ""},
       {"-r 9:1", "", 4, "orvane: there is no reader kind 9\n", ""},
-      {"", "@OPENREADER(5:9)\n", 4, "script:1: can't open the reader port 9 (D8)\n", ""},
-      {empty, "@reset()\n", 4, "script:1: no answer to reset: is a card in the reader?\n", ""},
-      {empty, "00A40000\n", 4, "script:1: no answer from the card or its reader\n", ""},
+      {"", "@OPENREADER(5:9)\n", 4,
+       "script:1: can't open the reader port 9 (D8): its maker's library finds no reader there\n",
+       ""},
+      {empty, "@reset()\n", 4, "script:1: no answer to reset: no card is in the reader\n", ""},
+      {empty, "00A40000\n", 4,
+       "script:1: no answer from the card or its reader: no card is in the reader\n", ""},
       {"-r \"Simulated Reader 0\"", "@setreader(1)\n00A40000\n", 4,
        "script:2: reader 1 is not open: open it with @OPENREADER(...)\n", ""},
       {"", "@setreader(16)\n", 4,
