@@ -17,10 +17,9 @@ namespace {
 // Connects a card that has no handle. To connect to an empty reader is the same failure on Windows
 // as to use a removed card; pcsc-lite tells the two apart.
 LONG Connect(const PcscLite& lite, Card& card, uint32_t shareMode, uint32_t protocols,
-             DWORD* active) {
-  SCARDHANDLE handle = 0;
+             SCARDHANDLE& handle, DWORD& active) {
   const LONG code = lite.connect(card.context, card.reader.c_str(), shareMode,
-                                 ToLiteProtocols(protocols), &handle, active);
+                                 ToLiteProtocols(protocols), &handle, &active);
   if (code == SCARD_S_SUCCESS) card.handle = handle;
   return code == SCARD_E_NO_SMARTCARD ? SCARD_W_REMOVED_CARD : code;
 }
@@ -59,7 +58,8 @@ WINSCARD_API int32_t SCardConnectA(Context context, const char* reader, uint32_t
     const auto card = std::make_shared<Card>(static_cast<SCARDCONTEXT>(context), reader);
     const Handle added = AddCard(card);
     DWORD active = 0;
-    const LONG code = Connect(lite, *card, shareMode, protocols, &active);
+    SCARDHANDLE handle = 0;
+    const LONG code = Connect(lite, *card, shareMode, protocols, handle, active);
     if (code == SCARD_S_SUCCESS) {
       *number = added;
       *activeProtocol = ToWindowsProtocol(active);
@@ -76,12 +76,14 @@ WINSCARD_API int32_t SCardReconnect(Handle number, uint32_t shareMode, uint32_t 
     const std::shared_ptr<Card> card = FindCard(number);
     if (card == nullptr) return SCARD_E_INVALID_HANDLE;
     if (activeProtocol == nullptr) return SCARD_E_INVALID_PARAMETER;
+    const std::lock_guard lock(card->connecting);
+    if (FindCard(number) != card) return SCARD_E_INVALID_HANDLE;  // another thread was quicker
     DWORD active = 0;
     LONG code = SCARD_S_SUCCESS;
-    if (card->handle == 0) code = Connect(lite, *card, shareMode, protocols, &active);
+    SCARDHANDLE handle = card->handle;
+    if (handle == 0) code = Connect(lite, *card, shareMode, protocols, handle, active);
     if (code == SCARD_S_SUCCESS) {
-      code = lite.reconnect(card->handle, shareMode, ToLiteProtocols(protocols), initialization,
-                            &active);
+      code = lite.reconnect(handle, shareMode, ToLiteProtocols(protocols), initialization, &active);
     }
     if (code == SCARD_S_SUCCESS) *activeProtocol = ToWindowsProtocol(active);
     return code == SCARD_E_NO_SMARTCARD ? SCARD_W_REMOVED_CARD : code;
@@ -92,9 +94,11 @@ WINSCARD_API int32_t SCardDisconnect(Handle number, uint32_t disposition) {
   return WithPcscLite([&](const PcscLite& lite) {
     const std::shared_ptr<Card> card = FindCard(number);
     if (card == nullptr) return SCARD_E_INVALID_HANDLE;
+    const std::lock_guard lock(card->connecting);
     const SCARDHANDLE handle = card->handle;
     const LONG code = handle == 0 ? SCARD_S_SUCCESS : lite.disconnect(handle, disposition);
-    if (code == SCARD_S_SUCCESS) RemoveCard(number);
+    // Whatever else fails, the connection is lost: callers don't ask twice.
+    if (code != SCARD_E_INVALID_VALUE) RemoveCard(number);
     return code;
   });
 }

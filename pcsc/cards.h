@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "pcsc_lite.h"
@@ -18,6 +19,7 @@ struct Card {
   const SCARDCONTEXT context;
   const std::string reader;
   std::atomic<SCARDHANDLE> handle = 0;
+  std::mutex connecting;  // held while a caller connects or disconnects
 };
 
 // The connections under the numbers that callers know as card handles. A number lies between 1 and

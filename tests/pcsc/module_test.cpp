@@ -6,6 +6,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "pcsc/windows_types.h"
@@ -20,8 +21,10 @@ using winscard::IoRequest;
 using winscard::ReaderState;
 
 constexpr uint32_t kInvalidHandle = 0x80100003;
+constexpr uint32_t kInvalidParameter = 0x80100004;
 constexpr uint32_t kInsufficientBuffer = 0x80100008;
 constexpr uint32_t kUnknownReader = 0x80100009;
+constexpr uint32_t kInvalidValue = 0x80100011;
 constexpr uint32_t kNotSupportedByDriver = 0x8010001F;
 constexpr uint32_t kUnsupportedFeature = 0x80100022;
 constexpr uint32_t kRemovedCard = 0x80100069;
@@ -93,7 +96,8 @@ class PcscModule : public ServiceTest {
   }
 
   uint32_t Reconnect(Handle card) {
-    return Call("SCardReconnect", card, kShared, kAnyProtocol, 0U, &protocol_);
+    uint32_t protocol = 0;
+    return Call("SCardReconnect", card, kShared, kAnyProtocol, 0U, &protocol);
   }
 
   void* module_ = nullptr;
@@ -206,8 +210,8 @@ TEST_F(PcscModule, KeepsSayingThatACardWasRemoved) {
   EXPECT_EQ(Call("SCardDisconnect", card, 0U), 0U);
 }
 
-// pcsc-lite has room for 200 connections to a reader.
-TEST_F(PcscModule, RemovedCardsTakeNoConnections) {
+// pcsc-lite has room for 200 connections to a reader. Two threads that reconnect one card take one.
+TEST_F(PcscModule, RemovedAndReconnectedCardsTakeNoMoreConnections) {
   constexpr size_t kConnections = 150;
   std::set<uint32_t> numbers;
   for (int round = 0; round < 2; round++) {
@@ -227,7 +231,36 @@ TEST_F(PcscModule, RemovedCardsTakeNoConnections) {
     for (const Handle card : cards) {
       ASSERT_TRUE(WaitUntil([&] { return GetAtr(card) == kRemovedCard; }));
     }
+    ASSERT_TRUE(card_.Insert());
+    ASSERT_TRUE(ConnectsInTime(first));
+    for (const Handle card : cards) {
+      std::thread other([&] { EXPECT_EQ(Reconnect(card), 0U); });
+      EXPECT_EQ(Reconnect(card), 0U);
+      other.join();
+      EXPECT_EQ(Call("SCardDisconnect", card, 0U), 0U);
+    }
+    card_.Pull();
   }
+}
+
+// A connection that can't be ended is lost, and its handle with it; a wrong call ends nothing.
+TEST_F(PcscModule, ForgetsAHandleThatDoesNotDisconnect) {
+  ASSERT_TRUE(card_.Insert());
+  Handle card = 0;
+  ASSERT_TRUE(ConnectsInTime(card));
+  const auto knows = [&] {
+    return Call("SCardReconnect", card, kShared, kAnyProtocol, 0U, nullptr) == kInvalidParameter;
+  };
+  EXPECT_EQ(Call("SCardDisconnect", card, 99U), kInvalidValue);
+  EXPECT_TRUE(knows());
+  EXPECT_EQ(Transmit(card), 0U);
+
+  void* const lite = dlopen("libpcsclite.so.1", RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(lite, nullptr) << dlerror();
+  reinterpret_cast<long (*)(long)>(dlsym(lite, "SCardReleaseContext"))(static_cast<long>(context_));
+  EXPECT_EQ(Call("SCardDisconnect", card, 0U), kInvalidHandle);
+  EXPECT_FALSE(knows());
+  dlclose(lite);
 }
 
 TEST_F(PcscModule, HasNoCardTypes) {
