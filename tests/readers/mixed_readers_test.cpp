@@ -84,6 +84,60 @@ TEST_F(MixedReaders, OfOneLibraryFillAllSlots) {
   }
 }
 
+// An open reader that is opened again is not closed before, and the new connection is the one that
+// is used and closed.
+TEST_F(MixedReaders, OpenAgainWithoutClosing) {
+  const std::pair<const SimulatedReader&, const char*> rows[] = {
+      {kTyUsb, "TYKey_OpenTYKey(0)\nTYKey_ColdReset(-999)\nTYKey_CloseTYKey(-999)\n"},
+      {kTyCom, "TY_Open(57600, 0)\nTY_Dreset(1, 0)\nTY_Close(1)\n"},
+      {kWd,
+       "CT_open(\"USB1\", 0, 0)\nICC_set_NAD(2, 21)\nICC_tsi_api(2, 0012000000)\nCT_close(2)\n"},
+      {kD8,
+       "dc_init(0, 115200)\ndc_config_card(2, 0x41)\ndc_reset(2, 1)\ndc_request(2, 1)\n"
+       "dc_anticoll(2, 0)\ndc_select(2, 1330796110)\ndc_pro_resethex(2)\ndc_exit(2)\n"},
+      {kS5009, "InitCOM(1)\nMifare_SearchCard()\nCloseCOM(1)\n"},
+      {kIcr,
+       "SDT_OpenPort(1)\nSDT_StartFindIDCard(1, 0)\nSDT_StartFindIDCard(1, 0)\n"
+       "SDT_SelectIDCard(1, 0)\nSDT_ClosePort(1)\n"},
+      {kBsit, "bsit_openHID(0, 0, 0)\nbsit_SetSlot(1, 0)\nbsit_ResetCard(1)\nbsit_CloseHID(1)\n"},
+  };
+  for (const auto& [reader, calls] : rows) {
+    SCOPED_TRACE(reader.vendor);
+    EmptySlots();
+    const SimulatedModule& module = *modules.at(reader.vendor);
+    module.Restart();
+    ASSERT_EQ(Open(reader), 1);
+    const std::size_t opening = module.Journal().size();
+    EXPECT_EQ(Open(reader), 1);
+    EXPECT_EQ(ResetCard().result, 1);
+    EXPECT_EQ(CloseReader(), 1);
+    EXPECT_EQ(CallsWithoutResults(module.Journal().substr(opening)), calls);
+  }
+}
+
+// A library that throws when it is to close ends neither the host nor the reader that comes next.
+TEST_F(MixedReaders, OutliveALibraryThatThrowsWhenItCloses) {
+  for (const SimulatedReader* reader : kReaders) {
+    SCOPED_TRACE(reader->kind);
+    const SimulatedModule& module = *modules.at(reader->vendor);
+    const std::string closing = reader->closing;
+    const auto works = [](const SimulatedReader& opened) {
+      return Open(opened) == 1 && ResetCard().result == 1 && Send("00A4000C023F00").result == 1;
+    };
+    EmptySlots();
+    module.Restart();
+    for (int i = 0; i < 2; ++i) {
+      module.Answer(closing.substr(0, closing.find('(')).c_str(), 0, nullptr, SIMULATOR_THROW);
+    }
+    ASSERT_TRUE(works(*reader));
+    EXPECT_EQ(CloseReader(), 0);
+    EXPECT_TRUE(works(*reader));
+    EXPECT_TRUE(works(reader == &kD8 ? kTyCom : kD8));
+    const std::string journal = module.Journal();
+    EXPECT_NE(journal.find("throws"), journal.rfind("throws"));
+  }
+}
+
 // A library may give 64 bits of handle: 32 are kept, and handed over with their sign.
 TEST_F(MixedReaders, HandOverHandlesWithTheirSign) {
   const struct {
