@@ -9,16 +9,9 @@ namespace {
 
 enum class Direction { kEncrypt, kDecrypt };
 
-void StartGcrypt() {
-  if (gcry_control(GCRYCTL_INITIALIZATION_FINISHED_P) != 0) return;
-  gcry_check_version(nullptr);
-  gcry_control(GCRYCTL_DISABLE_SECMEM, 0);  // these keys are no secret
-  gcry_control(GCRYCTL_INITIALIZATION_FINISHED, 0);
-}
-
 // DES or, with a key of 24 octets, triple DES: CBC that begins with start.
 Octets Transform(Direction direction, const Octets& key, const Octets& start, Octets blocks) {
-  StartGcrypt();
+  gcry_check_version(nullptr);  // makes libgcrypt ready and leaves its settings to the host
   gcry_cipher_hd_t cipher = nullptr;
   const int algorithm = key.size() == kBlockSize ? GCRY_CIPHER_DES : GCRY_CIPHER_3DES;
   gcry_cipher_open(&cipher, algorithm, GCRY_CIPHER_MODE_CBC, 0);

@@ -155,8 +155,8 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
        "to its host\n",
        ""},
       {"", "00D6000008 @SUBKEY(0011,1122334455667788)\n", 3,
-       "script:1: @SUBKEY failed: is its key 8, 16 or 24 bytes long, and the module "
-       "orvane_crypto there?\n",
+       "script:1: @SUBKEY failed: is its key 8, 16 or 24 bytes long, the module orvane_crypto "
+       "there, and FIPS mode off?\n",
        ""},
       {"", "@compare(00,00,2)\n", 3,
        "script:1: @compare expects 1 (equal) or 0 (different) as third argument\n", ""},
