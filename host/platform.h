@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -75,5 +76,18 @@ FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone);
 
 // An exported function; null if there is none.
 void* ModuleFunction(void* module, const char* name);
+
+// Keeps other processes that make one of these in the same folder waiting, where the file system
+// can.
+class FolderLock {
+ public:
+  FolderLock();
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+  ~FolderLock();
+
+ private:
+  std::intptr_t handle_;
+};
 
 }  // namespace host

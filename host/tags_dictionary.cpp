@@ -3,20 +3,17 @@
 #include <orvane.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
+#include <map>
+#include <new>
 #include <optional>
 
 #include "host/failure.h"
+#include "host/platform.h"
 #include "host/text.h"
 #include "host/text_input.h"
 
 namespace host {
 namespace {
-
-constexpr const char* kFile = "dictdata.bin";
 
 std::string Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";
@@ -34,13 +31,15 @@ void CheckEntry(const TagEntry& entry) {
   if (entry.tag.empty() || !std::all_of(entry.tag.begin(), entry.tag.end(), IsHexDigit)) {
     throw Failure(kScriptFault, Printable(entry.tag) + " is no tag");
   }
+  if (entry.name.empty()) {
+    throw Failure(kScriptFault, "tag " + Printable(entry.tag) + " has no name");
+  }
   check(entry.tag, sizeof TagdictData::tag, "tag");
   check(entry.name, sizeof TagdictData::shortText, "name");
   check(entry.text, sizeof TagdictData::longText, "text");
 }
 
 TagdictData RecordOf(const TagEntry& entry) {
-  CheckEntry(entry);
   TagdictData record{};
   UpperCase(entry.tag).copy(record.tag, sizeof record.tag - 1);
   entry.name.copy(record.shortText, sizeof record.shortText - 1);
@@ -48,103 +47,95 @@ TagdictData RecordOf(const TagEntry& entry) {
   return record;
 }
 
-// How many records the library can have read from the file: what the file says, as far as it is
-// long enough for them.
-size_t RecordsInFile() {
-  constexpr size_t kShortestRecord = 3;
-  std::ifstream file(kFile, std::ios::binary);
-  std::array<char, 4> octets{};
-  if (!file.read(octets.data(), octets.size())) return 0;
-  uint32_t count = 0;
-  for (size_t i = octets.size(); i-- > 0;) count = count << 8 | static_cast<uint8_t>(octets[i]);
-  std::error_code error;
-  const auto size = static_cast<size_t>(std::filesystem::file_size(kFile, error));
-  return error ? 0 : std::min<size_t>(count, size / kShortestRecord);
-}
-
-std::vector<TagdictData> Records() {
-  std::vector<TagdictData> records(RecordsInFile());
-  int32_t count = 0;
-  if (GetTagdict(records.data(), &count) == 0) {
-    throw Failure(kFileFault, std::string(kFile) + " can't be read");
-  }
-  records.resize(static_cast<size_t>(count));
-  return records;
-}
-
-// The library does not tell whether it could write.
-void Save() {
-  std::error_code error;
-  const bool isNew = !std::filesystem::exists(kFile, error);
-  const bool canWrite =
-      isNew || std::fstream(kFile, std::ios::in | std::ios::out | std::ios::binary);
-  if (canWrite) FlushTagdict();
-  if (!canWrite || !std::filesystem::exists(kFile, error)) {
-    throw Failure(kFileFault, std::string(kFile) + " can't be written");
-  }
-}
-
 [[noreturn]] void FailAbsent(std::string_view tag) {
   throw Failure(kExpectationFailed, "the dictionary has no tag " + Printable(tag));
 }
 
-std::optional<TagdictData> Find(std::string_view tag) {
-  TagdictData record;
-  if (FindTagdictData(std::string(tag).c_str(), &record) == 0) return std::nullopt;
-  return record;
+// What a change leaves under upper-case tags: an entry or none.
+using Contents = std::map<std::string, std::optional<TagEntry>>;
+
+Contents ByTag(const std::vector<TagEntry>& entries) {
+  Contents contents;
+  for (const TagEntry& entry : entries) contents.emplace(UpperCase(entry.tag), entry);
+  return contents;
 }
 
-// Replaces an entry in whatever case its tag stands.
-void Put(TagdictData record) {
-  if (const auto old = Find(record.tag)) DeleteTagdictData(old->tag);
-  if (AddTagdictData(&record) == 0) {
-    throw Failure(kFileFault, std::string("tag ") + record.tag + " can't be stored");
+// In whatever case the tag stands, and however often.
+void Delete(const std::string& tag) {
+  TagdictData record;
+  while (FindTagdictData(tag.c_str(), &record) != 0) DeleteTagdictData(record.tag);
+}
+
+void Put(const TagEntry& entry) {
+  const TagdictData record = RecordOf(entry);
+  Delete(record.tag);
+  if (AddTagdictData(&record) == 0) throw std::bad_alloc();
+}
+
+// The library does not tell whether it could write.
+void Save(const Contents& expected) {
+  FlushTagdict();
+  const Contents stored = ByTag(ReadDictionary());
+  for (const auto& [tag, entry] : expected) {
+    const auto found = stored.find(tag);
+    if ((found == stored.end() ? std::nullopt : found->second) != entry) {
+      throw Failure(kFileFault, std::string(kDictionaryFile) + " can't be written");
+    }
   }
 }
 
-void PrintRecord(std::ostream& out, const TagdictData& record) {
-  std::string tag = Printable(record.tag);
+void PrintEntry(std::ostream& out, const TagEntry& entry) {
+  std::string tag = Printable(entry.tag);
   tag.resize(std::max<size_t>(tag.size(), 6), ' ');
-  out << tag << "  " << Printable(record.shortText) << '\n';
+  out << tag << "  " << Printable(entry.name) << '\n';
 }
 
 }  // namespace
 
 void PrintTags(std::ostream& out) {
-  for (const TagdictData& record : Records()) PrintRecord(out, record);
+  for (const TagEntry& entry : ReadDictionary()) PrintEntry(out, entry);
 }
 
 void PrintTag(std::ostream& out, std::string_view tag) {
-  const auto record = Find(tag);
-  if (!record) FailAbsent(tag);
-  PrintRecord(out, *record);
-  if (record->longText[0] != '\0') out << "        " << Printable(record->longText) << '\n';
+  const Contents contents = ByTag(ReadDictionary());
+  const auto found = contents.find(UpperCase(tag));
+  if (found == contents.end()) FailAbsent(tag);
+  PrintEntry(out, *found->second);
+  if (!found->second->text.empty()) out << "        " << Printable(found->second->text) << '\n';
 }
 
 void AddTag(const TagEntry& entry, bool replace) {
-  const TagdictData record = RecordOf(entry);
-  if (!replace && Find(record.tag)) {
-    throw Failure(kExpectationFailed, std::string("the dictionary has tag ") + record.tag +
-                                          " already; --replace puts this in its place");
+  CheckEntry(entry);
+  const FolderLock lock;
+  const std::string tag = UpperCase(entry.tag);
+  if (ByTag(ReadDictionary()).contains(tag) && !replace) {
+    throw Failure(kExpectationFailed,
+                  "the dictionary has tag " + tag + " already; --replace puts this in its place");
   }
-  Put(record);
-  Save();
+  Put(entry);
+  Save({{tag, TagEntry{tag, entry.name, entry.text}}});
 }
 
 void RemoveTag(std::string_view tag) {
-  const auto record = Find(tag);
-  if (!record) FailAbsent(tag);
-  DeleteTagdictData(record->tag);
-  Save();
+  const FolderLock lock;
+  const std::string key = UpperCase(tag);
+  if (!ByTag(ReadDictionary()).contains(key)) FailAbsent(tag);
+  Delete(key);
+  Save({{key, std::nullopt}});
 }
 
 size_t ImportTags(const std::vector<TagEntry>& entries) {
-  std::vector<TagdictData> records;
-  records.reserve(entries.size());
-  for (const TagEntry& entry : entries) records.push_back(RecordOf(entry));
-  for (const TagdictData& record : records) Put(record);
-  Save();
-  return records.size();
+  for (const TagEntry& entry : entries) CheckEntry(entry);
+  const FolderLock lock;
+  ReadDictionary();  // one that is damaged stays as it is
+  Contents expected;
+  for (const TagEntry& entry : entries) {
+    Put(entry);
+    const std::string tag = UpperCase(entry.tag);
+    expected[tag] = TagEntry{tag, entry.name, entry.text};
+  }
+  Save(expected);
+  return entries.size();
 }
 
 std::vector<TagEntry> ReadTagList(const std::string& file) {

@@ -6,17 +6,12 @@
 #include <string_view>
 #include <vector>
 
+#include "host/dictionary_file.h"
+
 namespace host {
 
-// What a record of the tag dictionary says.
-struct TagEntry {
-  std::string tag;
-  std::string name;
-  std::string text;
-};
-
 // The dictionary of the current directory. Everything that goes wrong is thrown as Failure, with
-// the file as it was.
+// the file as it was. Of several programs that change it at once, one waits for the other.
 
 void PrintTags(std::ostream& out);
 

@@ -55,8 +55,10 @@ TEST_F(Tags, AreEditedAndShown) {
       {"tags import -", 3, "", "<stdin>:2: XY is no tag\n", "58 Fifth\nXY Sixth\n"},
       {"tags import -", 3, "", "<stdin>:1: the name has more than 199 bytes\n",
        "58 " + std::string(200, 'n') + "\n"},
+      {"tags import -", 3, "", "<stdin>:2: tag 58 has no name\n", "5A Sixth\n58 | text\n"},
       {"tags list", 0, "5A      Third\n57      Fourth\n", "", ""},
-      {"tags import missing.txt", 5, "", "orvane: can't open missing.txt: No such file or directory\n", ""},
+      {"tags import missing.txt", 5, "",
+       "orvane: can't open missing.txt: No such file or directory\n", ""},
       {"tags import " + list, 0, "49 entries\n", "", ""},
       {"tags find 6f", 0,
        "6F      File control information\n"
@@ -95,11 +97,50 @@ TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {
   EXPECT_TRUE(Shows(tree, "             A5  29  Inner\n               50  10\n")) << tree;
 }
 
-TEST_F(Tags, AreNotSaidToBeStoredWhenTheyAreNot) {
-  std::filesystem::create_directory("dictdata.bin");
-  const Outcome outcome = RunOrvane("tags add 5A Number");
-  EXPECT_EQ(outcome.exitCode, 5);
-  EXPECT_EQ(outcome.err, "orvane: dictdata.bin can't be written\n");
+TEST_F(Tags, StayAsTheyAreWhereTheyAreNoWholeDictionary) {
+  using namespace std::string_literals;
+  const std::string unreadable = "can't be read",
+                    damaged = "is no whole dictionary: it holds less or more than it says";
+  const std::string record =
+                        "\x02"s
+                        "5A"
+                        "\x02"
+                        "No" +
+                        '\0',
+                    wide = "\xFF\xFE\xFF";
+  const struct {
+    std::string file;  // empty: a folder
+    std::string fault;
+    std::string list;
+  } rows[] = {
+      {"", unreadable, ""},
+      {"\2\0\0\0"s + record, damaged, ""},
+      {"\1\0\0\0"s + record + '\0', damaged, ""},
+      {"\xFF\xFF\xFF\xFF", damaged, ""},
+      {"\1\0\0\0\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s + std::string(8, '\xFF'), damaged, ""},
+      {"Notes", damaged, ""},
+      {"\1\0\0\0"s + wide + "\xFF\2\0005\0A\0"s + wide + "\3\xE4\0\x3D\xD8\0\xDE\0"s, "",
+       "5A      \xC3\xA4\xF0\x9F\x98\x80\n"},
+      {"\1\0\0\0\xFF\2\0005A\xFF\xFF\xFF\1\0\0\0N\0"s, "", "5A      N\n"},
+  };
+  for (const auto& row : rows) {
+    std::filesystem::remove("dictdata.bin");
+    row.file.empty() ? static_cast<void>(std::filesystem::create_directory("dictdata.bin"))
+                     : WriteFile("dictdata.bin", row.file);
+    const std::string fault = "orvane: dictdata.bin " + row.fault + '\n';
+    const Outcome list = RunOrvane("tags list");
+    EXPECT_EQ(list.out, row.list) << row.file;
+    EXPECT_EQ(list.err, row.fault.empty() ? "" : fault) << row.file;
+    if (row.fault.empty()) continue;
+    for (const char* arguments :
+         {"tags list", "tags find 57", "tags add 57 Name", "tags remove 57", "tags import -"}) {
+      const Outcome outcome = RunOrvane(arguments, "57 Name\n");
+      EXPECT_EQ(outcome.exitCode, 5) << row.file << arguments;
+      EXPECT_EQ(outcome.err, fault) << row.file << arguments;
+      if (row.file.empty()) continue;
+      EXPECT_EQ(ReadFile("dictdata.bin"), row.file) << arguments;
+    }
+  }
 }
 
 }  // namespace
