@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/foreign_call.h"
 #include "readers/port_list.h"
 #include "readers/status_word_exchange.h"
 
@@ -57,10 +58,10 @@ class ReaderNames {
   ReaderNames(const PcscEntryPoints& winscard, SCARDCONTEXT context)
       : m_winscard(winscard), m_context(context) {
     DWORD length = SCARD_AUTOALLOCATE;
-    if (winscard.SCardListReadersA(context, SCARD_DEFAULT_READERS, &m_list, &length) !=
-        SCARD_S_SUCCESS) {
-      m_list = nullptr;
-    }
+    const LONG code = platform::CallForeign([&] {
+      return winscard.SCardListReadersA(context, SCARD_DEFAULT_READERS, &m_list, &length);
+    });
+    if (code != SCARD_S_SUCCESS) m_list = nullptr;
     m_rest = {m_list, m_list != nullptr ? length : 0};
   }
   ReaderNames(const ReaderNames&) = delete;
@@ -72,7 +73,9 @@ class ReaderNames {
 
   // Gives the list back to the library; no name is to be used after it.
   void Free() {
-    if (m_list != nullptr) m_winscard.SCardFreeMemory(m_context, std::exchange(m_list, nullptr));
+    if (m_list == nullptr) return;
+    platform::CallForeign(
+        [&] { return m_winscard.SCardFreeMemory(m_context, std::exchange(m_list, nullptr)); });
   }
 
   // The next name; the empty text at the end.
@@ -137,12 +140,13 @@ std::int32_t CPCSCReaderTool::OpenByPort(std::int32_t port, std::int32_t, std::i
   m_winscard.Bind();
   if (!CanListReaders() || !EstablishContext()) return 0;
   ReaderNames names(*m_winscard, m_hContext);
-  std::string_view name;
+  std::string name;
   for (std::int32_t place = 0; place < port; ++place) {
     name = names.Next();
     if (name.empty()) break;
   }
-  const bool opened = !name.empty() && OpenByName(std::string(name).c_str(), ReaderKindPcsc) != 0;
+  const auto open = [&] { return OpenByName(name.c_str(), ReaderKindPcsc); };
+  const bool opened = !name.empty() && platform::CallForeign(open) != 0;
   names.Free();
   if (!opened) return 0;
   m_nPort = port - 1;

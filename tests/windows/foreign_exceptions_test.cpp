@@ -92,6 +92,28 @@ TEST_F(ForeignExceptions, EndAnyOperationOfAnyReader) {
   }
 }
 
+TEST_F(ForeignExceptions, LeaveNothingWithThePcscService) {
+  const auto replacement = reinterpret_cast<void*>(FindThrowing);
+  const support::ReplacedImport replaced("orvane.dll", "GetProcAddress", replacement);
+  const support::SimulatedModule module(kPcsc.vendor);
+  const auto calls = [&](const std::string& function) {
+    const std::string journal = module.Journal();
+    std::ptrdiff_t count = 0;
+    for (auto at = journal.find(function); at != journal.npos;
+         at = journal.find(function, at + 1)) {
+      ++count;
+    }
+    return count;
+  };
+  for (const char* function : {"SCardListReadersA", "SCardFreeMemory", "SCardConnectA"}) {
+    module.Restart();
+    throwing = function;
+    UseEverything(kPcsc);
+    EXPECT_EQ(calls("SCardEstablishContext("), calls("SCardReleaseContext(")) << function;
+  }
+  EXPECT_EQ(calls("SCardListReadersA("), calls("SCardFreeMemory("));
+}
+
 TEST_F(ForeignExceptions, EndAStatement) {
   const auto replacement = reinterpret_cast<void*>(FindNoneButThrowing);
   const support::ReplacedImport replaced("orvane.dll", "GetProcAddress", replacement);
