@@ -23,16 +23,6 @@ constexpr int32_t kMostListed = 64;
 constexpr int32_t kNoKind = 13;
 constexpr const char* kSimulatedReader = "3:Simulated Reader 0";
 
-std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
-  std::vector<std::filesystem::path> modules;
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    if (entry.path().extension() == ModuleExtension()) modules.push_back(entry.path());
-  }
-  std::sort(modules.begin(), modules.end());
-  return modules;
-}
-
 // The library looks for this module beside itself alone, so that no simulator can be put in its
 // place: listing has it loaded, whichever it is.
 bool WdIsSimulated() {

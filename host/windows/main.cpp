@@ -1,8 +1,15 @@
 #include "host/main.h"
 
+#include <windows.h>
+
+#include "host/platform.h"
 #include "host/windows/wide.h"
 
 int wmain(int count, wchar_t** arguments) {
+  // Both take the current folder out of the search for modules: the one for a folder of any
+  // length, the other in Wine too.
+  SetDllDirectoryW(L"");
+  SetDllDirectoryW(host::ProgramFolder().c_str());
   std::vector<std::string> texts;
   for (int at = 1; at < count; ++at) {
     const std::string text = host::FromWide(arguments[at]);

@@ -3,8 +3,6 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include <vector>
-
 #include "host/failure.h"
 #include "host/windows/wide.h"
 
@@ -21,7 +19,18 @@ std::filesystem::path ProgramFolder() {
   return std::filesystem::path(name.data(), name.data() + length).parent_path();
 }
 
-std::string_view ModuleExtension() { return ".dll"; }
+// The standard library's own iterator ends at paths of 260 characters.
+std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> modules;
+  WIN32_FIND_DATAW file;
+  const HANDLE search = FindFirstFileW((folder / "*.dll").c_str(), &file);
+  if (search == INVALID_HANDLE_VALUE) return modules;
+  do {
+    modules.push_back(folder / file.cFileName);
+  } while (FindNextFileW(search, &file) != 0);
+  FindClose(search);
+  return modules;
+}
 
 bool LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()) != nullptr; }
 

@@ -61,6 +61,18 @@ run run --simulate -r 4:WDUSB1 examples/payment.orv >/dev/null 2>&1 || status=$?
 cp simulators/wd/wdcrwx.dll .
 run run --simulate -r 4:WDUSB1 examples/payment.orv >/dev/null || fail "the WD simulator: exit code $?"
 
+# A maker's library in the current folder is not taken; from below a deep folder all are.
+deep=$folder/$(printf 'a%.0s' {1..150})/$(printf 'b%.0s' {1..150})
+mkdir -p "$deep"
+cp -r orvane.exe orvane.dll orvane_crypto.dll simulators "$deep"
+(
+  cd simulators
+  status=0
+  "$root/script/wine" ../orvane.exe apdu -r 5:COM1 00A40000 >out 2>&1 || status=$?
+  [ "$status" = 4 ] || fail "a library in the current folder: exit code $status: $(cat out)"
+)
+"$root/script/wine" "$deep/orvane.exe" run --simulate -r 5:COM1 examples/payment.orv >out || fail "deep: $(cat out)"
+
 # The crypto module of the page in the default one's place.
 eval "$(grep -o '^ *x86_64-w64-mingw32-gcc .*' docs/crypto-module.md)"
 echo '@compare(@HASH(616263), BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD, 1)' >sha256.orv
