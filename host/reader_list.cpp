@@ -4,7 +4,9 @@
 
 #include <iomanip>
 
+#include "host/platform.h"
 #include "host/reader_address.h"
+#include "host/reader_trouble.h"
 #include "host/readers.h"
 #include "host/text.h"
 
@@ -12,6 +14,7 @@ namespace host {
 namespace {
 
 constexpr int kNameWidth = 28;
+constexpr int kFileWidth = 18;
 
 bool KnowsItsReaders(int32_t kind) {
   return kind == ReaderKindTyUsb || kind == ReaderKindPcsc || kind == ReaderKindBsit;
@@ -28,6 +31,13 @@ size_t PrintKind(std::ostream& out, int32_t kind, int32_t ports) {
   return names.size();
 }
 
+void PrintLibrary(std::ostream& out, int32_t kind) {
+  if (KindLibrary(kind).empty()) return;
+  const FoundModule library = FindModule(KindLibrary(kind), kind == ReaderKindWd);
+  out << std::left << std::setw(kNameWidth) << KindName(kind) << std::setw(kFileWidth)
+      << ModuleFileName(KindLibrary(kind)) << Printable(library.message) << '\n';
+}
+
 }  // namespace
 
 void PrintReaders(std::ostream& out, int32_t kind, int32_t ports) {
@@ -36,7 +46,15 @@ void PrintReaders(std::ostream& out, int32_t kind, int32_t ports) {
     const bool wanted = kind != 0 ? each == kind : ports > 0 || KnowsItsReaders(each);
     if (wanted) printed += PrintKind(out, each, ports);
   }
-  if (printed == 0) out << "no readers found; --ports N offers ports, --simulate simulators\n";
+  if (printed == 0) {
+    const bool pcsc = kind == 0 || kind == ReaderKindPcsc;
+    out << "no readers found" << (pcsc ? " (" + PcscReaders() + ")" : "")
+        << "; --ports N offers ports, --simulate simulators\n";
+  }
+  out << "\nlibraries\n";
+  for (const int32_t each : ReaderKinds()) {
+    if (kind == 0 || each == kind) PrintLibrary(out, each);
+  }
 }
 
 }  // namespace host

@@ -59,6 +59,9 @@ case $name in
   program)
     "$prefix/bin/orvane" run --simulate "$script" >out || fail "$(cat out)"
     tail -n 1 out | grep -qx 'done  3 commands sent, 3 expectations met' || fail "$(cat out)"
+    "$prefix/bin/orvane" readers >out
+    grep -q 'PC/SC  *libwinscard.so  */.*libwinscard.so' out || fail "$(cat out)"
+    grep -q 'D8  *libdcrf32.so  *not found' out || fail "$(cat out)"
     # WD's, and the crypto module, which is not in the folder of the link.
     LD_LIBRARY_PATH=$simulators/wd "$prefix/bin/orvane" run --simulate -r 4:WDUSB1 \
       "$examples/authenticate.orv" >out || fail "$(cat out)"
