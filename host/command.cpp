@@ -52,7 +52,7 @@ constexpr std::array kInterindustry = std::to_array<Instruction>({
     {0xD6, "UPDATE BINARY"},
     {0xD7, "UPDATE BINARY"},
     {0xDA, "PUT DATA"},
-    {0xDB, "PUT DATA"},
+    {0xDB, "PUT DATA", true},
     {0xDC, "UPDATE RECORD"},
     {0xDD, "UPDATE RECORD"},
     {0xE0, "CREATE FILE"},
@@ -88,6 +88,11 @@ constexpr std::array<unsigned, 27> kSilent = {0x04, 0x0E, 0x20, 0x21, 0x22, 0x24
                                               0x2C, 0x2D, 0x44, 0x82, 0xD0, 0xD2, 0xD6, 0xD7, 0xDA,
                                               0xDB, 0xDC, 0xDD, 0xE0, 0xE2, 0xE4, 0xE6, 0xE8, 0xFE};
 
+// What PC/SC does with a contactless card's reader, under the class FF.
+constexpr std::array kForReader = std::to_array<Instruction>({
+    {0x82, "LOAD KEYS", true},
+});
+
 unsigned Value(std::string_view digits) {
   unsigned value = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
@@ -97,6 +102,10 @@ unsigned Value(std::string_view digits) {
 const Instruction* Find(std::string_view classAndInstruction) {
   const unsigned code = Value(classAndInstruction.substr(2, 2));
   const auto isIt = [code](const Instruction& i) { return i.code == code; };
+  if (Value(classAndInstruction.substr(0, 2)) == 0xFF) {
+    const auto found = std::find_if(kForReader.begin(), kForReader.end(), isIt);
+    if (found != kForReader.end()) return &*found;
+  }
   if ((Value(classAndInstruction.substr(0, 2)) & 0x80) != 0) {
     const auto found = std::find_if(kProprietary.begin(), kProprietary.end(), isIt);
     if (found != kProprietary.end()) return &*found;
@@ -133,6 +142,13 @@ void FindData(Command& command) {
   command.dataBegin = command.lengthFits ? begin : 4;
   command.dataEnd = command.lengthFits ? end : octets;
   command.expectedData = ReadLe(command.Part(command.dataEnd, octets));
+}
+
+// PUT DATA with an odd instruction imports keys, unless its data begin with the tag of an object.
+bool PutsDataObject(std::string_view digits) {
+  if (Value(digits.substr(2, 2)) != 0xDB || digits.size() < 10) return false;
+  const size_t data = digits.substr(8, 2) == "00" ? 14 : 10;
+  return digits.size() >= data + 2 && Value(digits.substr(data, 2)) == 0x5C;
 }
 
 }  // namespace
@@ -174,9 +190,9 @@ Command ReadCommand(std::string_view text, Framing framing) {
   return command;
 }
 
-bool CarriesSecret(std::string_view classAndInstruction) {
-  const Instruction* instruction = Find(classAndInstruction);
-  return instruction != nullptr && instruction->secret;
+bool CarriesSecret(std::string_view beginning) {
+  const Instruction* instruction = Find(beginning);
+  return instruction != nullptr && instruction->secret && !PutsDataObject(beginning);
 }
 
 bool CarriesSecret(const Command& command) {

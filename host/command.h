@@ -39,9 +39,9 @@ inline constexpr size_t kMostCommandOctets = 4096;
 // interindustry class and without Le.
 bool MayBringData(const Command& command);
 
-// True where the data field carries a PIN or a key, as far as the header tells.
+// True where the data field carries a PIN or a key, as far as the beginning tells.
 bool CarriesSecret(const Command& command);
-bool CarriesSecret(std::string_view classAndInstruction);  // the first four digits or more
+bool CarriesSecret(std::string_view beginning);  // its first four digits or more
 
 // The instruction's name in ISO/IEC 7816-4 or, for a proprietary class, in GlobalPlatform and EMV;
 // empty if it has none.

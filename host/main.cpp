@@ -27,8 +27,11 @@ bool WantsColour(const Options& options) {
   return takes || options.colour == "always";
 }
 
-void StoreDefinitions(const Options& options) {
-  for (const auto& [name, value] : Definitions(options)) SetVariable(name, value);
+void StoreDefinitions(const Options& options, Secrets& secrets) {
+  for (const auto& [name, value] : Definitions(options)) {
+    SetVariable(name, value);
+    secrets.Define(name, value);
+  }
 }
 
 // What run, shell and apdu have in common: a session on the reader that was asked for.
@@ -41,7 +44,7 @@ class Workplace {
                {.colour = WantsColour(options), .tlv = options.tlv}),
         session_(readers_, secrets_, trace_,
                  {.showSecrets = options.showSecrets, .echoStatements = echoStatements}) {
-    StoreDefinitions(options);
+    StoreDefinitions(options, secrets_);
     if (!options.reader.empty()) session_.Open(options.reader);
   }
 

@@ -43,6 +43,9 @@ std::optional<std::string> EditLine(const std::string& prompt);
 // Offers a line for recall by the arrow keys, where there is line editing.
 void RememberLine(const std::string& line);
 
+// Takes back what was offered, where that can be done.
+void ForgetLines();
+
 std::optional<std::string> EnvironmentVariable(const std::string& name);
 
 // Where this program's file stands. Throws Failure (kReaderFault) if the system doesn't tell.

@@ -11,72 +11,120 @@ namespace {
 
 constexpr std::array<std::string_view, 5> kTellingNames = {"PIN", "PUK", "KEY", "PASSWORD",
                                                            "SECRET"};
-constexpr std::array<std::string_view, 3> kOwnNames = {"%RESP", "%SW", "%ATR"};
-constexpr std::array<std::string_view, 4> kHidingCommands = {"@STRLEN", "@STRLENH", "@MAC",
-                                                             "@RSAPUBENC"};
-// Their first argument is a key.
-constexpr std::array<std::string_view, 4> kKeyCommands = {"@DES", "@DESCBC", "@MAC", "@SUBKEY"};
-constexpr size_t kHeaderDigits = 8;
+constexpr std::array<const char*, 2> kAnswer = {"%RESP", "%SW"};
+constexpr size_t kHeaderDigits = 10;   // with Lc
+constexpr size_t kForeseen = 16;       // with Lc in its longest form, and the data's first octet
+constexpr size_t kLongest = 2 * 4096;  // of a command's digits
+constexpr size_t kLongestNumber = 3;   // what is longer can be a PIN
 
-template <typename Names>
-bool Contains(const Names& names, std::string_view name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
+// What a command of the library does with its arguments, counted from 1; 0 is none.
+struct Traits {
+  std::string_view keyword;
+  size_t key = 0;
+  size_t serialNumber = 0;  // tells one derived key from another, and is no secret
+  size_t numbers = 0;       // from here on
+  bool hides = false;       // the result gives nothing away
+};
+
+constexpr Traits kTraits[] = {
+    {.keyword = "@STRMID", .numbers = 2},
+    {.keyword = "@STRMIDH", .numbers = 2},
+    {.keyword = "@COMPARE", .numbers = 3},
+    {.keyword = "@STRLEN", .hides = true},
+    {.keyword = "@STRLENH", .hides = true},
+    {.keyword = "@DES", .key = 1, .numbers = 3},
+    {.keyword = "@DESCBC", .key = 1, .numbers = 4},
+    {.keyword = "@MAC", .key = 1, .numbers = 4, .hides = true},
+    {.keyword = "@SUBKEY", .key = 1, .serialNumber = 2},
+    {.keyword = "@RSAPUBENC", .hides = true},
+};
+
+const Traits& TraitsOf(std::string_view keyword) {
+  static constexpr Traits kNothing{};
+  const std::string upper = UpperCase(keyword);
+  const auto* const found = std::find_if(std::begin(kTraits), std::end(kTraits),
+                                         [&](const Traits& t) { return t.keyword == upper; });
+  return found != std::end(kTraits) ? *found : kNothing;
 }
 
-// True for a word whose value does not show through in the value of the statement.
-bool IsHidden(const Statement& statement, size_t word) {
-  return std::any_of(statement.calls.begin(), statement.calls.end(), [&](const Call& call) {
-    return word > call.first && word < call.last && Contains(kHidingCommands, call.keyword);
-  });
-}
+// Where a word stands.
+struct Place {
+  bool key = false;
+  bool serialNumber = false;
+  bool number = false;
+  bool hidden = false;  // does not show in the value
+};
 
-// The index behind the last word of a call's first argument.
-size_t EndOfFirstArgument(const Statement& statement, const Call& call) {
-  size_t depth = 0;
-  size_t at = call.first + 2;
-  for (; at < call.last; ++at) {
-    const WordKind kind = statement.words[at].kind;
-    if (kind == WordKind::kOpen) ++depth;
-    if (kind == WordKind::kClose) --depth;
-    if (kind == WordKind::kComma && depth == 0) break;
+struct OpenCall {
+  const Traits& traits;
+  Place outside;
+  size_t argument = 1;
+
+  Place Inside() const {
+    return {outside.key || argument == traits.key,
+            outside.serialNumber || argument == traits.serialNumber,
+            traits.numbers > 0 && argument >= traits.numbers, outside.hidden || traits.hides};
   }
-  return at;
+};
+
+// The places of the words from first to the end of the operands or of the argument that it is in.
+std::vector<Place> PlacesFrom(const Statement& statement, size_t first) {
+  std::vector<Place> places;
+  std::vector<OpenCall> calls;
+  for (size_t at = first; at < statement.end; ++at) {
+    const WordKind kind = statement.words[at].kind;
+    const bool separates = kind == WordKind::kComma || kind == WordKind::kClose;
+    if (separates && calls.empty()) break;
+    Place place = calls.empty() ? Place() : calls.back().Inside();
+    if (kind == WordKind::kOpen) {
+      calls.push_back({TraitsOf(statement.words[at - 1].text), place});
+    } else if (kind == WordKind::kComma) {
+      ++calls.back().argument;
+    } else if (kind == WordKind::kClose) {
+      place = calls.back().outside;
+      calls.pop_back();
+    }
+    places.push_back(place);
+  }
+  return places;
 }
 
-bool IsKey(const Statement& statement, size_t word) {
-  return std::any_of(statement.calls.begin(), statement.calls.end(), [&](const Call& call) {
-    return word > call.first && Contains(kKeyCommands, call.keyword) &&
-           word < EndOfFirstArgument(statement, call);
-  });
+// The index behind an operand: a word, or a call to its closing parenthesis.
+size_t Behind(const Statement& statement, size_t operand) {
+  if (operand >= statement.end || statement.words[operand].kind != WordKind::kCall) {
+    return operand + 1;
+  }
+  size_t depth = 0;
+  for (size_t at = operand + 1; at < statement.end; ++at) {
+    if (statement.words[at].kind == WordKind::kOpen) ++depth;
+    if (statement.words[at].kind == WordKind::kClose && --depth == 0) return at + 1;
+  }
+  return statement.end;
 }
 
-// True for a word of the data that tells one derived key from another, which is no secret.
-bool IsSerialNumber(const Statement& statement, size_t word) {
-  return std::any_of(statement.calls.begin(), statement.calls.end(), [&](const Call& call) {
-    return call.keyword == "@SUBKEY" && word < call.last &&
-           word >= EndOfFirstArgument(statement, call);
-  });
+// True for the first word of the statement's operands, or of an argument's.
+bool BeginsValue(const Statement& statement, size_t at) {
+  if (at == statement.value) return true;
+  const WordKind before = statement.words[at - 1].kind;
+  return before == WordKind::kOpen || before == WordKind::kComma;
 }
 
-bool SpellsKey(const Statement& statement) {
-  for (size_t at = statement.value; at < statement.end; ++at) {
-    if (statement.words[at].kind == WordKind::kLiteral && IsKey(statement, at)) return true;
+bool HasLiteral(const Statement& statement, size_t first) {
+  const size_t end = first + PlacesFrom(statement, first).size();
+  for (size_t at = first; at < end; ++at) {
+    if (statement.words[at].kind == WordKind::kLiteral) return true;
   }
   return false;
 }
 
-bool SendsSecret(const Statement& statement) {
-  if (statement.form != Form::kExpression) return false;
-  const Word& first = statement.words[0];
-  return first.kind == WordKind::kLiteral && first.text.size() >= 4 &&
-         std::all_of(first.text.begin(), first.text.begin() + 4, IsHexDigit) &&
-         CarriesSecret(first.text);
+bool Sends(const Statement& statement) {
+  return statement.form == Form::kExpression &&
+         (statement.calls.empty() || !statement.calls.back().forHost);
 }
 
-// The first word behind the header of a command, or behind Lc where a word of its own stands for
-// it.
-size_t FirstDataWord(const Statement& command) {
-  return command.words[0].text.size() == kHeaderDigits && command.end > 2 ? 2 : 1;
+bool IsTelling(std::string_view upperName) {
+  return std::any_of(kTellingNames.begin(), kTellingNames.end(),
+                     [&](std::string_view word) { return upperName.find(word) != upperName.npos; });
 }
 
 // The end of the first count characters in the source text that are no blanks.
@@ -88,81 +136,241 @@ size_t SkipCharacters(std::string_view source, size_t count) {
   return at;
 }
 
-}  // namespace
-
-bool Secrets::IsSecret(std::string_view name) const {
-  const std::string upper = UpperCase(name);
-  if (Contains(kOwnNames, upper)) return false;
-  const bool telling =
-      std::any_of(kTellingNames.begin(), kTellingNames.end(),
-                  [&](std::string_view word) { return upper.find(word) != upper.npos; });
-  return telling || sent_.contains(upper) || made_.contains(upper);
+// True for a text of this length that begins as a command that carries secrets, some of its data
+// included. What begins as a tag might as well is one only if Lc fits.
+bool BeginsAsSecret(const std::string& beginning, size_t length, bool isCommand) {
+  if (beginning.size() < 4 || length <= kHeaderDigits ||
+      !std::all_of(beginning.begin(), beginning.begin() + 4, IsHexDigit) ||
+      !CarriesSecret(beginning)) {
+    return false;
+  }
+  const bool likeTag = beginning[0] >= '2' && beginning[2] < '8';
+  if (isCommand || !likeTag) return true;
+  if (length % 2 != 0 || length > kLongest ||
+      !std::all_of(beginning.begin(), beginning.end(), IsHexDigit)) {
+    return false;
+  }
+  std::string filled = beginning;
+  filled.resize(length, '0');
+  return ReadCommand(filled, Framing::kApdu).lengthFits;
 }
 
-bool Secrets::ReadsSecret(const Statement& statement) const {
-  for (size_t at = statement.value; at < statement.end; ++at) {
+}  // namespace
+
+struct Secrets::Known {
+  std::string beginning;
+  Number length = kNone;
+  size_t end;   // behind the last word that is known
+  size_t data;  // the first one that may stand behind a command's header
+
+  bool IsSecret(bool isCommand) const { return BeginsAsSecret(beginning, length, isCommand); }
+};
+
+Secrets::Number Secrets::ValueOf(std::string_view name, When when) const {
+  const auto found = variables_.find(UpperCase(name));
+  if (found == variables_.end()) return kNone;
+  const Variable& variable = found->second;
+  return when == When::kAhead && variable.ahead >= firstAhead_ ? variable.ahead : variable.now;
+}
+
+Secrets::Known Secrets::Foresee(const Statement& statement, size_t first, When when) const {
+  Known known{"", 0, first, first};
+  for (; known.end < statement.end; ++known.end) {
+    const Word& word = statement.words[known.end];
+    if (word.kind == WordKind::kComma || word.kind == WordKind::kClose) break;
+    const bool literal = word.kind == WordKind::kLiteral;
+    const Number value = word.kind == WordKind::kVariable ? ValueOf(word.text, when) : kNone;
+    std::string text = literal ? UpperCase(word.text) : "";
+    if (value != kNone) text = values_[value].beginning;
+    if (known.beginning.size() == known.length) known.beginning += text;
+    known.beginning.resize(std::min(known.beginning.size(), kForeseen));
+    const bool whole = literal || (value != kNone && values_[value].length != kNone);
+    if (!whole) {
+      known.length = kNone;
+      break;
+    }
+    known.length += literal ? static_cast<Number>(word.text.size()) : values_[value].length;
+    if (known.length <= kHeaderDigits) known.data = known.end + 1;
+  }
+  return known;
+}
+
+bool Secrets::IsSecret(std::string_view name) const {
+  if (IsTelling(UpperCase(name))) return true;
+  const Number value = ValueOf(name, When::kNow);
+  return value != kNone && (values_[value].sent || values_[value].made);
+}
+
+// True if the statement's value is made from a secret; with hiddenToo, also if one is spelled out
+// where it does not show in the value.
+bool Secrets::Involves(const Statement& statement, bool hiddenToo) const {
+  const std::vector<Place> places = PlacesFrom(statement, statement.value);
+  for (size_t i = 0; i < places.size(); ++i) {
+    const size_t at = statement.value + i;
     const Word& word = statement.words[at];
-    const bool secret = (word.kind == WordKind::kVariable && IsSecret(word.text)) ||
-                        (word.kind == WordKind::kLiteral && IsKey(statement, at));
-    if (secret && !IsHidden(statement, at)) return true;
+    const bool hidden = places[i].hidden;
+    if (word.kind == WordKind::kVariable && !hidden && IsSecret(word.text)) return true;
+    if (word.kind == WordKind::kLiteral && places[i].key && (hiddenToo || !hidden)) return true;
+    if (!BeginsValue(statement, at)) continue;
+    const Known known = Foresee(statement, at, When::kNow);
+    const bool spelled = known.IsSecret(word.kind == WordKind::kLiteral && at == 0);
+    if (spelled && (!hidden || (hiddenToo && HasLiteral(statement, known.data)))) return true;
   }
   return false;
 }
 
 bool Secrets::Touches(const Statement& statement) const {
-  const bool stores = statement.form == Form::kAssignment && IsSecret(statement.words[0].text);
-  return stores || SpellsKey(statement) || SendsSecret(statement) || ReadsSecret(statement);
+  const bool stores =
+      statement.form == Form::kAssignment && (IsTelling(UpperCase(statement.words[0].text)) ||
+                                              (next_ < values_.size() && values_[next_].sent));
+  return stores || Involves(statement, true);
+}
+
+Secrets::Number Secrets::EndOfSources(Number value) const {
+  return value + 1 < values_.size() ? values_[value + 1].sources
+                                    : static_cast<Number>(sources_.size());
+}
+
+// Each value is marked once, whatever leads to it.
+void Secrets::Mark(Number value) {
+  std::vector<Number> open = {value};
+  while (!open.empty()) {
+    const Number each = open.back();
+    open.pop_back();
+    if (each == kNone || values_[each].sent) continue;
+    values_[each].sent = true;
+    ++marked_;
+    open.insert(open.end(), sources_.begin() + values_[each].sources,
+                sources_.begin() + EndOfSources(each));
+  }
 }
 
 void Secrets::MarkSources(const Statement& statement, size_t first) {
-  for (size_t at = first; at < statement.end; ++at) {
-    const Word& word = statement.words[at];
-    if (word.kind != WordKind::kVariable || IsHidden(statement, at)) continue;
-    if (!IsSerialNumber(statement, at)) sent_.insert(UpperCase(word.text));
+  const std::vector<Place> places = PlacesFrom(statement, first);
+  for (size_t i = 0; i < places.size(); ++i) {
+    const Word& word = statement.words[first + i];
+    const bool shows = !places[i].hidden && !places[i].serialNumber;
+    if (word.kind == WordKind::kVariable && shows) Mark(ValueOf(word.text, When::kAhead));
   }
 }
 
-void Secrets::MarkKeys(const Statement& statement) {
-  for (size_t at = statement.value; at < statement.end; ++at) {
-    const Word& word = statement.words[at];
-    if (word.kind == WordKind::kVariable && IsKey(statement, at)) {
-      sent_.insert(UpperCase(word.text));
-    }
+void Secrets::MarkBehindHead(const Statement& command) {
+  const Known known = Foresee(command, command.value, When::kAhead);
+  if (known.length != kNone || known.beginning.size() >= 4) return;
+  MarkSources(command, Behind(command, known.end));
+  if (command.words[known.end].kind != WordKind::kVariable) return;
+  Number head = ValueOf(command.words[known.end].text, When::kAhead);
+  for (; head != kNone && !values_[head].headSeen; head = values_[head].head) {
+    values_[head].headSeen = true;
+    for (Number at = values_[head].rest; at < EndOfSources(head); ++at) Mark(sources_[at]);
   }
 }
 
-void Secrets::Learn(const std::vector<Statement>& script) {
-  for (const Statement& statement : script) {
-    MarkKeys(statement);
-    if (SendsSecret(statement)) MarkSources(statement, FirstDataWord(statement));
-  }
-  for (size_t known = sent_.size() + 1; known != sent_.size();) {
-    known = sent_.size();
-    for (const Statement& statement : script) {
-      const bool source = statement.form == Form::kAssignment && IsSecret(statement.words[0].text);
-      if (source) MarkSources(statement, statement.value);
-    }
-  }
-}
-
-void Secrets::Follow(const Statement& assignment) {
+void Secrets::Add(const Statement& assignment) {
+  const Known known = Foresee(assignment, assignment.value, When::kAhead);
   const std::string target = UpperCase(assignment.words[0].text);
-  if (ReadsSecret(assignment)) {
-    made_.insert(target);
-  } else {
-    made_.erase(target);
+  const size_t rest = Behind(assignment, known.end);
+  Value value;
+  value.beginning = known.beginning;
+  value.length = known.length;
+  value.sources = value.rest = static_cast<Number>(sources_.size());
+  value.sent = IsTelling(target) || known.IsSecret(false);
+  if (known.length == kNone && assignment.words[known.end].kind == WordKind::kVariable) {
+    value.head = ValueOf(assignment.words[known.end].text, When::kAhead);
   }
+  const std::vector<Place> places = PlacesFrom(assignment, assignment.value);
+  for (size_t i = 0; i < places.size(); ++i) {
+    const size_t at = assignment.value + i;
+    const Word& word = assignment.words[at];
+    const bool shows = !places[i].hidden && !places[i].serialNumber;
+    const bool source = word.kind == WordKind::kVariable && shows;
+    const Number number = source ? ValueOf(word.text, When::kAhead) : kNone;
+    if (number != kNone) sources_.push_back(number);
+    if (at < rest) value.rest = static_cast<Number>(sources_.size());
+  }
+  variables_[target].ahead = static_cast<Number>(values_.size());
+  values_.push_back(std::move(value));
+}
+
+void Secrets::Look(const Statement& statement) {
+  const std::vector<Place> places = PlacesFrom(statement, statement.value);
+  for (size_t i = 0; i < places.size(); ++i) {
+    const size_t at = statement.value + i;
+    const Word& word = statement.words[at];
+    if (word.kind == WordKind::kVariable && places[i].key) Mark(ValueOf(word.text, When::kAhead));
+    if (!BeginsValue(statement, at)) continue;
+    const Known known = Foresee(statement, at, When::kAhead);
+    if (known.IsSecret(at == 0 && Sends(statement))) MarkSources(statement, known.data);
+  }
+  if (statement.form == Form::kAssignment) {
+    if (IsTelling(UpperCase(statement.words[0].text))) MarkSources(statement, statement.value);
+    Add(statement);
+  } else if (Sends(statement)) {
+    MarkBehindHead(statement);
+    for (const char* name : kAnswer) variables_[name].ahead = kNone;
+  }
+}
+
+bool BeginsAsSecret(std::string_view value) {
+  const std::string digits = UpperCase(WithoutBlanks(value));
+  return BeginsAsSecret(digits.substr(0, kForeseen), digits.size(), false);
+}
+
+Secrets::Value Secrets::Exact(std::string_view text) {
+  const std::string digits = UpperCase(WithoutBlanks(text));
+  Value value;
+  value.beginning = digits.substr(0, kForeseen);
+  value.length = static_cast<Number>(digits.size());
+  return value;
+}
+
+void Secrets::Define(std::string_view name, std::string_view value) {
+  Value defined = Exact(value);
+  defined.sent = BeginsAsSecret(defined.beginning, defined.length, false);
+  defined.sources = defined.rest = static_cast<Number>(sources_.size());
+  const auto number = static_cast<Number>(values_.size());
+  variables_[UpperCase(name)] = {number, number};
+  values_.push_back(std::move(defined));
+  next_ = firstAhead_ = number + 1;
+}
+
+bool Secrets::Learn(const std::vector<Statement>& script) {
+  const size_t before = marked_;
+  next_ = firstAhead_ = static_cast<Number>(values_.size());
+  for (const Statement& statement : script) {
+    const bool counts = statement.form == Form::kAssignment || statement.form == Form::kExpression;
+    if (counts) Look(statement);
+  }
+  return marked_ != before;
+}
+
+void Secrets::Follow(const Statement& assignment, std::string_view text) {
+  if (next_ == values_.size()) Look(assignment);
+  const Value exact = Exact(text);
+  Value& value = values_[next_];
+  value.beginning = exact.beginning;
+  value.length = exact.length;
+  value.made = Involves(assignment, false);
+  if (BeginsAsSecret(value.beginning, value.length, false)) Mark(next_);
+  variables_[UpperCase(assignment.words[0].text)].now = next_++;
+}
+
+void Secrets::FollowAnswer() {
+  for (const char* name : kAnswer) variables_[name].now = kNone;
 }
 
 std::string MaskLiterals(const Statement& statement, size_t visibleDigits) {
+  const std::vector<Place> places = PlacesFrom(statement, statement.value);
   std::string shown;
   size_t copied = 0;
   for (size_t at = statement.value; at < statement.words.size(); ++at) {
     const Word& word = statement.words[at];
-    if (word.kind != WordKind::kLiteral) continue;
-    const bool leads = at == 0;
+    const size_t place = at - statement.value;
+    const bool number = place < places.size() && places[place].number &&
+                        word.text.size() <= kLongestNumber && IsDecimal(word.text);
+    if (word.kind != WordKind::kLiteral || number) continue;
     const std::string_view source = statement.Source(at, at);
-    const size_t visible = leads ? SkipCharacters(source, visibleDigits) : 0;
+    const size_t visible = at == 0 ? SkipCharacters(source, visibleDigits) : 0;
     shown += statement.text.substr(copied, word.begin + visible - copied);
     if (visible < source.size()) shown += visible > 0 ? " **" : "**";
     copied = word.end;

@@ -18,9 +18,11 @@ std::string HeadingText(std::string_view statement) {
 
 }  // namespace
 
-bool Session::Hides(const Statement& statement) const {
-  return !settings_.showSecrets && secrets_.Touches(statement);
+bool Session::Hides(const Statement& statement, std::string_view value) const {
+  return !settings_.showSecrets && (secrets_.Touches(statement) || BeginsAsSecret(value));
 }
+
+bool Session::Learn(const Statement& statement) { return secrets_.Learn({statement}); }
 
 void Session::Echo(std::optional<size_t> line, std::string_view shown) {
   if (settings_.echoStatements) trace_.Statement(line, shown);
@@ -44,8 +46,19 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
       Compare(statement, line, result.text == "1");
       return true;
   }
+  if (!Hides(statement)) return Act(statement, line, result);
+  try {
+    return Act(statement, line, result);
+  } catch (const Failure& failure) {
+    throw Failure(failure.Code(), statement.words[0].text + " failed; why is as secret as its " +
+                                      "argument, and shown with --show-secrets");
+  }
+}
+
+bool Session::Act(const Statement& statement, std::optional<size_t> line, const Result& result) {
+  const bool hide = Hides(statement);
   if (result.code == KindReset || result.code == KindSetSlot) OpenDefault();
-  Echo(line, statement.text);
+  Echo(line, hide ? MaskLiterals(statement, 0) : statement.text);
   switch (result.code) {
     case KindSetReader:
       readers_.Select(result.text);
@@ -57,7 +70,7 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
       ResetCard();
       return true;
     case KindOpenReader:
-      Open(result.text);
+      Open(result.text, hide);
       return true;
     case KindStop:
       return false;
@@ -67,8 +80,8 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
 
 void Session::Assign(const Statement& statement, std::optional<size_t> line,
                      const std::string& value) {
-  const bool hide = Hides(statement);
-  secrets_.Follow(statement);
+  const bool hide = Hides(statement, value);
+  secrets_.Follow(statement, value);
   Echo(line, hide ? MaskLiterals(statement, 0) : statement.text);
   const bool plain = statement.end == statement.value + 1 &&
                      statement.words[statement.value].kind == WordKind::kLiteral;
@@ -78,8 +91,9 @@ void Session::Assign(const Statement& statement, std::optional<size_t> line,
 void Session::Show(const Statement& expression) {
   CheckOperands(expression);
   const std::string value = Evaluate(expression.text);
-  Echo(std::nullopt, Hides(expression) ? MaskLiterals(expression, 0) : expression.text);
-  trace_.Value(Hides(expression) ? kHidden : value);
+  const bool hide = Hides(expression, value);
+  Echo(std::nullopt, hide ? MaskLiterals(expression, 0) : expression.text);
+  trace_.Value(hide ? kHidden : value);
 }
 
 void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
@@ -103,6 +117,7 @@ void Session::Exchange(const Command& command, bool hide) {
   ++commands_;
   SetVariable("%RESP", answer.data);
   SetVariable("%SW", answer.statusWord);
+  secrets_.FollowAnswer();
   trace_.Answer(answer, NoteOn(answer, command, readers_.CurrentKind()));
 }
 
@@ -136,9 +151,9 @@ void Session::OpenDefault() {
   trace_.Reader(opened.Shown(), readers_.Simulated());
 }
 
-void Session::Open(std::string_view address) {
+void Session::Open(std::string_view address, bool hide) {
   const ReaderAddress opened = readers_.Open(address);
-  trace_.Reader(opened.Shown(), readers_.Simulated());
+  trace_.Reader(hide ? std::string(kHidden) : opened.Shown(), readers_.Simulated());
 }
 
 void Session::ResetCard() {

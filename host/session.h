@@ -31,17 +31,22 @@ class Session {
   // Shows the value of an expression and sends nothing.
   void Show(const Statement& expression);
 
-  void Open(std::string_view address);
+  void Open(std::string_view address, bool hide = false);
   void ResetCard();
   // Sends a command that no statement gave.
   void Send(std::string_view digits);
 
-  // True if the trace may not show this statement as it stands.
-  bool Hides(const Statement& statement) const;
+  // Looks ahead at a statement that is to be run, where no whole script was looked at. True if what
+  // stands in a variable already turns out to be secret.
+  bool Learn(const Statement& statement);
+
+  // True if the trace may not show this statement as it stands, or this value of it.
+  bool Hides(const Statement& statement, std::string_view value = "") const;
 
   void Summarise(bool done);
 
  private:
+  bool Act(const Statement& statement, std::optional<size_t> line, const Result& result);
   void Echo(std::optional<size_t> line, std::string_view shown);
   void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
   void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);

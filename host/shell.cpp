@@ -35,9 +35,11 @@ bool RunLine(Session& session, const std::string& line, bool interactive) {
   constexpr std::string_view kSend = "send ";
   const bool send = line.starts_with(kSend);
   const Statement statement = ReadStatement(send ? line.substr(kSend.size()) : line);
+  const bool looks = !send && OnlyLooks(statement);
   // A remembered line comes back to the screen.
+  if (!looks && session.Learn(statement)) ForgetLines();
   if (interactive && !line.empty() && !session.Hides(statement)) RememberLine(line);
-  if (!send && OnlyLooks(statement)) {
+  if (looks) {
     session.Show(statement);
     return true;
   }

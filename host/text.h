@@ -17,8 +17,8 @@ std::string UpperCase(std::string_view text);
 // The text without its blanks (0x20).
 std::string WithoutBlanks(std::string_view text);
 
-// The text as UTF-8 that steers no terminal: \xNN for each octet of what is no UTF-8, and of control
-// characters and those that turn the writing direction.
+// The text as UTF-8 that steers no terminal: \xNN for each octet of what is no UTF-8, and of
+// control characters and those that turn the writing direction.
 std::string Printable(std::string_view text);
 
 // Hexadecimal digits as octets with a blank between two: "00A4" as "00 A4".

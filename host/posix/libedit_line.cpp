@@ -56,4 +56,6 @@ std::optional<std::string> EditLine(const std::string& prompt) {
 
 void RememberLine(const std::string& line) { add_history(line.c_str()); }
 
+void ForgetLines() { clear_history(); }
+
 }  // namespace host

@@ -24,4 +24,6 @@ std::optional<std::string> EditLine(const std::string& prompt) {
 
 void RememberLine(const std::string&) {}
 
+void ForgetLines() {}
+
 }  // namespace host

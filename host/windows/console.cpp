@@ -128,4 +128,6 @@ std::optional<std::string> EditLine(const std::string& prompt) {
 
 void RememberLine(const std::string&) {}  // the console does
 
+void ForgetLines() {}  // and gives no way to take one back
+
 }  // namespace host

@@ -123,7 +123,7 @@ TEST_F(Program, StopsAtAnExpectationThatDoesNotHold) {
        "  they should differ\n",
        "FAIL AB = AB\n"},
       {"", "%PIN = 4711\n@compare(%PIN,4712,1)\n", 1,
-       "script:2: not as expected: @compare(%PIN,**,**)\n  left   **\n  right  **\n"
+       "script:2: not as expected: @compare(%PIN,**,1)\n  left   **\n  right  **\n"
        "  they should be equal\n",
        "FAIL ** is not **\n"},
   });
@@ -220,7 +220,7 @@ TEST_F(Program, HidesSecretsEverywhere) {
                 ">>   00 20 00 80  08  ** (8 bytes)   VERIFY\n|SW   9000|"
                 "0020 0080 08 %MYPIN %CODE **\n|%COPY = %CODE\n|=    **\n|"
                 ">>   00 D6 85 00  02  ** (2 bytes)   UPDATE BINARY\n|"
-                "@compare(%MYPIN,**,**)\n|ok   ** = **\n");
+                "@compare(%MYPIN,**,1)\n|ok   ** = **\n");
 
   const Outcome shell =
       RunOrvane("shell --simulate", "%MYPIN = 2412\n%MYPIN\n" + kSelect + verify + odd);

@@ -2,14 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "host/run_program.h"
+
 namespace host {
 namespace {
-
-std::vector<Statement> Script(std::initializer_list<const char*> lines) {
-  std::vector<Statement> script;
-  for (const char* line : lines) script.push_back(ReadStatement(line));
-  return script;
-}
 
 TEST(Secrets, FollowAValueFromItsNameToItsUse) {
   Secrets secrets;
@@ -26,38 +22,63 @@ TEST(Secrets, FollowAValueFromItsNameToItsUse) {
   EXPECT_TRUE(touches("@compare(@DesCbc(4041,00,00,1),00,1)"));
   EXPECT_FALSE(touches("@descbc(%A,4041,4243,1)"));
 
-  secrets.Follow(ReadStatement("%A = 24 %PIN"));
-  secrets.Follow(ReadStatement("%b = %a FF"));
+  secrets.Follow(ReadStatement("%A = 24 %PIN"), "");
+  secrets.Follow(ReadStatement("%b = %a FF"), "");
   EXPECT_TRUE(touches("%C = %B"));
-  secrets.Follow(ReadStatement("%B = 00"));
+  secrets.Follow(ReadStatement("%B = 00"), "");
   EXPECT_FALSE(touches("%C = %B"));
 
-  secrets.Follow(ReadStatement("%D = @SUBKEY(4041,%SERIAL)"));
+  secrets.Follow(ReadStatement("%D = @SUBKEY(4041,%SERIAL)"), "");
   EXPECT_TRUE(touches("%C = %D"));
-  secrets.Follow(ReadStatement("%D = @mac(4041,%SERIAL,00,1)"));
+  secrets.Follow(ReadStatement("%D = @mac(4041,%SERIAL,00,1)"), "");
   EXPECT_FALSE(touches("%C = %D"));
 }
 
-TEST(Secrets, AreFoundInAScriptBeforeItRuns) {
+// A run or a shell of which nothing shows 4711.
+TEST(Secrets, ShowInNothingThatLedToThem) {
+  const host_test::WorkingFolder folder;
   const struct {
-    std::vector<Statement> script;
-    std::string secret;  // a letter a line: s if it is
+    std::string options;
+    std::string script;
+    std::vector<std::string> shown;
   } rows[] = {
-      {Script({"%DIGITS = 1234", "%LEN = 08", "%OTHER = 55", "%BLOCK = 24 %DIGITS FFFFFFFFFF",
-               "0020 0080 %LEN %BLOCK", "00D6 0000 01 %OTHER %RESP", "80D8 0000 02 %RESP %SW"}),
-       "s--ss-s"},
-      {Script({"%K = 4041", "%HALF = 40", "%L = %HALF 41", "%SERIAL = 42", "%DATA = 43",
-               "%CARD = @SUBKEY(%L,%SERIAL)", "84D6000004 @mac(%K,%DATA,00,1)",
-               "%OUT = @des(@xor(%CARD,FF),%DATA,1)"}),
-       "sss--s-s"},
+      {"", "%V = 0020008008244711FFFFFFFFFF\n%V\n", {"%V = **\n", "08  ** (8 bytes)   VERIFY"}},
+      {"", "%P = 4711\n%C = 0020008008 24 %P FFFFFFFFFF\n%C\n", {"%P = **\n", "%C = ** %P **\n"}},
+      {"", "%P = 4711FF\n%h = 00200080\n%H 08 24 %P FFFFFFFF\n", {"%h = 00200080\n"}},
+      {"-D H=002000 -D P=\"08 24 47 11 FF FF FF\"", "%H 80 %P FFFF\n%X = %P\n", {"=    **"}},
+      {"",
+       "%P = 4711FF\n%H = @strmid(00200080FF,0,8)\n%C = %H 08 24 %P FFFFFFFF\n%D = %C\n%D\n",
+       {"=    00200080\n", "%P = **\n"}},
+      {"",
+       "%T = 4711\n%U = %T\n0020008003 24 %U\n%T = 00A4000002\n%T 3F00\n%P = %U\n",
+       {"%T = **\n", "%T = 00A4000002\n"}},
+      {"",
+       "%LEN = 03\n%B = 24 4711\n0020 0080 %LEN %B\n%R = 55\n00D6 0000 01 %R\n",
+       {"%LEN = 03\n", "%R = 55\n", "01  55"}},
+      {"", "%RESP = 244711\n0020008003 %RESP\n00A40000023F00\n%A = %RESP\n", {"=    6F"}},
+      {"", "%P = 4711\n%M = @mac(404142434445464748,0420008003 24 %P,00,1)\n", {"%P = **\n"}},
+      {"",
+       "%K = 4711404142434445\n%L = %K\n%S = 42\n%D = @SUBKEY(%L,%S)\n"
+       "%O = @des(%K, 0011, 1)\n%N = @des(4711404142434445, 0011, 1)\n",
+       {"%K = **\n", "%S = 42\n", "@des(%K, **, 1)", "@des(**, **, 1)"}},
+      {"",
+       "%A = FF82000006 4711FFFFFFFF\n%B = 00DB3FFF04 4D024711\n%C = 00DB3FFF04 5C02 7E00\n",
+       {"%A = **\n", "%B = **\n", "%C = 00DB"}},
+      {"", "%PIN = 3:4711\n@openreader(%PIN)\n", {"@openreader failed"}},
+      {"", "%PIN = 4711\n@setreader(%PIN)\n", {"@setreader failed"}},
+      {"", "%PIN = 4711\n@setslot(%PIN)\n", {"@setslot failed"}},
+      {"", "%A = 6F258408F0\n@compare(%A,6F258408F1,0)\n", {"6F258408F0 is not 6F258408F1"}},
   };
   for (const auto& row : rows) {
-    Secrets secrets;
-    secrets.Learn(row.script);
-    std::string found;
-    for (const Statement& line : row.script) found += secrets.Touches(line) ? 's' : '-';
-    EXPECT_EQ(found, row.secret);
+    host_test::WriteFile("script", row.script);
+    const auto outcome = host_test::RunOrvane("run --simulate " + row.options + " script");
+    const std::string all = outcome.out + outcome.err;
+    EXPECT_FALSE(host_test::Shows(all, "4711") || host_test::Shows(all, "47 11")) << all;
+    for (const std::string& text : row.shown) EXPECT_TRUE(host_test::Shows(all, text)) << all;
   }
+  const std::string shell =
+      host_test::RunOrvane("shell --simulate", "%P = 244711\n0020008003 %P\n%P\n%Q = %P 00\n").out;
+  EXPECT_EQ(shell.find("4711"), shell.rfind("4711")) << shell;
 }
 
 TEST(Secrets, LeaveTheHeaderOfAMaskedStatement) {
@@ -69,6 +90,8 @@ TEST(Secrets, LeaveTheHeaderOfAMaskedStatement) {
   EXPECT_EQ(mask("00200080 %LEN 241234", 10), "00200080 %LEN **");
   EXPECT_EQ(mask("@xor(0020008008,1234)", 10), "@xor(**,**)");
   EXPECT_EQ(mask("  %PIN = 12 34", 0), "  %PIN = **");
+  EXPECT_EQ(mask("%A = @strmid(%PIN 12, 0, 4) @mac(%K, 00, 00, 4711)", 0),
+            "%A = @strmid(%PIN **, 0, 4) @mac(%K, **, **, **)");
 }
 
 }  // namespace
