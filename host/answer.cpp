@@ -73,6 +73,10 @@ std::string NoteOn(const Answer& answer, const Command& command, int32_t kind) {
   if (answer.statusWord.empty()) {
     return "the answer begins with 9000 and does not end so: its status word is not handed over";
   }
+  if (answer.statusWord == "0000" &&
+      (kind == ReaderKindTyUsb || kind == ReaderKindTyCom || kind == ReaderKindWd)) {
+    return "the reader's library replied nothing: the status word is not handed over";
+  }
   const std::optional<size_t> offered = DataOffered(answer.statusWord);
   if (offered > MostData(kind)) return AskForLess(kind);
   if (answer.statusWord.starts_with("61")) {
