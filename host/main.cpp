@@ -5,6 +5,7 @@
 #include <exception>
 #include <iostream>
 
+#include "host/definitions.h"
 #include "host/failure.h"
 #include "host/options.h"
 #include "host/output.h"
@@ -67,12 +68,30 @@ void RunFile(const Options& options) {
   RunScriptFile(script, workplace.Work());
 }
 
+// With the lines of standard input in the place of -.
+std::vector<std::string> CommandsOf(const Options& options) {
+  std::vector<std::string> commands;
+  for (const std::string& command : options.commands) {
+    if (command != "-") {
+      commands.push_back(command);
+      continue;
+    }
+    TextInput input(command);
+    while (const std::optional<std::string> line = input.NextLine()) {
+      if (!WithoutBlanks(*line).empty()) commands.push_back(*line);
+    }
+  }
+  if (commands.empty()) throw Failure(kScriptFault, "there is no command on standard input");
+  return commands;
+}
+
 void SendCommands(const Options& options) {
+  const std::vector<std::string> commands = CommandsOf(options);
   Workplace workplace(options);
   // All of them are read before the first one is sent.
-  for (const std::string& command : options.commands) workplace.Check(command);
+  for (const std::string& command : commands) workplace.Check(command);
   workplace.Work().ResetCard();
-  for (const std::string& command : options.commands) workplace.Work().Send(command);
+  for (const std::string& command : commands) workplace.Work().Send(command);
 }
 
 int StartShell(const Options& options) {
@@ -119,6 +138,7 @@ int Work(std::vector<std::string> arguments) {
   CLI::App app;
   DescribeOptions(app, options);
   try {
+    CheckArguments(arguments);
     std::reverse(arguments.begin(), arguments.end());  // as this function wants them
     app.parse(std::move(arguments));
     return Carry(app, options);

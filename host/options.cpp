@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/definitions.h"
+#include "host/failure.h"
 #include "host/reader_address.h"
 
 namespace host {
@@ -28,7 +30,12 @@ Scripts
 
 Secrets
   Shown as **: the data of commands that carry PINs or keys, variables whose names say PIN,
-  PUK, KEY, PASSWORD or SECRET, and what is made from them.
+  PUK, KEY, PASSWORD or SECRET, what these are made from, and what is made from them. The
+  shell knows nothing of lines to come: what is typed before such a command is shown.
+  The command line itself is seen in the list of processes. --vars, --env and orvane apdu -
+  keep secrets out of it. Each of -D, --vars and --env may be repeated; -D goes before
+  --env, and --env before --vars. In FILE, empty lines and those that begin with ; or #
+  are passed over.
 
 Tags
   Names of tags come from the file dictdata.bin in the current directory.
@@ -59,14 +66,6 @@ std::string ReadKind(std::string& text) {
 }
 
 const CLI::Validator kKindNames(ReadKind, "");
-
-std::string CheckDefinition(const std::string& text) {
-  const size_t begin = text.starts_with('%') ? 1 : 0;
-  const size_t equals = text.find('=');
-  const bool usable =
-      equals != text.npos && equals > begin && text.find_first_of(" \t(),") >= equals;
-  return usable ? "" : "it takes NAME=VALUE, NAME without blanks, parentheses and commas";
-}
 
 void AddReader(CLI::App& command, Options& options) {
   command.add_option("-r,--reader", options.reader, "Open this reader first")->type_name("READER");
@@ -99,10 +98,16 @@ void AddQuiet(CLI::App& command, Options& options) {
 }
 
 void AddDefinitions(CLI::App& command, Options& options) {
-  command.add_option("-D", options.definitions, "Set the variable %NAME; may be repeated")
-      ->type_name("NAME=VALUE")
-      ->allow_extra_args(false)
+  const auto add = [&](const char* name, std::vector<std::string>& values, const char* help,
+                       const char* type) {
+    return command.add_option(name, values, help)->type_name(type)->allow_extra_args(false);
+  };
+  add("-D", options.definitions,
+      "Set the variable %NAME. Whoever lists the machine's processes sees the value", "NAME=VALUE")
       ->check(CheckDefinition);
+  add("--vars", options.variableFiles, "Set the variables of a file of lines NAME=VALUE", "FILE");
+  add("--env", options.environment, "Set %NAME to the environment's NAME", "NAME")
+      ->check(CheckName);
 }
 
 void DescribeTags(CLI::App& tags, Options& options) {
@@ -139,7 +144,10 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddQuiet(run, options);
 
   CLI::App& apdu = *app.add_subcommand("apdu", "Reset the card and send APDUs to it");
-  apdu.add_option("HEX", options.commands, "One APDU an argument; blanks are allowed")->required();
+  apdu.add_option("HEX", options.commands,
+                  "One APDU an argument; blanks are allowed. - is the lines of standard input, "
+                  "which no list of processes shows")
+      ->required();
   AddReader(apdu, options);
   AddTrace(apdu, options);
   AddTlv(apdu, options);
@@ -169,14 +177,13 @@ void DescribeOptions(CLI::App& app, Options& options) {
   app.footer(kFooter);
 }
 
-std::vector<std::pair<std::string, std::string>> Definitions(const Options& options) {
-  std::vector<std::pair<std::string, std::string>> variables;
-  for (const std::string& text : options.definitions) {
-    const size_t equals = text.find('=');
-    const std::string name = text.substr(0, equals);
-    variables.emplace_back(name.starts_with('%') ? name : "%" + name, text.substr(equals + 1));
+void CheckArguments(const std::vector<std::string>& arguments) {
+  const bool octets = !arguments.empty() && (arguments[0] == "apdu" || arguments[0] == "tlv");
+  for (const std::string& each : arguments) {
+    if (octets && each.starts_with('[') && each.ends_with(']')) {
+      throw Failure(kScriptFault, "'[' is no hexadecimal digit");
+    }
   }
-  return variables;
 }
 
 }  // namespace host

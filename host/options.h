@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "host/tags_dictionary.h"
@@ -25,7 +24,9 @@ struct Options {
   int32_t ports = 0;                  // readers
   std::string reader;                 // empty: none is named
   int32_t kind = 3;
-  std::vector<std::string> definitions;  // NAME=VALUE
+  std::vector<std::string> definitions;    // NAME=VALUE
+  std::vector<std::string> variableFiles;  // of such lines
+  std::vector<std::string> environment;    // names
   std::string colour = "auto";
   bool simulate = false;
   bool quiet = false;
@@ -36,7 +37,8 @@ struct Options {
 // Adds all subcommands and options, with their help, to the parser.
 void DescribeOptions(CLI::App& app, Options& options);
 
-// The definitions as variables, their names with the % of scripts.
-std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
+// Throws Failure (kScriptFault) for octets in brackets, which the parser would take for a list of
+// its own.
+void CheckArguments(const std::vector<std::string>& arguments);
 
 }  // namespace host

@@ -231,6 +231,22 @@ TEST_F(Program, HidesSecretsEverywhere) {
   EXPECT_TRUE(shows(RunOrvane("run --simulate --show-secrets script")));
 }
 
+TEST_F(Program, TakesVariablesFromOutside) {
+  WriteFile("vars", "\xEF\xBB\xBF; mine\r\n\nCMD=00A4000002\r\n%id= 3F 00\n");
+  WriteFile("wrong", "A=1\nPIN 4711\n");
+  ExpectRows({
+      {"--vars vars -D ID=3F00", "%CMD %ID\n@compare(%SW,9000,1)\n@compare(%ID,3F00,1)\n", 0, "",
+       "02  3F 00   SELECT|2 expectations met"},
+      {"--vars vars --env PATH", "@compare(@strlen(%PATH),0,0)\n%A = ~ %ID\n", 0, "",
+       "=    ~ 3F 00\n"},
+      {"--vars wrong", "", 3,
+       "wrong:2: it takes NAME=VALUE, NAME without blanks, parentheses and commas\n", ""},
+      {"--vars none", "", 5, "orvane: can't open none: No such file or directory\n", ""},
+      {"--env ORVANE_HAS_NONE", "", 2, "orvane: the environment has no ORVANE_HAS_NONE\n", ""},
+  });
+  EXPECT_EQ(RunOrvane("shell --vars -", "A=1\n").exitCode, 2);
+}
+
 TEST_F(Program, ReportsWhatItCannotRead) {
   const Outcome missing = RunOrvane("run none.orv");
   EXPECT_EQ(missing.exitCode, 5);
@@ -261,9 +277,16 @@ TEST_F(Program, SendsEachArgumentOrNothing) {
   const Outcome sent = RunOrvane("apdu --simulate \"00 A4 00 00 02 3F 00\" 00b2010400");
   EXPECT_EQ(sent.exitCode, 0) << sent.err;
   ExpectInOrder(sent.out, "ATR|02  3F 00   SELECT|SW|READ RECORD|SW");
-  const Outcome refused = RunOrvane("apdu --simulate 00A40000023F00 00A4000");
-  EXPECT_EQ(refused.exitCode, 3);
-  EXPECT_EQ(refused.out, "");
+  const Outcome piped =
+      RunOrvane("apdu --simulate 00A40000 -", "00 20 0080 03 244711\r\n\n00840000");
+  ExpectInOrder(piped.out, "SELECT|03  ** (3 bytes)   VERIFY|GET CHALLENGE");
+  const std::pair<std::string, std::string> rows[] = {
+      {"00A40000023F00 00A4000", ""}, {"[00A40000]", ""}, {"-", "\n"}, {"-", "00A40000\n00A4\n"}};
+  for (const auto& [arguments, input] : rows) {
+    const Outcome refused = RunOrvane("apdu --simulate " + arguments, input);
+    EXPECT_EQ(refused.exitCode, 3) << arguments;
+    EXPECT_EQ(refused.out, "") << arguments;
+  }
 }
 
 TEST_F(Program, ListsReadersAsTheyAreOpened) {
