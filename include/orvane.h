@@ -19,6 +19,12 @@
  *    thread, but not into what is running: RunScript inside RunScript gives ScriptException and the
  *    empty text, a reader function inside another one 0 (SendCommand with the empty text), and
  *    nothing changes. SetVarValue and GetVarValue work there too.
+ *  - Areas of one call don't overlap. These alone may begin at the same place: script and result of
+ *    RunScript, cmdHex and respHex of SendCommand, text and output of URLDecode, AsciiToHex,
+ *    ASCII2UTF_8 and UTF_82ASCII, stampText and out of GetTimeStrFromTimeStampStr.
+ *  - A thread that is cancelled inside a function (POSIX) ends the process. Fork while no thread is
+ *    inside one: the child has its own variables and dictionary, but shares the connections of open
+ *    readers with its parent, and should leave these to it.
  *  - Once loaded, the library stays in the process, with its variables and open readers, also when
  *    a host unloads it.
  */
@@ -49,10 +55,21 @@ extern "C" {
  *   ; or / and anything     a comment
  *
  * Operands stand side by side and are joined: %NAME is a variable, @name(argument, ...) a command,
- * any other word stands for itself. Names of variables and commands are the same in either case.
+ * any other word stands for itself, but one that begins with $ or = and an @ word without "(" count
+ * for nothing: 00 $AA gives 00. Names of variables and commands are the same in either case.
+ *
+ * A command fails if an argument fails or is empty, if it can't take a key, data or a mask, without
+ * memory or crypto module, with a value above 16 MiB, and inside 128 other commands. It then leaves
+ * a message or nothing, and those of its arguments that it has not read are operands of the
+ * statement, which goes on and keeps its code. So a text with code 1 may hold a message, in upper
+ * case like the rest: 00B0VAR "%X" NOT DEFINE . A host tells by the characters: a command is
+ * hexadecimal throughout. What unread arguments leave may be so too: let scripts compare the length
+ * of what they have computed.
  */
 
-/* What a statement turned out to be: the codes of RunScript for a statement that ran to its end. */
+/* What a statement turned out to be: the codes of RunScript for a statement that ran to its end.
+ * Where an argument fails, the text of 2, 3 and 8 is what the argument left: of @setreader(%X) with
+ * an undefined %X it is the message, and the code is 2 all the same. */
 enum StatementKind {
   KindAssignment = 0, /* stored; text: the stored value. Also a statement of blanks alone */
   KindExpression = 1, /* text: the operands' values joined, in upper case */
@@ -66,9 +83,10 @@ enum StatementKind {
 };
 
 /* The other codes of RunScript, SetVarValue and GetVarValue. Code 1 of RunScript is also a failure:
- * a statement that begins with "(", ")" or "," (text: empty), and an operand that names an
- * undefined variable (text: the message `var "%NAME" not define ` with its last blank, whose lower
- * case no finished expression can have). */
+ * a statement that begins with "(", ")" or "," (text: empty), an operand that names an undefined
+ * variable (text: the message `var "%NAME" not define ` with its last blank, whose lower case no
+ * finished expression can have), and an operand that memory ran out for (text: empty). A command
+ * that memory ran out for is a failed command, and no failure of the statement. */
 enum ScriptCode {
   ScriptNoEngine = -1,      /* out of memory for the engine; the next call tries again */
   ScriptDone = 0,           /* SetVarValue: stored. GetVarValue: the variable exists */
@@ -138,8 +156,9 @@ typedef struct ReaderInfo {
 } ReaderInfo;
 
 /* Lists the readers of one kind and gives the number of records written; 0 for a kind that does not
- * exist, or when the library behind it can't be had. Kind 0, which no reader has, may list the kind
- * listed before. Open readers are not disturbed.
+ * exist. The kinds 1, 3 and 12 ask their library, and give 0 when it can't be had; the others list
+ * the same ports with and without it. Kind 0, which no reader has, may list the kind listed before.
+ * Open readers are not disturbed.
  *   list   room for max records if max is above 0 and the kind honours it (1, 2, 3, 7, 8, 11), else
  *          for count + 1 records or 16, whichever is more
  *   count  how many ports to offer, for the kinds whose ports can't be asked for (2, 5, 7, 8, 10,
@@ -152,7 +171,8 @@ ORVANE_API int32_t SetReader(uint32_t index);
 
 /* Opens the current reader by port. The baud rate is not read by any driver: pass 9600.
  * Opening a kind other than the one in place closes what was open first; opening the same kind
- * again does not. A kind that does not exist empties the place and gives 0. */
+ * again does not. A kind that does not exist empties the place and gives 0. Do that with -1: a
+ * driver whose kind never opened may count as kind 0, and stays. */
 ORVANE_API int32_t OpenReader(int32_t port, int32_t kind, int32_t baud);
 
 /* Opens the current reader by name, as GetReaderList gives it. Otherwise like OpenReader. A PC/SC

@@ -56,6 +56,14 @@ TEST_F(ReaderSlots, RefuseCommandsThatAreTooLong) {
   EXPECT_STREQ(response, "");
 }
 
+TEST_F(ReaderSlots, AnswerInTheAreaOfTheCommand) {
+  const support::SimulatedModule module("STJZZ_BSIT");
+  ASSERT_EQ(OpenReader(1, ReaderKindBsit, 9600), 1);
+  char area[8193] = "00A4000C023F00";
+  EXPECT_EQ(SendCommand(area, 14, area), 1);
+  EXPECT_STREQ(area, "9000");
+}
+
 // What a session gives, and the library's journal of it, when each call of the library first calls
 // back as told.
 Lines Session(void (*callBack)()) {

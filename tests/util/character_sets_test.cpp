@@ -24,6 +24,7 @@ TEST(CharacterSets, LeaveAsciiAsItIs) {
     std::string out(ascii.size() + 1, '\x7F');
     convert(ascii.c_str(), out.data());
     EXPECT_EQ(out, ascii + '\x7F');
+    convert(out.c_str(), out.data());  // in one area
     convert("", out.data());
     EXPECT_EQ(out, ascii + '\x7F');
   }

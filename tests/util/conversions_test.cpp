@@ -37,6 +37,9 @@ TEST(Conversions, EscapeAndUnescape) {
     EXPECT_EQ(out.Written(), escaped);
     URLDecode(escaped, back.Text());
     EXPECT_EQ(back.Written(), text);
+    std::string area = escaped;  // in one area
+    URLDecode(area.c_str(), area.data());
+    EXPECT_TRUE(area.starts_with(text));
   }
 }
 

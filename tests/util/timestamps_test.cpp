@@ -99,6 +99,9 @@ TEST(Timestamps, AreReadFromText) {
   for (const auto& row : rows)
     EXPECT_EQ(TimeOfText(row.text, row.withMs), row.expected) << row.text;
 
+  char area[36] = "1735660799042";
+  GetTimeStrFromTimeStampStr(area, area, 1);
+  EXPECT_STREQ(area, "2024-12-31 23:59:59:042");
   std::string out(36, kUntouched);
   GetTimeStrFromTimeStampStr(out.data(), "00000000000000000000060123", 1);
   EXPECT_EQ(out, std::string(36, kUntouched));
