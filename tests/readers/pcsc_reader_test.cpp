@@ -197,75 +197,71 @@ TEST_F(PcscReader, UsesTheHeaderOfItsProtocol) {
   }
 }
 
-// What the calls are given where the library gives this handle. Half of it comes first; a library
-// that refuses that knows nothing but the whole.
+// Half of a handle comes first; a library that refuses that knows nothing but the whole. No half
+// stands for "no card" or "closed".
 TEST_F(PcscReader, HandsOverAHandleThatIsWider) {
-  constexpr std::int64_t kRefusals[] = {6, 0x80100003};
   const struct {
-    std::int64_t given;
-    const char *half, *whole;
+    std::uint64_t given;
+    std::int64_t refusal;
+    std::string half, whole;
   } rows[] = {
-      {static_cast<std::int64_t>(0xEA00000000000000), "0", "0xEA00000000000000"},  // not "no card"
-      {static_cast<std::int64_t>(0xEA000000FFFFFFFF), "0xFFFFFFFFFFFFFFFF",
-       "0xEA000000FFFFFFFF"},  // not "closed"
-      {0x8A010001, "0xFFFFFFFF8A010001", "0x8A010001"},
+      {0xEA00000000000000, 6, "(0 ", "(0xEA00000000000000 "},
+      {0xEA00000000000001, 0x80100003, "(0x1 ", "(0xEA00000000000001 "},
+      {0xEA000000FFFFFFFF, 6, "(0xFFFFFFFFFFFFFFFF ", "(0xEA000000FFFFFFFF "},
+      {0x8A010001, 0x80100003, "(0xFFFFFFFF8A010001 ", "(0x8A010001 "},
   };
-  const auto open = [this](std::int64_t given) {
-    StartAnew();
-    module.Answer("SCardConnectA", 0, "01", given);
-    ASSERT_EQ(Open(kPcsc), 1);
-    NewCalls();
-  };
-  for (const auto& [given, half, whole] : rows) {
-    const auto calls = [](const std::string& names, const std::string& handle) {
-      std::istringstream functions(names);
-      std::string all;
-      for (std::string name; functions >> name;) all += "SCard" + name + '(' + handle + ' ';
-      return all;
+  for (const auto& [given, refusal, half, whole] : rows) {
+    const auto open = [this, handle = static_cast<std::int64_t>(given)] {
+      StartAnew();
+      module.Answer("SCardConnectA", 0, "01", handle);
+      ASSERT_EQ(Open(kPcsc), 1);
+      NewCalls();
     };
-    for (const std::int64_t refusal : kRefusals) {
-      open(given);
-      module.Answer("SCardGetAttrib", refusal, "FFFF", 2);
-      EXPECT_EQ(ResetCard(), (Reply{1, kCardAtr}));
-      module.Answer("SCardTransmit", 0, "6102");
-      EXPECT_EQ(Send("00B0000001"), (Reply{0, "6985"}));
-      EXPECT_EQ(CloseReader(), 1);
-      EXPECT_EQ(Functions(NewCalls(), ",)"),
-                calls("GetAttrib", half) + calls("GetAttrib Transmit Transmit Disconnect", whole));
-    }
-    open(given);
+    open();
+    module.Answer("SCardGetAttrib", refusal, "FFFF", 2);
+    EXPECT_EQ(ResetCard(), (Reply{1, kCardAtr}));
+    module.Answer("SCardTransmit", 0, "6102");
+    EXPECT_EQ(Send("00B0000001"), (Reply{0, "6985"}));
     EXPECT_EQ(CloseReader(), 1);
-    EXPECT_EQ(Functions(NewCalls(), ",)"), calls("Disconnect", half) + calls("Disconnect", whole));
+    EXPECT_EQ(Functions(NewCalls(), ",)"), "SCardGetAttrib" + half + "SCardGetAttrib" + whole +
+                                               "SCardTransmit" + whole + "SCardTransmit" + whole +
+                                               "SCardDisconnect" + whole);
+    open();
+    EXPECT_EQ(CloseReader(), 1);
+    EXPECT_EQ(Functions(NewCalls(), ",)"), "SCardDisconnect" + half + "SCardDisconnect" + whole);
 
-    open(given);  // in a library that takes the half
-    module.Answer("SCardGetAttrib", 0, "3B00");
-    module.Answer("SCardTransmit", 0, "9000");
-    module.Answer("SCardDisconnect", 0);
-    EXPECT_EQ(ResetCard(), (Reply{1, "3B00"}));
+    open();  // in a library that takes the half
+    for (const char* function : {"SCardGetAttrib", "SCardTransmit", "SCardDisconnect"}) {
+      module.Answer(function, 0, "9000");
+    }
+    EXPECT_EQ(ResetCard(), (Reply{1, "9000"}));
     EXPECT_EQ(Send("00B0000001"), (Reply{1, "9000"}));
     EXPECT_EQ(CloseReader(), 1);
-    EXPECT_EQ(Functions(NewCalls(), ",)"), calls("GetAttrib Transmit Disconnect", half));
+    EXPECT_EQ(Functions(NewCalls(), ",)"),
+              "SCardGetAttrib" + half + "SCardTransmit" + half + "SCardDisconnect" + half);
   }
 }
 
-// A card that comes back has a new handle, which may again be taken in either form.
+// A card that was pulled and is back has a new handle, which again may be taken in either form.
 TEST_F(PcscReader, RepairsAConnectionWhoseHandlesAreWider) {
   for (const char* slot : {"00", "01"}) {
     StartAnew();
-    module.Answer("SCardConnectA", 0, "01", static_cast<std::int64_t>(0xEA00000000000000));
-    module.Answer("SCardConnectA", 0, "01", static_cast<std::int64_t>(0xEA00000000000001));
+    for (const std::uint64_t handle : {0xEA00000000000000, 0xEA00000000000001}) {
+      module.Answer("SCardConnectA", 0, "01", static_cast<std::int64_t>(handle));
+    }
     ASSERT_EQ(Open(kPcsc), 1);
     ChangeSlot(slot);
-    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, "6A82"}));
+    const Reply selected{0, "6A82"}, silence{0, ""};
+    EXPECT_EQ(Send("00A4040002FFFF"), selected);
     module.InsertCard(false);
-    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, ""}));
+    EXPECT_EQ(Send("00A4040002FFFF"), silence);
     EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
     module.InsertCard(true);
     EXPECT_EQ(ResetCard(), (Reply{1, kCardAtr}));
-    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, "6A82"}));
+    EXPECT_EQ(Send("00A4040002FFFF"), selected);
     EXPECT_EQ(CloseReader(), 1);
-    EXPECT_NE(NewCalls().find("SCardDisconnect(0xEA00000000000001, 0) = 0\n"), std::string::npos);
-    EXPECT_EQ(Send("00A4040002FFFF"), (Reply{0, ""}));
+    EXPECT_TRUE(NewCalls().ends_with("SCardDisconnect(0xEA00000000000001, 0) = 0\n"));
+    EXPECT_EQ(Send("00A4040002FFFF"), silence);
   }
 }
 
@@ -277,6 +273,7 @@ TEST_F(PcscReader, OpensSixteenSideBySide) {
   for (unsigned slot = 0; slot < 16; ++slot) {
     SetReader(slot);
     EXPECT_EQ(ResetCard().result, slot % 2 == 0 ? 1 : 0) << slot;
+    EXPECT_EQ(Send("00A4000C023F00").result, slot % 2 == 0 ? 1 : 0) << slot;
     NewCalls();
     EXPECT_EQ(CloseReader(), 1);
     EXPECT_EQ(Functions(NewCalls()), "SCardDisconnect ");

@@ -22,15 +22,6 @@ TEST_F(WdReader, StaysOpenUntilTheLibraryAgreesToClose) {
   EXPECT_EQ(NewCallsWithoutResults(), "CT_close(1)\nICC_tsi_api(1, 0012000000)\nCT_close(1)\n");
 }
 
-TEST_F(WdReader, TriesWithTheHandleOfAFailedOpen) {
-  module.Answer("CT_open", 0);
-  EXPECT_EQ(OpenReaderA("WDUSB1", ReaderKindWd), 0);
-  EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
-  EXPECT_EQ(CloseReader(), 0);
-  EXPECT_EQ(NewCallsWithoutResults(),
-            "CT_open(\"USB1\", 0, 0)\nICC_tsi_api(0, 0012000000)\nCT_close(0)\n");
-}
-
 TEST_F(WdReader, GivesTheSlotAsNodeAddress) {
   OpenAnew();
   ChangeSlot("05");
