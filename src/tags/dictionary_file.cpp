@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <span>
 #include <string_view>
 
 #include "platform/code_page.h"
@@ -101,31 +100,33 @@ bool ReadLength(Reader& reader, Length& length) {
   return count != kLongestLength || ReadNumber<std::uint64_t>(reader, count);
 }
 
-bool ReadNarrow(Reader& reader, std::uint64_t count, std::span<char> field) {
-  const auto kept = static_cast<std::size_t>(std::min<std::uint64_t>(count, field.size() - 1));
-  return reader.Read(field.data(), kept) && reader.Skip(count - kept);
+bool ReadNarrow(Reader& reader, std::uint64_t count, std::size_t most, std::string& text) {
+  text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(count, most)));
+  return reader.Read(text.data(), text.size()) && reader.Skip(count - text.size());
 }
 
-bool ReadWide(Reader& reader, std::uint64_t count, std::span<char> field) {
+bool ReadWide(Reader& reader, std::uint64_t count, std::size_t most, std::string& text) {
   // Two units, a surrogate pair, may make one narrow character, but never less.
   std::u16string units;
-  const std::uint64_t kept = std::min<std::uint64_t>(count, 2 * (field.size() - 1));
+  const std::uint64_t kept = std::min<std::uint64_t>(count, 2 * most);
   while (units.size() < kept) {
     std::uint16_t unit;
     if (!reader.Read(unit)) return false;
     units += static_cast<char16_t>(unit);
   }
   if (!reader.Skip(count - kept) || !reader.Skip(count - kept)) return false;
-  const std::string text = platform::AnsiText(units);
-  std::memcpy(field.data(), text.data(), std::min(text.size(), field.size() - 1));
+  text = platform::AnsiText(units).substr(0, most);
   return true;
 }
 
-bool ReadField(Reader& reader, std::span<char> field) {
+// A text for a field of this size.
+bool ReadText(Reader& reader, std::size_t size, std::string& text) {
   Length length;
   if (!ReadLength(reader, length)) return false;
-  if (!(length.wide ? ReadWide : ReadNarrow)(reader, length.characters, field)) return false;
-  std::fill(std::find(field.begin(), field.end(), '\0'), field.end(), '\0');
+  if (!(length.wide ? ReadWide : ReadNarrow)(reader, length.characters, size - 1, text)) {
+    return false;
+  }
+  text.resize(std::min(text.find('\0'), text.size()));
   return true;
 }
 
@@ -151,13 +152,14 @@ std::list<PackedRecord> ReadRecords(platform::InputFile& file) {
   std::list<PackedRecord> records;
   std::uint32_t bits;
   if (!reader.Read(bits)) return records;
+  std::string tag, shortText, longText;
   for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
-    TagdictData record{};
-    if (!ReadField(reader, record.tag) || !ReadField(reader, record.shortText) ||
-        !ReadField(reader, record.longText)) {
+    if (!ReadText(reader, sizeof TagdictData::tag, tag) ||
+        !ReadText(reader, sizeof TagdictData::shortText, shortText) ||
+        !ReadText(reader, sizeof TagdictData::longText, longText)) {
       break;
     }
-    records.emplace_back(record);
+    records.emplace_back(tag, shortText, longText);
   }
   return records;
 }

@@ -20,13 +20,16 @@ PackedRecord::PackedRecord(TagdictData record) {
   Terminate(record.tag);
   Terminate(record.shortText);
   Terminate(record.longText);
-  octets_.reserve(std::strlen(record.tag) + std::strlen(record.shortText) +
-                  std::strlen(record.longText) + 2);
-  octets_.append(record.tag).append(1, '\0').append(record.shortText).append(1, '\0');
-  octets_.append(record.longText);
+  *this = PackedRecord(record.tag, record.shortText, record.longText);
   const TagdictData unpacked = Unpack();
   if (std::memcmp(&unpacked, &record, sizeof record) == 0) return;
   octets_.assign(reinterpret_cast<const char*>(&record), sizeof record);
+}
+
+PackedRecord::PackedRecord(std::string_view tag, std::string_view shortText,
+                           std::string_view longText) {
+  octets_.reserve(tag.size() + shortText.size() + longText.size() + 2);
+  octets_.append(tag).append(1, '\0').append(shortText).append(1, '\0').append(longText);
 }
 
 TagdictData PackedRecord::Unpack() const {

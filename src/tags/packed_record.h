@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "orvane.h"
 
@@ -12,6 +13,9 @@ class PackedRecord {
  public:
   // A field without a terminator loses its last character.
   explicit PackedRecord(TagdictData record);
+
+  // With zeros behind the texts, which fit their fields.
+  PackedRecord(std::string_view tag, std::string_view shortText, std::string_view longText);
 
   // Its place in memory is that of the object's.
   const char* Tag() const { return octets_.c_str(); }

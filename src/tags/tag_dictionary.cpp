@@ -27,12 +27,13 @@ bool TagDictionary::AnyCaseOrder::operator()(const char* left, const char* right
 
 TagDictionary::Table::Table(std::list<PackedRecord> list) : records(std::move(list)) {
   for (auto record = records.begin(); record != records.end(); ++record) {
-    index.emplace(record->Tag(), record);
+    index.emplace_hint(index.end(), record->Tag(), record);  // files are often in order
   }
 }
 
 void TagDictionary::Table::Append(Table&& other) {
   records.splice(records.end(), other.records);
+  if (index.empty()) index.swap(other.index);
   index.merge(other.index);
 }
 
