@@ -75,7 +75,11 @@ case $name in
     c/exchange "$script" | same
     ;;
   pkg_config)
-    export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+    # A shell can't take what it prints of every path.
+    short=$(mktemp -d)
+    trap 'rm -r "$short"' EXIT
+    ln -s "$prefix" "$short/prefix"
+    export PKG_CONFIG_PATH=$short/prefix/lib/pkgconfig
     pkg-config --exact-version "$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")" orvane
     gcc -o exchange "$examples/c/exchange.c" $(pkg-config --cflags --libs orvane) \
       "-Wl,-rpath,$(pkg-config --variable=libdir orvane)" \
@@ -100,7 +104,7 @@ case $name in
     need node npm
     cp "$examples"/node/* .
     timeout --signal=KILL 20 npm ci --ignore-scripts --prefer-offline --fetch-retries=0 >log 2>&1 || {
-      [ $? = 137 ] || grep -Eq 'E(NOTFOUND|AI_AGAIN|CONN|TIMEDOUT|NETUNREACH)|ERR_SOCKET' log || fail "$(cat log)"
+      [ $? = 137 ] || grep -Eq 'E(NOTFOUND|AI_AGAIN|CONN|TIMEDOUT|NETUNREACH)|ERR_SOCKET|_CERT' log || fail "$(cat log)"
       echo "skipped: npm reaches no registry"
       exit 77
     }
