@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kBuild = ORVANE_BUILD_FOLDER;
+const fs::path kBuild = ORVANE_BUILD_PATH;
 const std::string kProvider = support::ModuleFileName("orvane_crypto");
 const std::string kLibrary = support::ModuleFileName("orvane");
 constexpr char kAll[] = "all entries";

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -26,7 +27,7 @@ namespace orvane_test {
 
 // A file of the sources.
 inline std::string ReadText(const std::string& path) {
-  std::ifstream in(std::string(ORVANE_SOURCE_FOLDER "/") + path);
+  std::ifstream in(std::filesystem::path(ORVANE_SOURCE_PATH) / path);
   if (!in) throw std::runtime_error("can't open " + path);
   return {std::istreambuf_iterator<char>(in), {}};
 }
@@ -73,7 +74,7 @@ inline std::string RunLine(const std::string& line) {
 }
 
 // Runs the page's examples with this crypto module.
-inline void RunExamples(const std::string& page, const std::string& module) {
+inline void RunExamples(const std::string& page, const std::filesystem::path& module) {
   std::string why;
   ASSERT_NE(support::LoadModule(module, why), nullptr) << why;
   const std::vector<std::string> lines = ExampleLines(page);

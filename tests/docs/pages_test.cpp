@@ -72,7 +72,7 @@ TEST(Docs, ReadersAreThoseOfTheHeader) {
 
 TEST(Docs, NameFilesThatAreThere) {
   namespace fs = std::filesystem;
-  const fs::path root = ORVANE_SOURCE_FOLDER;
+  const fs::path root = ORVANE_SOURCE_PATH;
   Names pages = {"README.md"};
   for (const auto& entry : fs::directory_iterator(root / "docs"))
     pages.insert("docs/" + entry.path().filename().string());

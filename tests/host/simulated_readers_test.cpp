@@ -52,7 +52,7 @@ TEST_F(SimulatedReaders, DoNotIncludeTheEncryptionMachine) {
 
 // Beside the library stands what is no simulator: nothing may be sent to it as if it were one.
 TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
-  const fs::path here = fs::current_path(), build = ORVANE_BUILD_FOLDER;
+  const fs::path here = fs::current_path(), build = ORVANE_BUILD_PATH;
   for (const fs::directory_entry& entry : fs::directory_iterator(build)) {
     const std::string name = entry.path().filename().string();
     if (name.starts_with("orvane") || name.starts_with("liborvane")) fs::copy(entry, here / name);

@@ -58,7 +58,7 @@ std::vector<int> ResultsWithout(const char* missing) {
                       ("orvane-wd-" + std::to_string(std::random_device()()));
   const auto library = folder / support::ModuleFileName("orvane");
   std::filesystem::create_directory(folder);
-  std::filesystem::copy_file(ORVANE_BUILD_FOLDER / library.filename(), library);
+  std::filesystem::copy_file(ORVANE_BUILD_PATH / library.filename(), library);
   if (missing != nullptr) support::WriteModuleWithout("wdcrwx", missing, folder);
   std::string why;
   void* const copy = support::LoadModule(library, why);

@@ -12,7 +12,7 @@ namespace support {
 inline void* LoadLibraryCopy() {
   const std::string name = ModuleFileName("orvane");
   const auto folder = orvane_test::MakeTemporaryFolder();
-  std::filesystem::copy_file(std::filesystem::path(ORVANE_BUILD_FOLDER) / name, folder / name);
+  std::filesystem::copy_file(std::filesystem::path(ORVANE_BUILD_PATH) / name, folder / name);
   std::string why;
   void* const module = LoadModule(folder / name, why);
   std::error_code ignored;

@@ -16,7 +16,8 @@ namespace {
 // Where the build puts a simulator: wdcrwx stands beside the library, the only place where the
 // library looks for it.
 std::filesystem::path FolderOf(const std::string& vendor) {
-  return vendor == "wdcrwx" ? ORVANE_BUILD_FOLDER : ORVANE_BUILD_FOLDER "/simulators";
+  const std::filesystem::path build = ORVANE_BUILD_PATH;
+  return vendor == "wdcrwx" ? build : build / "simulators";
 }
 
 std::filesystem::path MakeTemporaryFolder() {

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 namespace host_test {
@@ -19,14 +20,15 @@ HANDLE Open(const char* name, DWORD access, DWORD disposition) {
 int RunInFolder(const std::string& program, const std::string& arguments) {
   std::string line = '"' + program + ".exe\" " + arguments;
   std::replace(line.begin(), line.end(), '\'', '"');
-  STARTUPINFOA start{};
+  std::wstring wide = std::filesystem::path(line).wstring();  // from UTF-8
+  STARTUPINFOW start{};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
   start.hStdInput = Open("in", GENERIC_READ, OPEN_EXISTING);
   start.hStdOutput = Open("out", GENERIC_WRITE, CREATE_ALWAYS);
   start.hStdError = Open("err", GENERIC_WRITE, CREATE_ALWAYS);
   PROCESS_INFORMATION process{};
-  const bool started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+  const bool started = CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                       nullptr, &start, &process) != 0;
   for (const HANDLE file : {start.hStdInput, start.hStdOutput, start.hStdError}) CloseHandle(file);
   if (!started) throw std::runtime_error("can't start " + program);
