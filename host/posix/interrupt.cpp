@@ -20,17 +20,23 @@ void Interrupt(int signal) {
   interrupted = 1;
 }
 
+void HandleInterrupts(int flags) {
+  struct sigaction action {};
+  action.sa_handler = Interrupt;
+  action.sa_flags = flags;
+  sigaction(SIGINT, &action, nullptr);
+}
+
 }  // namespace
 
 InterruptibleRead::InterruptibleRead() {
   interrupted = 0;
   reading = 1;
-  struct sigaction action {};
-  action.sa_handler = Interrupt;  // without SA_RESTART
-  sigaction(SIGINT, &action, nullptr);
+  HandleInterrupts(0);
 }
 
 InterruptibleRead::~InterruptibleRead() {
+  HandleInterrupts(SA_RESTART);  // the libraries of readers know nothing of interrupted calls
   interrupted = 0;
   reading = 0;
 }

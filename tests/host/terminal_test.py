@@ -1,0 +1,116 @@
+#!/usr/bin/env python3
+"""A person at a terminal: terminal_test.py PROGRAM..., the program and what it takes to start it.
+
+Each row is a command of the system's shell, in which {} stands for the program, and steps: what the
+terminal shows sooner or later, and what is typed then.
+"""
+import os
+import pty
+import select
+import shlex
+import signal
+import socket
+import sys
+import tempfile
+import threading
+import time
+
+PROGRAM = " ".join(map(shlex.quote, sys.argv[1:]))
+UNDER_WINE = PROGRAM.endswith(".exe")
+CTRL_C, CTRL_D, BACKSPACE = "\x03", "\x04", "\x7f"
+PROMPT = "orvane>"
+
+
+class Terminal:
+    def __init__(self, command):
+        self.screen = b""
+        self.child, self.terminal = pty.fork()
+        if self.child == 0:
+            os.environ["TERM"] = "xterm"
+            os.execvp("sh", ["sh", "-c", command.replace("{}", PROGRAM)])
+
+    def read(self, seconds):
+        ready, _, _ = select.select([self.terminal], [], [], max(0, seconds))
+        try:
+            octets = os.read(self.terminal, 4096) if ready else b""
+        except OSError:  # the last one has closed it
+            octets = b""
+        self.screen += octets
+        return octets
+
+    def wait_for(self, text):
+        end = time.monotonic() + 10
+        while text.encode() not in self.screen:
+            assert self.read(end - time.monotonic()), f"{text!r} is missing in {self.screen!r}"
+        self.screen = self.screen[self.screen.index(text.encode()) + len(text.encode()) :]
+
+    def type(self, text):
+        time.sleep(0.2)  # what shows a prompt takes a moment to read
+        os.write(self.terminal, text.encode())
+
+    def exit_code(self):
+        while self.read(10):
+            pass
+        return os.waitstatus_to_exitcode(os.waitpid(self.child, 0)[1])
+
+
+def run(command, *steps, code=0):
+    terminal = Terminal(command)
+    for shown, typed in steps:
+        terminal.wait_for(shown)
+        terminal.type(typed)
+    exit_code = terminal.exit_code()
+    assert exit_code == code, f"{command}: exit code {exit_code}, not {code}"
+
+
+class SlowMachine:
+    """An encryption machine that answers its first command only when it is told to."""
+
+    def __init__(self):
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.address = f"127.0.0.1:{self.listener.getsockname()[1]}"
+        self.asked, self.answers = threading.Event(), threading.Event()
+        threading.Thread(target=self.serve, daemon=True).start()
+
+    def serve(self):
+        connection, _ = self.listener.accept()
+        while octets := connection.recv(100):
+            self.asked.set()
+            self.answers.wait()
+            connection.send(octets)
+
+
+def interrupt_a_command():
+    for answers in (True, False):
+        machine = SlowMachine()
+        terminal = Terminal(f"exec {{}} shell -r 10:{machine.address}")
+        terminal.wait_for(PROMPT)
+        terminal.type("AB CD EF 01\r")
+        assert machine.asked.wait(30)
+        terminal.type(CTRL_C)
+        terminal.wait_for("^C")
+        if answers:
+            machine.answers.set()
+            terminal.wait_for("<<")
+            terminal.wait_for(PROMPT)
+            terminal.type("quit\r")
+            assert terminal.exit_code() == 0
+        else:
+            terminal.type(CTRL_C)
+            assert terminal.exit_code() == -signal.SIGINT
+
+
+os.chdir(tempfile.mkdtemp())
+store, show, leave = (PROMPT, "%A = Müller中\r"), (PROMPT, "%A\r"), (PROMPT, "quit\r")
+run("exec {} shell", (PROMPT, "@compare(1,2,1)\r"), ("FAIL", ""), leave)
+if UNDER_WINE:  # whose console keeps the line
+    run("exec {} shell", store, (PROMPT, "%A = 12"), ("12", CTRL_C), ("", "\r"), store, show, ("Müller中", ""), leave)
+else:
+    run("exec {} shell", store, (PROMPT, "%A = 12"), ("12", CTRL_C), show, ("Müller中", ""),
+        (PROMPT, CTRL_D), ("\n", ""))
+    interrupt_a_command()
+    run("{} shell | tee log", (PROMPT, "%A = 1x" + BACKSPACE + "2\r"), show, ("=    12", CTRL_D))
+    log = open("log").read()
+    assert "%A = 12\n" in log and "=    12\n" in log, log
+    run("exec {} shell < /dev/null > log")
+    assert open("log").read() == "", "no person is at the terminal"
