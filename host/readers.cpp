@@ -100,22 +100,31 @@ void Readers::Select(std::string_view number) {
 }
 
 void Readers::LoadSimulatorsOnce() {
-  if (used_) return;
-  used_ = true;
-  if (simulate_) LoadSimulators();
+  if (simulate_ && !simulatorsLoaded_) LoadSimulators();
+  simulatorsLoaded_ = true;
 }
 
 ReaderAddress Readers::OpenDefault() {
-  if (simulate_) return Open(kSimulatedReader);
-  if (!defaultReader_.empty()) return Open(defaultReader_);
+  const auto open = [this](const std::string& text) {
+    const ReaderAddress opened = OpenAddress(text);
+    used_ = true;
+    return opened;
+  };
+  if (simulate_) return open(kSimulatedReader);
+  if (!defaultReader_.empty()) return open(defaultReader_);
   const std::vector<std::string> listed =
       defaultKind_ == ReaderKindPcsc ? ListReaders(ReaderKindPcsc, 0) : std::vector<std::string>();
-  if (listed.size() == 1) return Open("3:" + listed[0]);
+  if (listed.size() == 1) return open("3:" + listed[0]);
   throw Failure(kReaderFault, "no reader is named, by -r, @OPENREADER or ORVANE_READER; " +
                                   PcscReaders() + "; --simulate runs on a simulated card");
 }
 
 ReaderAddress Readers::Open(std::string_view text) {
+  used_ = true;
+  return OpenAddress(text);
+}
+
+ReaderAddress Readers::OpenAddress(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
   LoadSimulatorsOnce();
   if (simulate_ && address.kind == ReaderKindWd && !WdIsSimulated()) {

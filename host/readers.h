@@ -33,7 +33,7 @@ class Readers {
   Readers(const Readers&) = delete;
   Readers& operator=(const Readers&) = delete;
 
-  // True once any reader has been asked for.
+  // True once a reader has been named or the default one has opened.
   bool Used() const { return used_; }
   // True if a simulator stands behind the current reader.
   bool Simulated() const;
@@ -67,6 +67,7 @@ class Readers {
   };
 
   void LoadSimulatorsOnce();
+  ReaderAddress OpenAddress(std::string_view text);
   Place& Use();
   static bool Connect(const ReaderAddress& address, bool again);
   static bool Reopen(Place& place);
@@ -76,6 +77,7 @@ class Readers {
   bool simulate_;
   std::string defaultReader_;
   bool used_ = false;
+  bool simulatorsLoaded_ = false;
   size_t current_ = 0;
   std::array<std::optional<Place>, 16> places_;
 };

@@ -157,6 +157,15 @@ TEST_F(SessionTest, OpensAReaderAfreshThatTheServiceHasForgotten) {
   }
 }
 
+TEST_F(SessionTest, TriesTheDefaultReaderAgainAfterAFailure) {
+  for (int call = 0; call < 2; ++call) winscard_.Answer("SCardConnectA", 0x8010000B);
+  const std::string failures = Run({"@reset()", "@reset()"}, kReader);
+  EXPECT_EQ(
+      failures,
+      "can't open the reader Simulated Reader 0 (PC/SC): another program holds the reader for "
+      "itself\n");
+}
+
 TEST_F(SessionTest, NamesWhatKeepsAReaderFromOpening) {
   const struct {
     std::string reader;
