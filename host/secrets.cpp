@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "host/command.h"
 #include "host/text.h"
@@ -12,10 +13,10 @@ namespace {
 constexpr std::array<std::string_view, 5> kTellingNames = {"PIN", "PUK", "KEY", "PASSWORD",
                                                            "SECRET"};
 constexpr std::array<const char*, 2> kAnswer = {"%RESP", "%SW"};
-constexpr size_t kHeaderDigits = 10;   // with Lc
-constexpr size_t kForeseen = 16;       // with Lc in its longest form, and the data's first octet
-constexpr size_t kLongest = 2 * 4096;  // of a command's digits
-constexpr size_t kLongestNumber = 3;   // what is longer can be a PIN
+constexpr size_t kHeaderDigits = 10;  // with Lc
+constexpr size_t kForeseen = 16;      // with Lc in its longest form, and the data's first octet
+constexpr size_t kLongest = 2 * kMostCommandOctets;
+constexpr size_t kLongestNumber = 3;  // what is longer can be a PIN
 
 // What a command of the library does with its arguments, counted from 1; 0 is none.
 struct Traits {
@@ -344,14 +345,14 @@ bool Secrets::Learn(const std::vector<Statement>& script) {
   return marked_ != before;
 }
 
-void Secrets::Follow(const Statement& assignment, std::string_view text) {
+void Secrets::Follow(const Statement& assignment, std::string_view value) {
   if (next_ == values_.size()) Look(assignment);
-  const Value exact = Exact(text);
-  Value& value = values_[next_];
-  value.beginning = exact.beginning;
-  value.length = exact.length;
-  value.made = Involves(assignment, false);
-  if (BeginsAsSecret(value.beginning, value.length, false)) Mark(next_);
+  Value exact = Exact(value);
+  Value& made = values_[next_];
+  made.beginning = std::move(exact.beginning);
+  made.length = exact.length;
+  made.made = Involves(assignment, false);
+  if (BeginsAsSecret(made.beginning, made.length, false)) Mark(next_);
   variables_[UpperCase(assignment.words[0].text)].now = next_++;
 }
 

@@ -7,6 +7,7 @@
 
 #include "host/failure.h"
 #include "host/platform.h"
+#include "host/text.h"
 
 namespace host {
 namespace {
@@ -34,7 +35,7 @@ std::string Reason() { return ": " + std::generic_category().message(errno); }
 }  // namespace
 
 TextInput::TextInput(const std::string& file)
-    : name_(file == "-" ? "<stdin>" : file),
+    : name_(file == "-" ? "<stdin>" : Printable(file)),
       descriptor_(file == "-" ? kStandardInput : OpenFile(file)) {
   if (descriptor_ < 0) throw Failure(kFileFault, "can't open " + name_ + Reason());
 }

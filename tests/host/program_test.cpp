@@ -256,6 +256,7 @@ TEST_F(Program, ReportsWhatItCannotRead) {
     EXPECT_EQ(outcome.exitCode, 2) << arguments;
     EXPECT_FALSE(Shows(outcome.err, "\x1B")) << outcome.err;
   }
+  EXPECT_TRUE(Shows(RunOrvane("run 'a\nb'").err, "a\\x0Ab"));
   EXPECT_EQ(RunOrvane("--help").exitCode, 0);
   const Outcome piped = RunOrvane("run -", "%A = 1\n@compare(%A,2,1)\n");
   EXPECT_EQ(piped.exitCode, 1);
