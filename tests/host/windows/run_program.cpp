@@ -20,7 +20,7 @@ HANDLE Open(const char* name, DWORD access, DWORD disposition) {
 int RunInFolder(const std::string& program, const std::string& arguments) {
   std::string line = '"' + program + ".exe\" " + arguments;
   std::replace(line.begin(), line.end(), '\'', '"');
-  std::wstring wide = std::filesystem::path(line).wstring();  // from UTF-8
+  std::wstring wide = std::filesystem::path(std::u8string(line.begin(), line.end())).wstring();
   STARTUPINFOW start{};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
