@@ -24,6 +24,9 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept {
+  return operator new(size, nothrow);
+}
 void operator delete(void* area) noexcept { std::free(area); }
 void operator delete(void* area, std::size_t) noexcept { std::free(area); }
 void operator delete[](void* area) noexcept { std::free(area); }
