@@ -1,5 +1,7 @@
 #include "host/script.h"
 
+#include <iostream>
+
 #include "host/failure.h"
 #include "host/text_input.h"
 
@@ -32,7 +34,7 @@ void RunScriptFile(const Script& script, Session& session) {
     try {
       if (!session.Run(script.statements[at], at + 1)) break;
     } catch (const Failure& failure) {
-      session.Summarise(false);
+      if (!std::cout.bad()) session.Summarise(false);
       throw At(script, at + 1, failure);
     }
   }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "host/run_program.h"
+#include "simulators/encryption_machine.h"
 
 namespace host_test {
 namespace {
@@ -261,6 +262,80 @@ TEST_F(Program, ReportsWhatItCannotRead) {
   const Outcome piped = RunOrvane("run -", "%A = 1\n@compare(%A,2,1)\n");
   EXPECT_EQ(piped.exitCode, 1);
   EXPECT_EQ(piped.err.substr(0, 10), "<stdin>:2:");
+}
+
+TEST_F(Program, NoticesWhatCannotBeReadOrWritten) {
+  WriteFile("script", "%A = 1\n");
+  for (const std::string command :
+       {"run script", "--help", "readers --simulate", "apdu --simulate 00A40000", "tlv 5A0141",
+        "tags import " ORVANE_SOURCE_FOLDER "/examples/tags.txt", "tags list", "tags find 4F"}) {
+    const bool fills = std::filesystem::exists("/dev/full") && !command.starts_with("run");
+    const Outcome outcome = RunOrvane(command + (fills ? " >/dev/full" : " >&-"));
+    EXPECT_EQ(outcome.exitCode, 5) << command;
+    EXPECT_TRUE(Shows(outcome.err, "can't write standard output: ")) << outcome.err;
+  }
+  EXPECT_EQ(RunOrvane("run -q script >&-").exitCode, 0);  // which has nothing to say
+  const std::string folder = std::filesystem::exists("/dev/full") ? " </" : " <&-";
+  for (const std::string command : {"run - <&-", "tlv", "shell", "tags import - <&-"}) {
+    const Outcome outcome = RunOrvane(command.ends_with("&-") ? command : command + folder);
+    EXPECT_EQ(outcome.exitCode, 5) << command;
+    EXPECT_TRUE(outcome.err.starts_with("orvane: can't read <stdin>: ")) << outcome.err;
+  }
+}
+
+// What is opened first never gets the number of standard error.
+TEST_F(Program, SendsNothingButCommandsWhereItsOutputIsClosed) {
+  simulator::EncryptionMachine machine;
+  WriteFile("script", "30 31\n@compare(1,2,1)\n");
+  EXPECT_EQ(RunOrvane("run -q -r 10:" + machine.Name() + " script 2>&-").exitCode, 1);
+  EXPECT_TRUE(machine.Journal().starts_with("1 opens\n1 sends 3031\n1 closes\n"))
+      << machine.Journal();
+}
+
+// Octet 1A is no end, and no zero byte is text.
+TEST_F(Program, ReadsTextAsEditorsStoreIt) {
+  const std::string text = "%A = \xC3\xBC\xF0\x9F\x98\x80\r\n@compare(@strlen(%A),6,1)\n";
+  const auto utf16 = [](const std::u16string& units, bool big) {
+    std::string octets;
+    for (const char16_t unit : u"\uFEFF" + units) {
+      octets += static_cast<char>(big ? unit >> 8 : unit);
+      octets += static_cast<char>(big ? unit : unit >> 8);
+    }
+    return octets;
+  };
+  const std::u16string units = u"%A = \u00FC\U0001F600\r\n@compare(@strlen(%A),6,1)\n";
+  const std::string little = utf16(units, false);
+  for (const auto& [input, code] :
+       std::vector<std::pair<std::string, int>>{{text, 0},
+                                                {"\xEF\xBB\xBF" + text, 0},
+                                                {little, 0},
+                                                {utf16(units, true), 0},
+                                                {text + "; \x1A\n@compare(1,2,1)\n", 1},
+                                                {little.substr(2), 5},
+                                                {little.substr(0, little.size() - 1), 5},
+                                                {utf16(u"\xD800 ", false), 5}}) {
+    for (const char* command : {"run -", "run in", "shell"}) {
+      const Outcome outcome = RunOrvane(command, input);
+      EXPECT_EQ(outcome.exitCode, code) << command << input << outcome.out << outcome.err;
+      EXPECT_EQ(Shows(outcome.out, "6 = 6"), code < 5) << outcome.out;
+    }
+  }
+  EXPECT_EQ(RunOrvane("tlv", utf16(u"5A 01 41", false)).exitCode, 0);
+}
+
+TEST_F(Program, SpeaksUtf8OnItsCommandLine) {
+  const std::filesystem::path folder =
+      u8"bau \u00F6 (1)/\u041F\u0440\u043E\u0435\u043A\u0442 \u4E2D\u6587";
+  std::filesystem::create_directories(folder);
+  WriteFile(folder / u8"\u03A9.orv", "@compare(@strlen(%A),4,1)\n@compare(%A,\u00FC\u03A9,1)\n");
+  const Outcome outcome = RunOrvane(
+      "run -D \"A=\u00FC\u03A9\" \"bau \u00F6 (1)/\u041F\u0440\u043E\u0435\u043A\u0442 "
+      "\u4E2D\u6587/\u03A9.orv\"");
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+  EXPECT_TRUE(Shows(outcome.out, "\u00FC\u03A9 = \u00FC\u03A9")) << outcome.out;
+  EXPECT_EQ(RunOrvane("tags add 4F \"\u00FC\u03A9\"").exitCode, 0);
+  EXPECT_TRUE(Shows(RunOrvane("tags find 4f").out, "\u00FC\u03A9"));
+  EXPECT_EQ(RunOrvane("run /kg").exitCode, 5);  // no option, but a file that is not there
 }
 
 TEST_F(Program, ShowsValuesAndGoesOnAfterFailuresInTheShell) {

@@ -18,7 +18,8 @@ struct Outcome {
 
 // Runs a program with arguments as a shell takes them, where only single quotes are used. The
 // files `in`, `out` and `err` of the current folder are its standard input, output and error.
-// Gives its exit code; -1 if it ended otherwise.
+// At the end of the arguments <&-, >&- or
+// 2>&- closes one of them. Gives the exit code; -1 if it ended otherwise.
 int RunInFolder(const std::string& program, const std::string& arguments);
 
 // With line ends that are line feeds, whatever the platform stores.

@@ -7,7 +7,8 @@
 namespace host_test {
 
 int RunInFolder(const std::string& program, const std::string& arguments) {
-  const int status = std::system(('\'' + program + "' " + arguments + " <in >out 2>err").c_str());
+  // What the arguments redirect comes later and counts.
+  const int status = std::system(("<in >out 2>err '" + program + "' " + arguments).c_str());
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

@@ -15,18 +15,28 @@ HANDLE Open(const char* name, DWORD access, DWORD disposition) {
                      nullptr);
 }
 
+// True if the arguments end with this; it is taken off.
+bool Take(const std::string& redirection, std::string& arguments) {
+  if (!arguments.ends_with(redirection)) return false;
+  arguments.erase(arguments.size() - redirection.size());
+  return true;
+}
+
 }  // namespace
 
-int RunInFolder(const std::string& program, const std::string& arguments) {
+int RunInFolder(const std::string& program, const std::string& given) {
+  std::string arguments = given;
+  const bool noInput = Take(" <&-", arguments), noOutput = Take(" >&-", arguments),
+             noError = Take(" 2>&-", arguments);
   std::string line = '"' + program + ".exe\" " + arguments;
   std::replace(line.begin(), line.end(), '\'', '"');
   std::wstring wide = std::filesystem::path(std::u8string(line.begin(), line.end())).wstring();
   STARTUPINFOW start{};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdInput = Open("in", GENERIC_READ, OPEN_EXISTING);
-  start.hStdOutput = Open("out", GENERIC_WRITE, CREATE_ALWAYS);
-  start.hStdError = Open("err", GENERIC_WRITE, CREATE_ALWAYS);
+  start.hStdInput = noInput ? nullptr : Open("in", GENERIC_READ, OPEN_EXISTING);
+  start.hStdOutput = noOutput ? nullptr : Open("out", GENERIC_WRITE, CREATE_ALWAYS);
+  start.hStdError = noError ? nullptr : Open("err", GENERIC_WRITE, CREATE_ALWAYS);
   PROCESS_INFORMATION process{};
   const bool started = CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                       nullptr, &start, &process) != 0;
