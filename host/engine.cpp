@@ -83,7 +83,8 @@ std::string ReadLongExpression(const Statement& statement) {
 
 std::string LikelyCause(const std::string& keyword) {
   if (keyword == "@DES" || keyword == "@DESCBC" || keyword == "@MAC" || keyword == "@SUBKEY") {
-    return ": is its key 8, 16 or 24 bytes long, the module orvane_crypto there, and FIPS mode off?";
+    return ": is its key 8, 16 or 24 bytes long, the module orvane_crypto there, and FIPS mode "
+           "off?";
   }
   return keyword == "@HASH" || keyword == "@RSAPUBENC" ? ": is the module orvane_crypto there?"
                                                        : "";

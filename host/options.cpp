@@ -27,6 +27,9 @@ Scripts
   %ATR holds the answer to reset. A status word that tells of an error does not stop a
   script: @compare(%SW,9000,1) does. The whole file is checked before its first line runs.
   @setreader(N) takes 0 to 15, @setslot(S) two hexadecimal digits.
+  Scripts and all other texts are UTF-8, with or without a mark, or UTF-16 with one.
+  In the shell Ctrl-C drops the line; during a command it waits for the answer, and a second
+  one ends the program.
 
 Secrets
   Shown as **: the data of commands that carry PINs or keys, variables whose names say PIN,
@@ -48,7 +51,9 @@ Exit codes
   3  the script or the data is wrong: an undefined variable, a command that is not
      hexadecimal, BER-TLV data that is cut, ...
   4  reader or card trouble
-  5  a file can't be read or written
+  5  a file, standard input or standard output can't be read or written; nothing more is
+     sent then
+  A shell that reads no terminal gives the code of its first failure.
 
 Try it
   orvane run --simulate examples/payment.orv

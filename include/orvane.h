@@ -7,7 +7,9 @@
  * into variables with SetVarValue. The script engine never touches a reader by itself.
  *
  * Rules for all functions:
- *  - Texts are zero-terminated bytes. The engine's own messages are UTF-8.
+ *  - Texts are zero-terminated bytes. The engine's own messages are UTF-8. On Windows names of
+ *    readers, in and out, and paths of log files are in the ANSI code page; statements and values of
+ *    variables are bytes that nobody converts.
  *  - Every buffer belongs to the caller and is only used during the call. No function is told the
  *    size of an output buffer: each comment says how much room it needs.
  *  - Pointers are not checked; unless a comment says otherwise they must not be null.

@@ -334,7 +334,8 @@ TEST_F(Program, SpeaksUtf8OnItsCommandLine) {
   EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
   EXPECT_TRUE(Shows(outcome.out, "\u00FC\u03A9 = \u00FC\u03A9")) << outcome.out;
   EXPECT_EQ(RunOrvane("tags add 4F \"\u00FC\u03A9\"").exitCode, 0);
-  EXPECT_TRUE(Shows(RunOrvane("tags find 4f").out, "\u00FC\u03A9"));
+  const Outcome found = RunOrvane("tags find 4f");
+  EXPECT_TRUE(Shows(found.out, "\u00FC\u03A9")) << found.out << found.err;
   EXPECT_EQ(RunOrvane("run /kg").exitCode, 5);  // no option, but a file that is not there
 }
 
