@@ -48,7 +48,7 @@ TEST_F(MixedReaders, FollowEachOtherInASlot) {
       if (!again) continue;
       EXPECT_EQ(CloseReader(), 1);
       EXPECT_EQ(module.Journal().find(closing) == std::string::npos,
-                former->kind != ReaderKindIcr && former->vendor != kS5009.vendor);
+                former->kind != ReaderKindIcr && former->vendor != std::string("S5009"));
     }
   }
 }
