@@ -43,6 +43,8 @@ cp "$folder/host/exchange.exe" .
 "$root/script/wine" exchange.exe examples/exchange.orv | tr -d '\r' | diff "$root/tests/install/exchange.txt" - ||
   fail "the host in C: another output"
 
+python3 "$root/tests/docs/printed_test.py" zip "$PWD" "$root/script/wine" || fail "what the pages print"
+
 run() { "$root/script/wine" orvane.exe "$@"; }
 
 for example in examples/*.orv; do
