@@ -8,8 +8,8 @@
  *
  * Rules for all functions:
  *  - Texts are zero-terminated bytes. The engine's own messages are UTF-8. On Windows names of
- *    readers, in and out, and paths of log files are in the ANSI code page; statements and values of
- *    variables are bytes that nobody converts.
+ *    readers, in and out, and paths of log files are in the ANSI code page; statements and values
+ *    of variables are bytes that nobody converts.
  *  - Every buffer belongs to the caller and is only used during the call. No function is told the
  *    size of an output buffer: each comment says how much room it needs.
  *  - Pointers are not checked; unless a comment says otherwise they must not be null.
@@ -330,8 +330,8 @@ ORVANE_API void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int
  * These append to a file that the caller names, and create it if it is missing. Nothing is added,
  * neither time nor line end. The file is open only during the call. If it can't be opened, nothing
  * is written and nothing is reported. One lock in the process serves both functions, so they may be
- * called from any thread, and every entry stays whole, also where other processes append to the same
- * file.
+ * called from any thread, and every entry stays whole, also where other processes append to the
+ * same file.
  */
 
 /* Appends a text. A line feed in it becomes CR LF on Windows. */
@@ -419,10 +419,10 @@ ORVANE_API int32_t UpTagdictData(const TagdictData* record);
 
 /* Writes the whole list to the file. Always 1: a file that can't be written, or one that is there
  * and failed while it was read, stays as it was, and a full disk or a file size limit ends no
- * process. The new file keeps the old one's permissions (but no setuid bit), access-control list and
- * attributes, and a link stays a link. A process that ends in the middle leaves the old file or the
- * new one, whole, wherever a new file may stand beside the old one and take its place; what else it
- * left there, the next flush removes. Where the folder forbids that, the file itself is
+ * process. The new file keeps the old one's permissions (but no setuid bit), access-control list
+ * and attributes, and a link stays a link. A process that ends in the middle leaves the old file or
+ * the new one, whole, wherever a new file may stand beside the old one and take its place; what
+ * else it left there, the next flush removes. Where the folder forbids that, the file itself is
  * overwritten. */
 ORVANE_API int32_t FlushTagdict(void);
 
