@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <iostream>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -20,8 +19,10 @@
 #include "commands/crypto_provider_table.h"
 #include "common/virtual_card.h"
 #include "engine/engine.h"
+#include "host/dictionary_file.h"
 #include "host/failure.h"
 #include "host/script.h"
+#include "host/tlv_tree.h"
 #include "orvane.h"
 #include "platform/module.h"
 #include "tags/tag_dictionary.h"
@@ -154,6 +155,8 @@ void Statements(Input input) {
   }
 }
 
+void EnterFolder() { static const orvane_test::WorkingFolder folder; }
+
 // ---- Tags ----
 
 void Tags(Input input) {
@@ -179,10 +182,14 @@ std::string Flushed() {
 
 // Lines of operations; behind an empty line the octets of dictdata.bin.
 void Dictionary(Input input) {
-  static const orvane_test::WorkingFolder folder;
+  EnterFolder();
   std::vector<std::string> lines;
   while (!input.Empty() && (lines.empty() || !lines.back().empty())) lines.push_back(input.Line());
   orvane_test::WriteFile("dictdata.bin", input.Rest());
+  try {
+    host::ReadDictionary();
+  } catch (const host::Failure&) {
+  }
   *orvane::EnsureTagDictionary() = orvane::TagDictionary();
   for (const std::string& line : lines) {
     Room record(sizeof(TagdictData), '5');
@@ -369,15 +376,32 @@ void CheckAccepted(const host::Statement& statement) {
 }
 
 void Scripts(Input input) {
-  std::istringstream file(input.Rest());
-  std::streambuf* const before = std::cin.rdbuf(file.rdbuf());
-  std::cin.clear();
+  EnterFolder();
+  orvane_test::WriteFile("script", input.Rest());
+  *orvane::EnsureEngine() = orvane::ScriptEngine();
   try {
-    *orvane::EnsureEngine() = orvane::ScriptEngine();
-    for (const host::Statement& each : host::ReadScript("-").statements) CheckAccepted(each);
+    const host::Script script = host::ReadScript("script");
+    for (const host::Statement& each : script.statements) CheckAccepted(each);
+    host::Secrets secrets;
+    secrets.Learn(script.statements);
+    for (const host::Statement& each : script.statements) {
+      secrets.Touches(each);
+      if (each.form == host::Form::kAssignment) secrets.Follow(each, "00A4");
+    }
   } catch (const host::Failure&) {
   }
-  std::cin.rdbuf(before);
+}
+
+// Whatever is printed of data stays below a room that their length bounds.
+void Tlv(Input input) {
+  EnterFolder();
+  std::ostringstream out;
+  const std::string text = input.Rest();
+  try {
+    host::PrintTlv(out, text);
+  } catch (const host::Failure&) {
+  }
+  Expect(out.str().size() <= 1000 + 400 * text.size(), "the size of a tree");
 }
 
 const std::map<std::string_view, void (*)(Input)> kTargets = {{"statements", Statements},
@@ -387,6 +411,7 @@ const std::map<std::string_view, void (*)(Input)> kTargets = {{"statements", Sta
                                                               {"readers", Readers},
                                                               {"character_sets", CharacterSets},
                                                               {"card", Card},
+                                                              {"tlv", Tlv},
                                                               {"scripts", Scripts}};
 
 }  // namespace
