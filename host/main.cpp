@@ -39,7 +39,8 @@ void StoreDefinitions(const Options& options, Secrets& secrets) {
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
-      : readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or("")),
+      : readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
+                 options.coldReset),
         silent_(nullptr),
         trace_(options.quiet ? silent_ : std::cout,
                {.colour = WantsColour(options), .tlv = options.tlv}),

@@ -19,6 +19,9 @@ Readers
   KIND in --kind may be a name as well: pcsc, d8, tcp, ...
   Where neither --reader nor a script names one, the reader is that of the environment's
   ORVANE_READER, else the only PC/SC reader that there is, as soon as a card is needed.
+  @reset() powers no card of a PC/SC reader off, and closing leaves it as it is: a verified
+  PIN, the selected application and open keys stay. --cold-reset ends them at the start, as
+  pulling the card does. It refuses a reader of another kind, and one that PC/SC can't do it to.
   --simulate puts simulators in the place of all vendor libraries and touches no hardware;
   where --reader names none, it is "Simulated Reader 0".
 
@@ -81,6 +84,8 @@ void AddReader(CLI::App& command, Options& options) {
       ->transform(kKindNames);
   command.add_flag("--simulate", options.simulate,
                    "Put simulators in the place of all vendor libraries");
+  command.add_flag("--cold-reset", options.coldReset,
+                   "Take the power from a card and give it back before its PC/SC reader is opened");
 }
 
 void AddTrace(CLI::App& command, Options& options) {
@@ -148,7 +153,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTlv(run, options);
   AddQuiet(run, options);
 
-  CLI::App& apdu = *app.add_subcommand("apdu", "Reset the card and send APDUs to it");
+  CLI::App& apdu = *app.add_subcommand("apdu", "Bring up the card and send APDUs to it");
   apdu.add_option("HEX", options.commands,
                   "One APDU an argument; blanks are allowed. - is the lines of standard input, "
                   "which no list of processes shows")

@@ -29,6 +29,7 @@ struct Options {
   std::vector<std::string> environment;    // names
   std::string colour = "auto";
   bool simulate = false;
+  bool coldReset = false;
   bool quiet = false;
   bool showSecrets = false;
   bool tlv = false;

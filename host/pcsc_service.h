@@ -9,4 +9,9 @@ namespace host {
 // it asks for the service alone.
 std::string PcscTrouble(const std::string& reader);
 
+// Takes the power from the card in this reader and gives it back, which nothing in the library
+// does. Gives what was in the way, as above. A connection that the library has to the card is of
+// no use behind it.
+std::string PowerOffAndOn(const std::string& reader);
+
 }  // namespace host

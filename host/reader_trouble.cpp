@@ -30,14 +30,6 @@ bool IsIpv4Address(std::string_view text) {
   return IsNumber(text, 0, 255);
 }
 
-// The name that PC/SC has for the reader; empty if it has none.
-std::string PcscName(const ReaderAddress& address) {
-  if (!address.port) return address.name;
-  const std::vector<std::string> names = ListReaders(ReaderKindPcsc, 0);
-  const bool listed = *address.port > 0 && static_cast<size_t>(*address.port) <= names.size();
-  return listed ? names[static_cast<size_t>(*address.port - 1)] : "";
-}
-
 std::string WhyNotConnected(const ReaderAddress& address) {
   const std::vector<std::string> names = ListReaders(ReaderKindPcsc, 0);
   const std::string name = PcscName(address);
@@ -50,6 +42,13 @@ std::string WhyNotConnected(const ReaderAddress& address) {
 }
 
 }  // namespace
+
+std::string PcscName(const ReaderAddress& address) {
+  if (!address.port) return address.name;
+  const std::vector<std::string> names = ListReaders(ReaderKindPcsc, 0);
+  const bool listed = *address.port > 0 && static_cast<size_t>(*address.port) <= names.size();
+  return listed ? names[static_cast<size_t>(*address.port - 1)] : "";
+}
 
 void CheckMachine(const ReaderAddress& address) {
   if (address.kind != ReaderKindTcp) return;

@@ -10,6 +10,9 @@ namespace host {
 // encryption machine is no numbers-and-dots IPv4 address with a port, or take it for another.
 void CheckMachine(const ReaderAddress& address);
 
+// The name that PC/SC has for a reader of its kind; empty if it has none.
+std::string PcscName(const ReaderAddress& address);
+
 // The PC/SC readers that there are, or why there is none.
 std::string PcscReaders();
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "host/failure.h"
+#include "host/pcsc_service.h"
 #include "host/platform.h"
 #include "host/reader_trouble.h"
 #include "host/text.h"
@@ -124,6 +125,25 @@ ReaderAddress Readers::Open(std::string_view text) {
   return OpenAddress(text);
 }
 
+// A script may close and open a reader and go on where its card was.
+void Readers::ColdResetOnce(const ReaderAddress& address) {
+  if (!coldReset_) return;
+  if (address.kind != ReaderKindPcsc) {
+    throw Failure(kReaderFault,
+                  "can't open the reader " + address.Shown() +
+                      ": --cold-reset works through PC/SC alone, not with readers of the kind " +
+                      std::string(KindName(address.kind)));
+  }
+  const std::string name = PcscName(address);
+  if (coldResets_.contains(name)) return;
+  const std::string trouble = PowerOffAndOn(name);
+  if (!trouble.empty()) {
+    throw Failure(kReaderFault,
+                  "can't cold-reset the card in the reader " + address.Shown() + ": " + trouble);
+  }
+  coldResets_.insert(name);
+}
+
 ReaderAddress Readers::OpenAddress(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
   LoadSimulatorsOnce();
@@ -137,6 +157,7 @@ ReaderAddress Readers::OpenAddress(std::string_view text) {
   if (place) Close(*place);
   place.reset();
   if (!address.port) address.name = MatchReaderName(address.name, ListReaders(address.kind, 0));
+  ColdResetOnce(address);
   if (!Connect(address, again)) {
     throw Failure(kReaderFault,
                   "can't open the reader " + address.Shown() + ": " + WhyNotOpened(address));

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,9 +27,13 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
 class Readers {
  public:
   // defaultKind is for addresses without one. simulate loads the simulators before the first
-  // reader is opened. defaultReader is what OpenDefault opens otherwise; it may be empty.
-  Readers(int32_t defaultKind, bool simulate, std::string defaultReader)
-      : defaultKind_(defaultKind), simulate_(simulate), defaultReader_(std::move(defaultReader)) {}
+  // reader is opened. defaultReader is what OpenDefault opens otherwise; it may be empty. coldReset
+  // takes the power from a card and gives it back before its reader is opened for the first time.
+  Readers(int32_t defaultKind, bool simulate, std::string defaultReader, bool coldReset = false)
+      : defaultKind_(defaultKind),
+        simulate_(simulate),
+        coldReset_(coldReset),
+        defaultReader_(std::move(defaultReader)) {}
   ~Readers();
   Readers(const Readers&) = delete;
   Readers& operator=(const Readers&) = delete;
@@ -67,6 +72,7 @@ class Readers {
   };
 
   void LoadSimulatorsOnce();
+  void ColdResetOnce(const ReaderAddress& address);
   ReaderAddress OpenAddress(std::string_view text);
   Place& Use();
   static bool Connect(const ReaderAddress& address, bool again);
@@ -75,7 +81,9 @@ class Readers {
 
   int32_t defaultKind_;
   bool simulate_;
+  bool coldReset_;
   std::string defaultReader_;
+  std::set<std::string> coldResets_;  // the readers whose cards have had theirs
   bool used_ = false;
   bool simulatorsLoaded_ = false;
   size_t current_ = 0;

@@ -15,6 +15,7 @@ constexpr std::string_view kHelp =
     "  %NAME, @xor(%A, %B)       a line that begins with a variable or a function shows its value\n"
     "  send %NAME ...            sends that value instead\n"
     "  @OPENREADER(reader)  @setreader(number)  @setslot(slot)  @reset()\n"
+    "                            @reset() leaves a PIN verified on PC/SC: see orvane --help\n"
     "  @compare(left, right, 1)  says whether they are equal; with 0, whether they differ\n"
     "  help, quit\n";
 

@@ -182,10 +182,13 @@ ORVANE_API int32_t OpenReader(int32_t port, int32_t kind, int32_t baud);
 ORVANE_API int32_t OpenReaderA(const char* name, int32_t kind);
 
 /* Closes the current reader. 1 if it is closed now, also if it was before; 0 if it never was opened
- * or its library refuses. */
+ * or its library refuses. A card in a PC/SC reader is left as it is. */
 ORVANE_API int32_t CloseReader(void);
 
-/* Brings up the card and gives its ATR (ISO/IEC 7816-3) as hexadecimal text.
+/* Brings up the card and gives its ATR (ISO/IEC 7816-3) as hexadecimal text. On ReaderKindPcsc it
+ * reads the ATR and resets nothing: a verified PIN, the selected application and open keys outlast
+ * it, and a close and open as well. What ends them is to pull the card, or outside this library
+ * PC/SC's SCardReconnect with SCARD_UNPOWER_CARD, before OpenReaderA.
  *   atrHex  room for 1,025 characters; zero-terminated; the empty text for a reader without ATR;
  *           untouched when the result is 0 */
 ORVANE_API int32_t Reset(char* atrHex);

@@ -29,8 +29,8 @@ class SessionTest : public testing::Test {
  protected:
   // Runs statements, and goes on behind one that fails; gives what they say.
   std::string Run(const std::vector<std::string>& statements, const std::string& defaultReader = "",
-                  int32_t defaultKind = ReaderKindPcsc) {
-    Readers readers(defaultKind, false, defaultReader);
+                  int32_t defaultKind = ReaderKindPcsc, bool coldReset = false) {
+    Readers readers(defaultKind, false, defaultReader, coldReset);
     Secrets secrets;
     std::ostringstream shown;
     Trace trace(shown, {});
@@ -155,6 +155,24 @@ TEST_F(SessionTest, OpensAReaderAfreshThatTheServiceHasForgotten) {
     EXPECT_NO_THROW(readers.Open(kReader));
     winscard_.Restart();
   }
+}
+
+// Without it the card is as the session before has left it. Once is enough for each reader.
+TEST_F(SessionTest, PowersACardOffAndOnAtTheStart) {
+  const std::vector<std::string> read = {"@reset()", "00B0850001", "@compare(%SW,6A82,0)"};
+  const auto cold = [&](const std::vector<std::string>& statements, const std::string& reader) {
+    return Run(statements, reader, ReaderKindPcsc, true);
+  };
+  EXPECT_EQ(Run({"00A4040C08F04F5256414E4501"}, kReader), "");
+  EXPECT_EQ(Run(read, kReader), "");
+  EXPECT_NE(cold(read, kReader), "");
+  const std::string again = "@OPENREADER(" + std::string(kReader) + ")";
+  EXPECT_EQ(cold({"00A4040C08F04F5256414E4501", again, read[1], read[2]}, "3:1"), "");
+  EXPECT_EQ(cold({"@reset()"}, "3:2"),
+            "can't cold-reset the card in the reader port 2 (PC/SC): no card is in the reader\n");
+  EXPECT_EQ(cold({"@reset()"}, "5:COM1"),
+            "can't open the reader COM1 (D8): --cold-reset works through PC/SC alone, not with "
+            "readers of the kind D8\n");
 }
 
 TEST_F(SessionTest, TriesTheDefaultReaderAgainAfterAFailure) {
