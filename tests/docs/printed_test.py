@@ -34,7 +34,8 @@ def run(page, command, expected, cwd, env):
     if expected and (ends := re.fullmatch(r"exit code (\d+)", expected[-1])):
         code, expected = int(ends[1]), expected[:-1]
     if wine:
-        command = [*wine, *command.replace("orvane ", str(folder / "orvane.exe") + " ", 1).split()]
+        program, *arguments = command.split()
+        command = [*wine, folder / f"{program}.exe", *arguments]
     ran = subprocess.run(command, shell=not wine, cwd=cwd, env=env, stdin=subprocess.DEVNULL, text=True,
                          encoding="utf-8", errors="replace", stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     printed = ran.stdout.replace("\r\n", "\n")

@@ -268,7 +268,7 @@ TEST_F(Program, NoticesWhatCannotBeReadOrWritten) {
   WriteFile("script", "%A = 1\n");
   for (const std::string command :
        {"run script", "--help", "readers --simulate", "apdu --simulate 00A40000", "tlv 5A0141",
-        "tags import " ORVANE_SOURCE_FOLDER "/examples/tags.txt", "tags list", "tags find 4F"}) {
+        "tags import '" ORVANE_SOURCE_FOLDER "/examples/tags.txt'", "tags list", "tags find 4F"}) {
     const bool fills = std::filesystem::exists("/dev/full") && !command.starts_with("run");
     const Outcome outcome = RunOrvane(command + (fills ? " >/dev/full" : " >&-"));
     EXPECT_EQ(outcome.exitCode, 5) << command;

@@ -16,7 +16,7 @@ import threading
 import time
 
 PROGRAM = " ".join(map(shlex.quote, sys.argv[1:]))
-UNDER_WINE = PROGRAM.endswith(".exe")
+UNDER_WINE = sys.argv[-1].endswith(".exe")
 CTRL_C, CTRL_D, BACKSPACE = "\x03", "\x04", "\x7f"
 PROMPT = "orvane>"
 
