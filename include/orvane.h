@@ -17,10 +17,9 @@
  *    separators, and read in either case with blanks (0x20) skipped.
  *  - There are no threads and, but for the log files, no locks. Use the script functions from one
  *    thread at a time, and the reader functions from one thread at a time.
- *  - A maker's library or a crypto module that is called from in here may call back on the same
- *    thread, but not into what is running: RunScript inside RunScript gives ScriptException and the
- *    empty text, a reader function inside another one 0 (SendCommand with the empty text), and
- *    nothing changes. SetVarValue and GetVarValue work there too.
+ *  - A maker's library or a crypto module that calls back while it runs, on the same thread, is
+ *    refused: RunScript gives ScriptException and the empty text, a reader function 0 (SendCommand
+ *    with the empty text), and nothing changes. The other functions work there too.
  *  - Areas of one call don't overlap. These alone may begin at the same place: script and result of
  *    RunScript, cmdHex and respHex of SendCommand, text and output of URLDecode, AsciiToHex,
  *    ASCII2UTF_8 and UTF_82ASCII, stampText and out of GetTimeStrFromTimeStampStr.

@@ -9,8 +9,8 @@
  * whose entry can't be had fails; the others work.
  *
  * Rules for all entries:
- *  - They run on the thread of the script, one at a time. RunScript, called from inside one, gives
- *    1024 and the empty text; the other functions of Orvane work there.
+ *  - They run on the thread of the script, one at a time. Called from inside one, RunScript gives
+ *    1024 and the empty text, and the reader functions give 0; Orvane's other functions work there.
  *  - All areas belong to the caller and are valid during the call only. What the caller hands over
  *    to be read is not to be written to.
  *  - Counts are in octets. An octet string may be longer than its text had digits: blanks and

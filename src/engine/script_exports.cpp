@@ -4,15 +4,8 @@
 #include "orvane.h"
 #include "util/entrance.h"
 
-namespace {
-
-// A thread's own: one that ends in the middle of a statement shuts nobody else out.
-thread_local bool isRunning = false;
-
-}  // namespace
-
 std::int32_t RunScript(const char* script, char* result) {
-  const orvane::Entrance entrance(isRunning);
+  const orvane::Entrance entrance;
   if (!entrance) {
     std::memset(result, 0, orvane::kResultSize);
     return ScriptException;

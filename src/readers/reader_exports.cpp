@@ -23,14 +23,11 @@ std::uint32_t CurrentReader = 0;
 // never disturbs an open reader.
 std::array<CReaderTool*, kListingSlot + 1> ReaderSlots{};
 
-// A thread's own: one that ends in the middle of a call shuts nobody else out.
-thread_local bool isCalling = false;
-
-// A slot's tool for the length of one export. There is none if memory ran out, nor for an export
-// that is called from inside another one.
+// A slot's tool for the length of one export. There is none if memory ran out, nor for a call back
+// from a library that runs.
 class Tool {
  public:
-  explicit Tool(std::uint32_t index) : m_entrance(isCalling) {
+  explicit Tool(std::uint32_t index) {
     if (!m_entrance) return;
     CReaderTool*& slot = ReaderSlots[index];
     if (slot == nullptr) slot = new (std::nothrow) CReaderTool;
@@ -59,7 +56,8 @@ std::int32_t GetReaderList(std::int32_t kind, ReaderInfo* list, std::int32_t cou
 }
 
 std::int32_t SetReader(std::uint32_t index) {
-  if (isCalling || index >= kReaderSlots) return 0;
+  const orvane::Entrance entrance;
+  if (!entrance || index >= kReaderSlots) return 0;
   CurrentReader = index;
   return 1;
 }

@@ -4,21 +4,24 @@
 
 namespace orvane {
 
-// Lets one call at a time into what is not made for more. A library that such a call goes out to
-// may call back on the same thread: inside is set then, and that second call finds no way in.
+// Lets one call of a thread at a time into the script engine and the readers. A library that such a
+// call goes out to may call back on the same thread: that second call finds no way in.
 class Entrance {
  public:
-  explicit Entrance(bool& inside) : m_inside(std::exchange(inside, true) ? nullptr : &inside) {}
+  Entrance() : m_found(!std::exchange(s_isInside, true)) {}
   Entrance(const Entrance&) = delete;
   Entrance& operator=(const Entrance&) = delete;
   ~Entrance() {
-    if (m_inside != nullptr) *m_inside = false;
+    if (m_found) s_isInside = false;
   }
 
-  explicit operator bool() const { return m_inside != nullptr; }
+  explicit operator bool() const { return m_found; }
 
  private:
-  bool* m_inside;
+  // A thread's own: one that ends in the middle of a call shuts nobody else out.
+  inline static thread_local bool s_isInside = false;
+
+  const bool m_found;
 };
 
 }  // namespace orvane

@@ -239,7 +239,7 @@ TEST_F(ProviderCalls, ResultsAreShapedAndNeverTrusted) {
   }
 }
 
-TEST_F(ProviderCalls, RunNoOtherStatement) {
+TEST_F(ProviderCalls, RefuseStatementsAndReadersFromInsideACall) {
   static int callsBack;
   callsBack = 0;
   for (const std::string call : {"@des(%K8,11,1)", "@des(%K8,11,0)", "@mac(%K8,11,22,0)",
@@ -254,6 +254,7 @@ TEST_F(ProviderCalls, RunNoOtherStatement) {
       EXPECT_EQ(result, std::string(512, '\0'));
       EXPECT_EQ(SetVarValue("%SET", "11"), ScriptDone);
       EXPECT_EQ(GetVarValue("%SET"), ScriptDone);
+      EXPECT_EQ(SetReader(0), 0);
     });
     EXPECT_EQ(RunOne(statement), outcome) << statement;
     EXPECT_EQ(GetVarValue("%INNER"), ScriptUndefinedVariable);

@@ -117,9 +117,12 @@ TEST_F(ReaderSlots, RefuseCallsFromInsideACall) {
     EXPECT_EQ(CloseReader(), 0);
     EXPECT_EQ(SetReader(3), 0);
     ChangeSlot("00");
+    char text[512];
+    EXPECT_EQ(RunScript("%INNER = 1", text), ScriptException);
   });
   EXPECT_EQ(disturbed, undisturbed);
   EXPECT_EQ(callsBack, 9);
+  EXPECT_EQ(GetVarValue("%INNER"), ScriptUndefinedVariable);
 }
 
 Lines Ports(int kind, const std::string& prefix, int count) {
