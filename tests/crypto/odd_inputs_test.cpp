@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "crypto/default_provider.h"
@@ -142,28 +143,15 @@ TEST(OddInputs, RsaRefusesWhatIsNoNumberOrTooLarge) {
   const std::string zeros(1 << 20, '0');
   const std::string tooLong = longest + "F";
   const char *const n = "CA1", *const e = "11", *const m = "41", *const most = longest.c_str();
-  const char* const rows[][3] = {{"", e, m},
-                                 {n, "", m},
-                                 {n, e, ""},
-                                 {"CAG", e, m},
-                                 {n, "1-", m},
-                                 {n, e, "0x41"},
-                                 {"-CA1", e, m},
-                                 {"CA 1", e, m},
-                                 {"\xC3\x84", e, m},
-                                 {"0000", e, "0"},
-                                 {n, e, "CA1"},
-                                 {n, e, "CA2"},
-                                 {tooLong.c_str(), e, m},
-                                 {n, tooLong.c_str(), m},
-                                 {most, e, most},
-                                 {nullptr, e, m},
-                                 {n, nullptr, m},
-                                 {n, e, nullptr}};
+  std::vector<std::array<const char*, 3>> rows = {
+      {"0000", e, "0"}, {n, e, "CA1"}, {n, e, "CA2"}, {most, e, most}};
+  for (const char* none : {"", "CAG", "1-", "0x41", "-CA1", "CA 1", "\xC3\x84", tooLong.c_str(),
+                           static_cast<const char*>(nullptr)})
+    rows.insert(rows.end(), {{none, e, m}, {n, none, m}, {n, e, none}});
   const auto entry = kDefaultProvider.CryptoRsaPublic;
   const char* result = nullptr;
   for (const auto& row : rows)
-    EXPECT_EQ(entry(row[0], row[1], row[2], &result, 0), 0) << &row - rows;
+    EXPECT_EQ(entry(row[0], row[1], row[2], &result, 0), 0) << &row - rows.data();
   EXPECT_EQ(result, nullptr);
 
   ASSERT_EQ(entry((zeros + longest).c_str(), "1", "AB", &result, 0), 1);

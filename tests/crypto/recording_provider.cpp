@@ -1,6 +1,16 @@
-#include "tests/crypto/recording_provider.h"
-
+// A provider that computes nothing: it journals each call with all that crosses, and answers what a
+// test has prepared, with the functions of simulators/simulator.h.
+//
+// A journal line shows an area to be read as its octets, its count behind a slash, and behind a
+// plus sign what lies beyond the count up to the area's end, less the zeros there: 11+22/1. It
+// shows the value that a length has at the start in the hash and MAC entries. An output area is
+// journaled, as "dirty", only if it isn't all zero.
+//
+// A prepared answer's data goes to the output area, or is the text of CryptoRsaPublic, and its
+// length is the length to set; without data neither is touched. What is not prepared gives the
+// octets A1 B2, and from CryptoRsaPublic the text "0C3".
 #include <algorithm>
+#include <utility>
 
 #include "common/call.h"
 #include "src/commands/crypto_provider.h"
@@ -8,47 +18,32 @@
 namespace {
 
 using simulator::Answer;
+using simulator::Argument;
 using simulator::Call;
 using simulator::Octets;
 using simulator::ToHex;
 
-constexpr std::size_t kKeyArea = 32;
-constexpr std::size_t kDataArea = 256;
-constexpr std::size_t kIvArea = 16;
-constexpr std::size_t kResultArea = 256;
-constexpr std::size_t kHashArea = 4096;
-
-// A text of the journal without quotes.
-std::string Show(const std::uint8_t* area, std::int32_t count, std::size_t size) {
-  if (area == nullptr) return "null/" + std::to_string(count);
-  const std::span<const std::uint8_t> whole(area, size);
-  const auto counted = std::min(size, static_cast<std::size_t>(std::max(count, 0)));
-  auto beyond = whole.subspan(counted);
-  while (!beyond.empty() && beyond.back() == 0) beyond = beyond.first(beyond.size() - 1);
-  std::string text = ToHex(whole.first(counted));
-  if (!beyond.empty()) text.append("+").append(ToHex(beyond));
-  return text.append("/").append(std::to_string(count));
+template <std::size_t size>
+Argument Area(const std::uint8_t* area, std::int32_t count) {
+  std::string text = "null";
+  if (area != nullptr) {
+    const std::span<const std::uint8_t> whole(area, size);
+    const auto counted = std::min(size, static_cast<std::size_t>(std::max(count, 0)));
+    auto beyond = whole.subspan(counted);
+    while (!beyond.empty() && beyond.back() == 0) beyond = beyond.first(beyond.size() - 1);
+    text = ToHex(whole.first(counted));
+    if (!beyond.empty()) text.append("+").append(ToHex(beyond));
+  }
+  return text.append("/").append(std::to_string(count)).c_str();
 }
+constexpr auto Iv = Area<16>, Key = Area<32>, Data = Area<256>, Hashed = Area<4096>;
 
-bool IsDirty(const std::uint8_t* area, std::size_t size) {
-  return std::any_of(area, area + size, [](std::uint8_t octet) { return octet != 0; });
-}
-
-Answer TwoOctets() { return {1, Octets{0xA1, 0xB2}}; }
-
-void SetLength(const Answer& answer, std::int64_t written, std::int32_t* length) {
-  if (answer.length != RECORDING_SETS_NO_LENGTH) *length = static_cast<std::int32_t>(written);
-}
-
-// What the entries with a key have in common. The arguments are in the order of the entry.
-std::int32_t Record(const char* entry, std::initializer_list<std::string> areas,
-                    std::uint8_t* output, std::int32_t* outputBytes, std::int32_t mode) {
-  Call call(entry, {});
-  for (const std::string& area : areas) call.With(area.c_str());
-  call.With(mode);
-  if (IsDirty(output, kResultArea)) call.With("dirty");
-  const Answer answer = call.Ask(TwoOctets);
-  SetLength(answer, call.Write(answer, output, kResultArea), outputBytes);
+std::int32_t Record(const char* entry, std::initializer_list<Argument> arguments,
+                    std::uint8_t* output, std::size_t room, std::int32_t* length) {
+  Call call(entry, arguments);
+  if (std::any_of(output, output + room, [](int octet) { return octet != 0; })) call.With("dirty");
+  const Answer answer = call.Ask([] { return Answer{1, Octets{0xA1, 0xB2}}; });
+  if (answer.data) *length = static_cast<std::int32_t>(call.Write(answer, output, room));
   return call.Return<std::int32_t>(answer);
 }
 
@@ -60,51 +55,39 @@ SIMULATOR_API void SimulatorRestart(void) { simulator::ForgetCalls(); }
 
 SIMULATOR_API std::int32_t CryptoHash(const std::uint8_t* data, std::int32_t dataBytes,
                                       std::uint8_t** output, std::int32_t reserved,
-                                      std::int32_t* outputBytes) {
-  static std::uint8_t elsewhere[kHashArea];
-  Call call("CryptoHash", {Show(data, dataBytes, kHashArea).c_str(), reserved, *outputBytes});
-  const Answer answer = call.Ask(TwoOctets);
-  if (answer.length == RECORDING_POINTS_ELSEWHERE) {
-    *output = elsewhere;
-    *outputBytes = static_cast<std::int32_t>(answer.data->size());
-    std::copy(answer.data->begin(), answer.data->end(), elsewhere);
-  } else {
-    SetLength(answer, call.Write(answer, *output, kHashArea), outputBytes);
-  }
-  return call.Return<std::int32_t>(answer);
+                                      std::int32_t* length) {
+  static std::uint8_t elsewhere[4096] = {0xEE, 0xEE};  // of which nothing is ever read
+  std::uint8_t* const area = std::exchange(*output, elsewhere);
+  return Record("CryptoHash", {Hashed(data, dataBytes), reserved, *length}, area, 4096, length);
 }
 
-#define BLOCK_ENTRY(name)                                                      \
-  SIMULATOR_API std::int32_t name(                                             \
-      const std::uint8_t* iv, std::int32_t ivBytes, const std::uint8_t* key,   \
-      std::int32_t keyBytes, const std::uint8_t* data, std::int32_t dataBytes, \
-      std::uint8_t* output, std::int32_t* outputBytes, std::int32_t mode) {    \
-    return Record(#name,                                                       \
-                  {Show(iv, ivBytes, kIvArea), Show(key, keyBytes, kKeyArea),  \
-                   Show(data, dataBytes, kDataArea)},                          \
-                  output, outputBytes, mode);                                  \
+#define BLOCK_ENTRY(name)                                                                          \
+  SIMULATOR_API std::int32_t name(const std::uint8_t* iv, std::int32_t ivBytes,                    \
+                                  const std::uint8_t* key, std::int32_t keyBytes,                  \
+                                  const std::uint8_t* data, std::int32_t dataBytes,                \
+                                  std::uint8_t* output, std::int32_t* length, std::int32_t mode) { \
+    return Record(#name, {Iv(iv, ivBytes), Key(key, keyBytes), Data(data, dataBytes), mode},       \
+                  output, 256, length);                                                            \
   }
-
 BLOCK_ENTRY(CryptoBlockFlagged)
 BLOCK_ENTRY(CryptoBlockDefault)
 
 SIMULATOR_API std::int32_t CryptoSubKey(const std::uint8_t* key, std::int32_t keyBytes,
                                         const std::uint8_t* data, std::int32_t dataBytes,
-                                        std::uint8_t* output, std::int32_t* outputBytes,
+                                        std::uint8_t* output, std::int32_t* length,
                                         std::int32_t mode) {
-  return Record("CryptoSubKey", {Show(key, keyBytes, kKeyArea), Show(data, dataBytes, kDataArea)},
-                output, outputBytes, mode);
+  return Record("CryptoSubKey", {Key(key, keyBytes), Data(data, dataBytes), mode}, output, 256,
+                length);
 }
 
 SIMULATOR_API std::int32_t CryptoMac(const std::uint8_t* key, std::int32_t keyBytes,
                                      const std::uint8_t* data, std::int32_t dataBytes,
                                      const std::uint8_t* iv, std::int32_t ivBytes,
-                                     std::uint8_t* output, std::int32_t* outputBytes,
+                                     std::uint8_t* output, std::int32_t* length,
                                      std::int32_t mode) {
   return Record("CryptoMac",
-                {Show(key, keyBytes, kKeyArea), Show(data, dataBytes, kDataArea),
-                 Show(iv, ivBytes, kIvArea), std::to_string(*outputBytes)},
-                output, outputBytes, mode);
+                {Key(key, keyBytes), Data(data, dataBytes), Iv(iv, ivBytes), *length, mode}, output,
+                256, length);
 }
 
 SIMULATOR_API std::int32_t CryptoRsaPublic(const char* modulus, const char* exponent,
@@ -113,7 +96,7 @@ SIMULATOR_API std::int32_t CryptoRsaPublic(const char* modulus, const char* expo
   static std::string text;
   Call call("CryptoRsaPublic", {modulus, exponent, data, *output, reserved});
   const Answer answer = call.Ask([] { return Answer{1, simulator::FromText("0C3")}; });
-  if (answer.length != RECORDING_NULL_TEXT) {
+  if (answer.data) {
     text.assign(answer.data->begin(), answer.data->end());
     *output = text.c_str();
   }

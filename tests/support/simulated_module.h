@@ -11,7 +11,8 @@
 
 namespace support {
 
-// Loads the module at its start state and unloads it at the end of its own life. The functions are
+// Loads the module, of the build or of another folder, at its start state and unloads it at the end
+// of its own life. The functions are
 // those of simulators/simulator.h.
 //
 // A reader of the library that is bound to the module keeps it loaded as well, until a reader of
@@ -21,6 +22,7 @@ namespace support {
 class SimulatedModule {
  public:
   explicit SimulatedModule(const std::string& vendor);
+  SimulatedModule(const std::string& vendor, const std::filesystem::path& folder);
   SimulatedModule(SimulatedModule&& other) noexcept;
   SimulatedModule& operator=(SimulatedModule&&) = delete;
   ~SimulatedModule();
@@ -37,7 +39,6 @@ class SimulatedModule {
 
  private:
   friend SimulatedModule ModuleWithout(const std::string& vendor, const std::string& function);
-  SimulatedModule(const std::string& vendor, const std::filesystem::path& folder);
 
   template <typename Function>
   Function* Find(const char* name) const {

@@ -8,7 +8,7 @@ namespace orvane_test {
 namespace {
 
 // A host with keys of its own that comes to libgcrypt after the module.
-TEST(DefaultProvider, LeavesSecureMemoryToTheHost) {
+TEST(SecureMemory, IsLeftToTheHost) {
   ASSERT_NE(kDefaultProvider.CryptoHash, nullptr);
   EXPECT_EQ(RunOne("@strlen(@des(0123456789ABCDEF,11,1) @HASH(11) @RSAPUBENC(CA1,11,41))").text,
             "59");
