@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <iomanip>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -26,31 +24,31 @@ std::string operator""_octets(const char* text, std::size_t size) { return {text
 int Length(const std::string& text) { return static_cast<int>(text.size()); }
 
 TEST(Conversions, EscapeAndUnescape) {
-  const char* const rows[][2] = {{"", ""},
-                                 {"a b", "a%20b"},
-                                 {"a.b-_~", "a%2Eb%2D%5F%7E"},
-                                 {"09AZaz", "09AZaz"},
-                                 {"\x80\xFF\x01%", "%80%FF%01%25"}};
-  for (const auto& [text, escaped] : rows) {
+  const struct {
+    std::string escaped, text;
+    bool isGiven = true;  // by URLEncode
+  } rows[] = {{"", ""},
+              {"a%20b", "a b"},
+              {"a%2Eb%2D%5F%7E", "a.b-_~"},
+              {"09AZaz", "09AZaz"},
+              {"%80%FF%01%25", "\x80\xFF\x01%"},
+              {"a+b%21", "a b!", false},
+              {"%4a", "\x6A", false},
+              {"%a4", "\xA4", false},
+              {"%00x", "\0x"_octets, false},
+              {"%zz", "\x73", false},
+              {"%", "%", false},
+              {"x%4", "x%4", false},
+              {"%%41", "\xE4\x31", false}};
+  for (const auto& [escaped, text, isGiven] : rows) {
     Area out, back;
-    URLEncode(text, out.Text());
-    EXPECT_EQ(out.Written(), escaped);
-    URLDecode(escaped, back.Text());
+    if (isGiven) URLEncode(text.c_str(), out.Text());
+    EXPECT_EQ(out.Written(), isGiven ? escaped : "");
+    URLDecode(escaped.c_str(), back.Text());
     EXPECT_EQ(back.Written(), text);
     std::string area = escaped;  // in one area
     URLDecode(area.c_str(), area.data());
     EXPECT_TRUE(area.starts_with(text));
-  }
-}
-
-TEST(Conversions, UnescapeWithoutValidation) {
-  const std::string rows[][2] = {{"a+b%21", "a b!"},     {"%4a", "\x6A"},     {"%a4", "\xA4"},
-                                 {"%00x", "\0x"_octets}, {"%zz", "\x73"},     {"%", "%"},
-                                 {"x%4", "x%4"},         {"%%41", "\xE4\x31"}};
-  for (const auto& [text, expected] : rows) {
-    Area out;
-    URLDecode(text.c_str(), out.Text());
-    EXPECT_EQ(out.Written(), expected) << text;
   }
 }
 
@@ -94,11 +92,7 @@ TEST(Conversions, OfEveryOctetAtEveryLengthGoBothWays) {
     std::vector<unsigned char> octets(size);
     for (auto& octet : octets) octet = static_cast<unsigned char>(random());
     std::string text(2 * size, ' ');
-    std::ostringstream expected;
-    expected << std::hex << std::uppercase << std::setfill('0');
-    for (const int octet : octets) expected << std::setw(2) << octet;
     HexToAscii(octets.data(), text.data(), static_cast<int>(size));
-    ASSERT_EQ(text, expected.str());
     // Blanks may stand anywhere.
     for (int blanks = static_cast<int>(random() % 4); blanks > 0; --blanks) {
       text.insert(random() % text.size(), random() % 3, ' ');
@@ -162,17 +156,6 @@ TEST(Conversions, FromHexadecimalTextToIntegers) {
   }
 }
 
-TEST(Conversions, FromOctetsToIntegers) {
-  const unsigned char octets[] = {0x12, 0x34, 0x56, 0x78, 0x9A};
-  const int values[] = {-7, 0x12, 0x1234, 0x123456, 0x12345678, -7};
-  for (int count = -1; count <= 5; ++count) {
-    int value = -7;
-    const int expected = values[count < 0 ? 0 : count];
-    EXPECT_EQ(HexToInt(octets, &value, count), expected == -7 ? 0 : 1) << count;
-    EXPECT_EQ(value, expected) << count;
-  }
-}
-
 TEST(Conversions, FromIntegersToOctetsAndText) {
   const struct {
     int value;
@@ -186,13 +169,17 @@ TEST(Conversions, FromIntegersToOctetsAndText) {
               {-1, "\xFF\xFF\xFF\xFF"_octets, "FFFFFFFF"}};
   for (const auto& row : rows) {
     Area octets, text;
-    int count = 0, length = 0;
+    int count = 0, length = 0, back = -7;
     EXPECT_EQ(IntToHex(octets.Octets(), row.value, &count), 1);
     EXPECT_EQ(octets.bytes.substr(0, 4), row.octets);
+    EXPECT_EQ(HexToInt(octets.Octets() + 4 - count, &back, count), 1);
+    EXPECT_EQ(back, row.value);
     EXPECT_EQ(IntToHexStr(text.Text(), row.value, &length), 1);
     EXPECT_EQ(text.Written(), row.text);
     EXPECT_EQ(length, 2 * count);
     EXPECT_EQ(length, static_cast<int>(std::strlen(row.text)));
+    for (const int none : {-1, 0, 5}) EXPECT_EQ(HexToInt(octets.Octets(), &back, none), 0);
+    EXPECT_EQ(back, row.value);
   }
 }
 
