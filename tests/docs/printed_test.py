@@ -1,12 +1,16 @@
 #!/usr/bin/env python3
 """Runs what README.md and docs/ print: printed_test.py PLACE FOLDER [WINE]
 
+Commands stand in blocks of one of these kinds, and nowhere else.
+
 A block fenced as "console PLACE" holds commands, each behind "$ ", and what they print; a line "..."
 stands for any number of lines, and a command without such lines may print anything. A command ends
 with 0 unless its output says "exit code N". PLACE is where the reader stands:
   checkout   in the project's folder; FOLDER stands for build/default
   installed  in a folder of the reader's own, FOLDER being the prefix
-  zip        in FOLDER, where the zip was unpacked; WINE runs programs
+  zip        in FOLDER, where the zip was unpacked, at the prompt of WINE
+In a block "console PLACE reader" a reader and a card are needed: simulated ones stand in. Those of
+"console zip sh" are package_test.sh's. A block fenced as "sh" has scripts of the project, which take long.
 """
 import os
 import pathlib
@@ -34,8 +38,7 @@ def run(page, command, expected, cwd, env):
     if expected and (ends := re.fullmatch(r"exit code (\d+)", expected[-1])):
         code, expected = int(ends[1]), expected[:-1]
     if wine:
-        program, *arguments = command.split()
-        command = [*wine, folder / f"{program}.exe", *arguments]
+        command = [*wine, "cmd", "/c", command]
     ran = subprocess.run(command, shell=not wine, cwd=cwd, env=env, stdin=subprocess.DEVNULL, text=True,
                          encoding="utf-8", errors="replace", stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     printed = ran.stdout.replace("\r\n", "\n")
@@ -44,15 +47,36 @@ def run(page, command, expected, cwd, env):
         print(f"{page}: {command}\nexit code {ran.returncode}\n{printed}", file=sys.stderr)
 
 
+# Commands that stand where nothing runs them. One word and what it may be told, as in "orvane shell", is none.
+def strays(text):
+    tools = (r"(?:orvane|build/[^\s`]+|\.\.?[/\\][^\s`]+|cmake|ctest|cc|gcc|[^\s`]+-gcc|python3|pkg-config|xargs|mkdir|cp|copy|rm|"
+             r"sudo|apt)")
+    fences = re.compile(r"^```([^\n]*)\n(.*?)^```$", re.M | re.S)
+    for kind, block in fences.findall(text):
+        if kind == "sh":
+            yield from re.findall(r"^(?!script/).+", block, re.M)
+        elif not re.fullmatch("console (?:checkout|(?:installed|zip)(?: reader)?|zip sh)|c|cmake|orvane", kind):
+            yield f"```{kind}"
+    prose = fences.sub("", text)
+    yield from re.findall(rf"^(?: {{4,}}|\t)(?:\$ )?{tools} .*", prose, re.M)
+    yield from re.findall(rf"`{tools} [^ `]+ [^`]+`", prose)
+
+
 scratch = pathlib.Path(tempfile.mkdtemp())
 prefix = folder if place == "installed" else scratch / "prefix"
 cwd = {"checkout": root, "installed": scratch, "zip": folder}[place]
-env = dict(os.environ, NO_COLOR="1", PKG_CONFIG_PATH=f"{prefix}/lib/pkgconfig",
+env = dict(os.environ, NO_COLOR="1", LC_ALL="C.UTF-8", PKG_CONFIG_PATH=f"{prefix}/lib/pkgconfig",
            PATH=f"{prefix / 'bin'}:{os.environ['PATH']}")
 for page in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
-    for block in re.findall(rf"^```console {place}\n(.*?)^```$", page.read_text(), re.M | re.S):
+    text = page.read_text(encoding="utf-8")
+    for stray in strays(text):
+        failures += 1
+        print(f"{page.name}: not in a block that is run: {stray}", file=sys.stderr)
+    for reader, block in re.findall(rf"^```console {place}( reader)?\n(.*?)^```$", text, re.M | re.S):
         for command, output in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", block, re.M):
             command = command.replace("build/default", str(folder)).replace("FOLDER", str(prefix))
+            if reader:
+                command = re.sub(r"^orvane \w+", r"\g<0> --simulate", command)
             run(page.name, command, output.split("\n")[:-1], cwd, env)
 shutil.rmtree(scratch)
 print(f"{count} commands, {failures} failed")

@@ -76,6 +76,6 @@ cp -r orvane.exe orvane.dll orvane_crypto.dll simulators "$deep"
 "$root/script/wine" "$deep/orvane.exe" run --simulate -r 5:COM1 examples/payment.orv >out || fail "deep: $(cat out)"
 
 # The crypto module of the page in the default one's place.
-eval "$(grep -o '^ *x86_64-w64-mingw32-gcc .*' docs/crypto-module.md)"
+eval "$(sed -n 's/^\$ \(x86_64-w64-mingw32-gcc \)/\1/p' docs/crypto-module.md)"
 echo '@compare(@HASH(616263), BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD, 1)' >sha256.orv
 run run --simulate sha256.orv >out || fail "the example of a crypto module: $(cat out)"
