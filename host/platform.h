@@ -13,8 +13,8 @@ namespace host {
 // What differs between systems. All texts are UTF-8.
 
 // Opens standard input, output and error on the null device where they are closed, so that nothing
-// that is opened later takes their numbers. To ReadSome and WriteSome they stay closed. Call it
-// before anything else.
+// that is opened later takes their numbers: the input for writing, the others for reading, so that
+// to use them fails as before. Call it before anything else.
 void OpenStandardDescriptors();
 
 // A file for reading; -1, with the reason in errno, if it can't be opened.

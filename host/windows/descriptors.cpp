@@ -3,23 +3,12 @@
 #include <io.h>
 #include <windows.h>
 
-#include <array>
-#include <cerrno>
-
 #include "host/platform.h"
 #include "host/windows/console.h"
 #include "host/windows/wide.h"
 
 namespace host {
 namespace {
-
-std::array<bool, 3> wasClosed{};
-
-bool WasClosed(int descriptor) {
-  if (descriptor >= 3 || !wasClosed[static_cast<size_t>(descriptor)]) return false;
-  errno = EBADF;
-  return true;
-}
 
 bool IsOpen(int descriptor) {
   const HANDLE handle = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
@@ -31,8 +20,7 @@ bool IsOpen(int descriptor) {
 void OpenStandardDescriptors() {
   for (int descriptor = 0; descriptor < 3; ++descriptor) {
     if (IsOpen(descriptor)) continue;
-    wasClosed[static_cast<size_t>(descriptor)] = true;
-    const int null = _wopen(L"NUL", _O_RDWR);
+    const int null = _wopen(L"NUL", descriptor == 0 ? _O_WRONLY : _O_RDONLY);
     if (null == descriptor || null < 0) continue;
     _dup2(null, descriptor);
     _close(null);
@@ -48,13 +36,11 @@ int OpenFile(const std::string& name) {
 void CloseFile(int descriptor) { _close(descriptor); }
 
 std::ptrdiff_t ReadSome(int descriptor, char* area, size_t size) {
-  if (WasClosed(descriptor)) return -1;
   if (descriptor == 0 && IsConsole(0)) return ReadFromConsole(area, size);
   return _read(descriptor, area, static_cast<unsigned>(size));
 }
 
 std::ptrdiff_t WriteSome(int descriptor, std::string_view text) {
-  if (WasClosed(descriptor)) return -1;
   if (IsConsole(descriptor)) return WriteToConsole(descriptor, text);
   return _write(descriptor, text.data(), static_cast<unsigned>(text.size()));
 }
