@@ -10,6 +10,7 @@ import select
 import shlex
 import signal
 import socket
+import subprocess
 import sys
 import tempfile
 import threading
@@ -100,6 +101,15 @@ def interrupt_a_command():
             assert terminal.exit_code() == -signal.SIGINT
 
 
+def lose_input_in_the_middle():
+    # What reads from a terminal's other end is told of an error once nobody is at the terminal.
+    other_end, terminal = pty.openpty()
+    os.write(terminal, b"%A = 1\n")
+    os.close(terminal)
+    done = subprocess.run(sys.argv[1:] + ["run", "-"], stdin=other_end, capture_output=True)
+    assert done.returncode == 5 and b"can't read <stdin>: " in done.stderr and not done.stdout, done
+
+
 os.chdir(tempfile.mkdtemp())
 store, show, leave = (PROMPT, "%A = Müller中\r"), (PROMPT, "%A\r"), (PROMPT, "quit\r")
 run("exec {} shell", (PROMPT, "@compare(1,2,1)\r"), ("FAIL", ""), leave)
@@ -109,6 +119,7 @@ else:
     run("exec {} shell", store, (PROMPT, "%A = 12"), ("12", CTRL_C), show, ("Müller中", ""),
         (PROMPT, CTRL_D), ("\n", ""))
     interrupt_a_command()
+    lose_input_in_the_middle()
     run("{} shell | tee log", (PROMPT, "%A = 1x" + BACKSPACE + "2\r"), show, ("=    12", CTRL_D))
     log = open("log").read()
     assert "%A = 12\n" in log and "=    12\n" in log, log
