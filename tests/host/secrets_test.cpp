@@ -64,10 +64,12 @@ TEST(Secrets, ShowInNothingThatLedToThem) {
       {"",
        "%A = FF82000006 4711FFFFFFFF\n%B = 00DB3FFF04 4D024711\n%C = 00DB3FFF04 5C02 7E00\n",
        {"%A = **\n", "%B = **\n", "%C = 00DB"}},
-      {"", "%PIN = 3:4711\n@openreader(%PIN)\n", {"@openreader failed"}},
+      {"", "%Puk = 3:4711\n@openreader(%Puk)\n", {"@openreader failed"}},
       {"", "%PIN = 4711\n@setreader(%PIN)\n", {"@setreader failed"}},
       {"", "%PIN = 4711\n@setslot(%PIN)\n", {"@setslot failed"}},
-      {"", "%A = 6F258408F0\n@compare(%A,6F258408F1,0)\n", {"6F258408F0 is not 6F258408F1"}},
+      {"",
+       "%A = 6F258408F0AB\n@compare(%A,6F258408F0AC,0)\n",
+       {"6F258408F0AB is not 6F258408F0AC"}},
   };
   for (const auto& row : rows) {
     host_test::WriteFile("script", row.script);
@@ -76,9 +78,19 @@ TEST(Secrets, ShowInNothingThatLedToThem) {
     EXPECT_FALSE(host_test::Shows(all, "4711") || host_test::Shows(all, "47 11")) << all;
     for (const std::string& text : row.shown) EXPECT_TRUE(host_test::Shows(all, text)) << all;
   }
-  const std::string shell =
-      host_test::RunOrvane("shell --simulate", "%P = 244711\n0020008003 %P\n%P\n%Q = %P 00\n").out;
-  EXPECT_EQ(shell.find("4711"), shell.rfind("4711")) << shell;
+  // Only where they are typed, and where they are asked for.
+  for (const std::string arguments :
+       {"shell --simulate", "apdu --simulate 002000800824471156FFFFFF", "apdu --simulate -"}) {
+    const bool shell = arguments.starts_with("shell");
+    const char* const input =
+        shell ? "%P = 244711\n0020008003 %P\n%P\n%Q = %P 00\n" : "0020008003244711\n";
+    std::string out = host_test::RunOrvane(arguments, input).out;
+    std::erase(out, ' ');
+    EXPECT_EQ(out.find("4711"), shell ? out.rfind("4711") : out.npos) << out;
+  }
+  host_test::WriteFile("script", "0020008003244711\n");
+  const std::string shown = host_test::RunOrvane("run --simulate --show-secrets script").out;
+  EXPECT_TRUE(host_test::Shows(shown, "24 47 11")) << shown;
 }
 
 TEST(Secrets, LeaveTheHeaderOfAMaskedStatement) {
