@@ -17,7 +17,6 @@ class PackedRecord {
   // With zeros behind the texts, which fit their fields.
   PackedRecord(std::string_view tag, std::string_view shortText, std::string_view longText);
 
-  // Its place in memory is that of the object's.
   const char* Tag() const { return octets_.c_str(); }
   TagdictData Unpack() const;
 

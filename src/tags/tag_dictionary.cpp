@@ -1,9 +1,9 @@
 #include "tags/tag_dictionary.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
-#include <utility>
 
 #include "platform/input_file.h"
 #include "platform/replace_file.h"
@@ -18,80 +18,69 @@ unsigned char Upper(char c) {
   return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
 }
 
-}  // namespace
-
-bool TagDictionary::AnyCaseOrder::operator()(const char* left, const char* right) const {
-  for (; *left != '\0' && Upper(*left) == Upper(*right); ++left) ++right;
-  return Upper(*left) < Upper(*right);
-}
-
-TagDictionary::Table::Table(std::list<PackedRecord> list) : records(std::move(list)) {
-  for (auto record = records.begin(); record != records.end(); ++record) {
-    index.emplace_hint(index.end(), record->Tag(), record);  // files are often in order
+bool IsSameInAnyCase(const char* left, const char* right) {
+  for (; Upper(*left) == Upper(*right); ++left, ++right) {
+    if (*left == '\0') return true;
   }
+  return false;
 }
 
-void TagDictionary::Table::Append(Table&& other) {
-  records.splice(records.end(), other.records);
-  if (index.empty()) index.swap(other.index);
-  index.merge(other.index);
-}
+}  // namespace
 
 bool TagDictionary::Load() {
   if (loaded_) return true;
   platform::InputFile file(kFileName);
   if (!file) return true;
-  Table table(ReadRecords(file));
+  std::list<PackedRecord> records = ReadRecords(file);
   if (file.Failed()) return false;
-  table_.Append(std::move(table));
+  records_.splice(records_.end(), records);
   loaded_ = true;
   return true;
 }
 
 bool TagDictionary::Save() {
   std::string image;
-  AppendCount(image, static_cast<std::int32_t>(table_.records.size()));
-  for (const PackedRecord& record : table_.records) AppendRecord(image, record.Unpack());
+  AppendCount(image, static_cast<std::int32_t>(records_.size()));
+  for (const PackedRecord& record : records_) AppendRecord(image, record.Unpack());
   if (!platform::ReplaceFileContents(kFileName, image)) return false;
   loaded_ = true;  // what stands in the file now is here already
   return true;
 }
 
 std::int32_t TagDictionary::Copy(TagdictData* records) const {
-  for (const PackedRecord& record : table_.records) *records++ = record.Unpack();
-  return static_cast<std::int32_t>(table_.records.size());
+  for (const PackedRecord& record : records_) *records++ = record.Unpack();
+  return static_cast<std::int32_t>(records_.size());
 }
 
 const PackedRecord* TagDictionary::Find(const char* tag) const {
-  const auto [first, end] = table_.index.equal_range(tag);
-  return first == end ? nullptr : &*first->second;
+  for (const PackedRecord& record : records_) {
+    if (IsSameInAnyCase(record.Tag(), tag)) return &record;
+  }
+  return nullptr;
 }
 
 bool TagDictionary::Add(const TagdictData& record) {
-  Table added({PackedRecord(record)});
-  if (Find(added.records.front().Tag()) != nullptr) return false;
-  table_.Append(std::move(added));
+  std::list added = {PackedRecord(record)};
+  if (Find(added.front().Tag()) != nullptr) return false;
+  records_.splice(records_.end(), added);
   return true;
 }
 
 bool TagDictionary::Delete(const char* tag) {
-  const auto [first, end] = table_.index.equal_range(tag);
-  for (auto entry = first; entry != end; ++entry) {
-    if (std::strcmp(entry->first, tag) != 0) continue;
-    const auto record = entry->second;
-    table_.index.erase(entry);
-    table_.records.erase(record);
-    return true;
-  }
-  return false;
+  const auto found = std::find_if(
+      records_.begin(), records_.end(),
+      [tag](const PackedRecord& record) { return std::strcmp(record.Tag(), tag) == 0; });
+  if (found == records_.end()) return false;
+  records_.erase(found);
+  return true;
 }
 
 bool TagDictionary::Update(const TagdictData& record) {
-  Table added({PackedRecord(record)});  // before anything is deleted: this alone can fail
-  const char* const tag = added.records.front().Tag();
+  std::list added = {PackedRecord(record)};  // before anything is deleted: this alone can fail
+  const char* const tag = added.front().Tag();
   Delete(tag);
   if (Find(tag) != nullptr) return false;
-  table_.Append(std::move(added));
+  records_.splice(records_.end(), added);
   return true;
 }
 

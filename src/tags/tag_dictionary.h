@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <list>
-#include <map>
 
 #include "orvane.h"
 #include "tags/packed_record.h"
@@ -36,22 +35,7 @@ class TagDictionary {
   bool Update(const TagdictData& record);
 
  private:
-  // Texts in the order of their octets, lower-case letters counting as upper-case ones.
-  struct AnyCaseOrder {
-    bool operator()(const char* left, const char* right) const;
-  };
-
-  // The records, and where each stands. Under one tag, the index keeps their order.
-  struct Table {
-    Table() = default;
-    explicit Table(std::list<PackedRecord> list);
-    void Append(Table&& other);  // allocates nothing
-
-    std::list<PackedRecord> records;
-    std::multimap<const char*, std::list<PackedRecord>::iterator, AnyCaseOrder> index;
-  };
-
-  Table table_;
+  std::list<PackedRecord> records_;
   bool loaded_ = false;
 };
 
