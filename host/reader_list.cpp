@@ -20,13 +20,20 @@ bool KnowsItsReaders(int32_t kind) {
   return kind == ReaderKindTyUsb || kind == ReaderKindPcsc || kind == ReaderKindBsit;
 }
 
+// Opening hands the library one less than the number of a TY key, which is listed by the library's
+// index.
+std::string Address(int32_t kind, const std::string& listed) {
+  if (kind != ReaderKindTyUsb) return Printable(listed);
+  return "USB" + std::to_string(std::stoi(listed.substr(3)) + 1) + "  listed as " + listed;
+}
+
 size_t PrintKind(std::ostream& out, int32_t kind, int32_t ports) {
   // The names that the library lists for encryption machines open nothing.
   const std::vector<std::string> names =
       kind == ReaderKindTcp ? std::vector<std::string>{"ADDRESS:PORT"} : ListReaders(kind, ports);
   for (const std::string& name : names) {
-    out << std::left << std::setw(kNameWidth) << KindName(kind) << kind << ':' << Printable(name)
-        << '\n';
+    out << std::left << std::setw(kNameWidth) << KindName(kind) << kind << ':'
+        << Address(kind, name) << '\n';
   }
   return names.size();
 }

@@ -2,8 +2,9 @@
  * A simulated tykeyint: two keys, the first one with the virtual card in it, the second one without
  * a card.
  *
- * TYKey_OpenTYKey counts the keys from 0. In the table of TYKey_Status a key stands one place
- * further on, in 1 and 2, so that a key opens under the number that it is listed with.
+ * A key has one index, from 0 on, in the table of TYKey_Status and in TYKey_OpenTYKey. So Orvane,
+ * which hands over one less than the number that is opened, lists the first key as USB0 and opens
+ * it as USB1.
  *
  * The journal shows status words in hexadecimal. SimulatorRestart forgets the handles. These are
  * negative numbers of 32 bits widened with their sign: a caller who widens them otherwise is found
@@ -44,7 +45,7 @@ SIMULATOR_API int32_t TYKey_Status(uint8_t* table) {
   Call call("TYKey_Status", {});
   const Answer answer = call.Ask([] {
     simulator::Octets keys(kTableSize);
-    for (size_t key = 0; key < kKeys; ++key) keys[key + 1] = 1;
+    for (size_t key = 0; key < kKeys; ++key) keys[key] = 1;
     return Answer{0, keys};
   });
   call.Write(answer, table, kTableSize);

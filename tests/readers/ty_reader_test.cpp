@@ -51,7 +51,7 @@ TEST_F(TyUsbReader, ListsTheKeysThatAreThere) {
     EXPECT_EQ(List(ReaderKindTyUsb, 0, row.max), row.expected) << row.table << ' ' << row.max;
     EXPECT_EQ(NewCallsWithoutResults(), "TYKey_Change()\nTYKey_Status()\n");
   }
-  EXPECT_EQ(List(ReaderKindTyUsb, 0, 0), two);
+  EXPECT_EQ(List(ReaderKindTyUsb, 0, 0), (Lines{"1 1 0 USB0", "1 1 1 USB1"}));
 }
 
 }  // namespace
