@@ -7,14 +7,17 @@
  * into variables with SetVarValue. The script engine never touches a reader by itself.
  *
  * Rules for all functions:
- *  - Texts are zero-terminated bytes. The engine's own messages are UTF-8. On Windows names of
- *    readers, in and out, and paths of log files are in the ANSI code page; statements and values
- *    of variables are bytes that nobody converts.
+ *  - Texts are zero-terminated bytes. The engine's own messages are UTF-8. Names of readers, in and
+ *    out, and paths of log files are in the ANSI code page on Windows; elsewhere they are the bytes
+ *    that the maker's library or the system knows, and the listed names of ReaderKindTcp are in the
+ *    locale's character set. All other texts are bytes that nobody converts.
  *  - Every buffer belongs to the caller and is only used during the call. No function is told the
  *    size of an output buffer: each comment says how much room it needs.
  *  - Pointers are not checked; unless a comment says otherwise they must not be null.
  *  - Hexadecimal text is two digits an octet, high digit first. It is written in upper case without
- *    separators, and read in either case with blanks (0x20) skipped.
+ *    separators, and read in either case with blanks (0x20) skipped. Names of variables, of script
+ *    commands and in FindTagdictData are the same in either case, a to z alone; all other texts,
+ *    names of readers as well, keep theirs apart.
  *  - There are no threads and, but for the log files, no locks. Use the script functions from one
  *    thread at a time, and the reader functions from one thread at a time.
  *  - A maker's library or a crypto module that calls back while it runs, on the same thread, is
@@ -63,9 +66,9 @@ extern "C" {
  * memory or crypto module, with a value above 16 MiB, and inside 128 other commands. It then leaves
  * a message or nothing, and those of its arguments that it has not read are operands of the
  * statement, which goes on and keeps its code. So a text with code 1 may hold a message, in upper
- * case like the rest: 00B0VAR "%X" NOT DEFINE . A host tells by the characters: a command is
- * hexadecimal throughout. What unread arguments leave may be so too: let scripts compare the length
- * of what they have computed.
+ * case like the rest: 00B0VAR "%X" NOT DEFINE . A host tells by the characters, and sends nothing
+ * else: a command is hexadecimal throughout, in whole octets, four at least. What unread arguments
+ * leave may be so too: let scripts compare the length of what they have computed.
  */
 
 /* What a statement turned out to be: the codes of RunScript for a statement that ran to its end.
@@ -131,8 +134,8 @@ ORVANE_API int32_t GetVarValue(const char* name);
 
 /* What stands behind a reader. A library is looked for by this name: the file NAME.dll on Windows,
  * libNAME.so elsewhere, first by the bare name, then in the folder that this library was loaded
- * from. A library that the host has already loaded, by its own name or its file's, is the one that
- * is used. */
+ * from; WD's in that folder alone. Any other library that the host has already loaded, by its own
+ * name or its file's, is the one that is used. */
 enum ReaderKind {
   ReaderKindTyUsb = 1,    /* tykeyint.dll */
   ReaderKindTyCom = 2,    /* tyreader.dll */
@@ -142,7 +145,7 @@ enum ReaderKind {
   ReaderKindFm8201 = 6,   /* no library and no reader: never opens, and answers commands with "" */
   ReaderKindS5009 = 7,    /* S5009.dll */
   ReaderKindS5009Ats = 8, /* S5009.dll; Reset gives the ATS */
-  ReaderKindTcp = 10,     /* an encryption machine; its name is IPv4-ADDRESS:PORT */
+  ReaderKindTcp = 10,     /* a payment HSM; its name is IPv4-ADDRESS:PORT */
   ReaderKindIcr = 11,     /* sdtapi.dll: identity cards */
   ReaderKindBsit = 12     /* STJZZ_BSIT.dll */
 };
@@ -152,16 +155,20 @@ typedef struct ReaderInfo {
   int32_t kind;     /* as the driver reports it: ReaderKindS5009 for both S5009 kinds */
   int32_t hasPort;  /* 1: port is a port number. 0: the reader is known by its name alone */
   int32_t port;     /* for OpenReader, but for the kinds 10 and 11; 0 if hasPort is 0 */
-  char name[256];   /* zero-terminated; for OpenReaderA, but for kind 10 */
+  char name[256];   /* zero-terminated; for OpenReaderA, but for kind 10, whose listed names open
+                       nothing: an address does */
   int32_t reserved; /* 0 */
 } ReaderInfo;
 
 /* Lists the readers of one kind and gives the number of records written; 0 for a kind that does not
  * exist. The kinds 1, 3 and 12 ask their library, and give 0 when it can't be had; the others list
  * the same ports with and without it. Kind 0, which no reader has, may list the kind listed before.
- * Open readers are not disturbed.
+ * Open readers are not disturbed. ReaderKindTyUsb lists a key by its index in the library's table,
+ * from 0 on, and opening hands the library one less than the number in the name or the port: where
+ * the library opens by the same index, the key listed as USB0 opens as USB1.
  *   list   room for max records if max is above 0 and the kind honours it (1, 2, 3, 7, 8, 11), else
- *          for count + 1 records or 16, whichever is more
+ *          for count + 1 records or 16, whichever is more. 32 records hold every list with a count
+ *          of at most 31 and a max of at most 32
  *   count  how many ports to offer, for the kinds whose ports can't be asked for (2, 5, 7, 8, 10,
  *          11); 5 and 10 stop at 16 records, 5 and 11 add one record for their USB reader
  *   max    the most records wanted, if above 0; 3 takes 16 otherwise */
@@ -172,22 +179,25 @@ ORVANE_API int32_t SetReader(uint32_t index);
 
 /* Opens the current reader by port. The baud rate is not read by any driver: pass 9600.
  * Opening a kind other than the one in place closes what was open first; opening the same kind
- * again does not. A kind that does not exist empties the place and gives 0. Do that with -1: a
- * driver whose kind never opened may count as kind 0, and stays. */
+ * again does not. PC/SC connects in shared mode and takes no transaction: other programs may use
+ * the card between two commands. A kind that does not exist empties the place and gives 0. Do that
+ * with -1: a driver whose kind never opened may count as kind 0, and stays. */
 ORVANE_API int32_t OpenReader(int32_t port, int32_t kind, int32_t baud);
 
 /* Opens the current reader by name, as GetReaderList gives it. Otherwise like OpenReader. A PC/SC
  * reader opens without a card; Reset then finds a card that comes later. */
 ORVANE_API int32_t OpenReaderA(const char* name, int32_t kind);
 
-/* Closes the current reader. 1 if it is closed now, also if it was before; 0 if it never was opened
- * or its library refuses. A card in a PC/SC reader is left as it is. */
+/* Closes the current reader. 1 if it is closed now, also if it was before. 0 while no open call has
+ * put a driver in the place, and where the library of kind 4 or 11 refuses; kind 11 asks its
+ * library in every call. A card in a PC/SC reader is left as it is. */
 ORVANE_API int32_t CloseReader(void);
 
 /* Brings up the card and gives its ATR (ISO/IEC 7816-3) as hexadecimal text. On ReaderKindPcsc it
  * reads the ATR and resets nothing: a verified PIN, the selected application and open keys outlast
  * it, and a close and open as well. What ends them is to pull the card, or outside this library
- * PC/SC's SCardReconnect with SCARD_UNPOWER_CARD, before OpenReaderA.
+ * PC/SC's SCardReconnect with SCARD_UNPOWER_CARD, before OpenReaderA. ReaderKindWd gives the reply
+ * to the command 00 12 00 00 00 instead, with its status word.
  *   atrHex  room for 1,025 characters; zero-terminated; the empty text for a reader without ATR;
  *           untouched when the result is 0 */
 ORVANE_API int32_t Reset(char* atrHex);
@@ -199,17 +209,24 @@ ORVANE_API void ChangeSlot(const char* slotHex);
 
 /* Sends a command APDU (ISO/IEC 7816-4) to the card and gives its response.
  *   cmdHex   hexadecimal text of at most 8,192 characters
- *   hexLen   its length in characters. Half of it, rounded down, is the number of octets sent: what
- *            blanks take away goes out as trailing zeros, so pass the text without blanks. Below 0
- *            counts as 0; above 8,192 gives 0 and the empty text
+ *   hexLen   its length in characters. Half of it, rounded down, is the number of octets sent. Any
+ *            character that is neither digit nor blank ends the text, and zeros go out for what is
+ *            left, also for what blanks take away: 00A4Z40000 goes out as 00A4000000, which selects
+ *            the MF. So pass digits alone. Below 0 counts as 0; above 8,192 gives 0 and the empty
+ *            text
  *   respHex  room for 8,193 characters; zero-terminated and written in every case
  * 1 on status word 9000. A status word 61xx is followed up with one GET RESPONSE. With any other
  * status word the result is 0 and respHex holds the first two octets of the reply: that word, if no
- * data stands before it; 0000 if the kinds 1, 2 and 4 had no reply. It is empty when there was no
- * answer.
+ * data stands before it; 0000 if the kinds 1, 2 and 4 had no reply, as 1 and 2 have none when
+ * closed. It is empty when there was no answer. Data in front of 61xx are dropped when the GET
+ * RESPONSE succeeds.
  * After success the kinds 3, 5 and 12 give the data without the status word, or 9000 where there is
  * no data; the kinds 4, 7 and 8 give the data and the status word; 1 and 2 give what their library
- * replied. */
+ * replied, perhaps nothing. The kinds 6, 10 and 11 have no status word: 10 gives 1 and what came, 6
+ * and 11 give 1 and the empty text.
+ * A command with an extended length goes out where its reader takes that many octets; an answer has
+ * at most 256 octets, the status word among them but for the kinds 1 and 2 (128 for 7 and 8; 4,096
+ * for 10). */
 ORVANE_API int32_t SendCommand(const char* cmdHex, int32_t hexLen, char* respHex);
 
 /* ---- Conversions -----------------------------------------------------------------------------
@@ -401,8 +418,9 @@ typedef struct TagdictData {
 } TagdictData;
 
 /* Copies the whole list, in its order: that of the file, then as added. Gives 1.
- *   records  room for every record; there is no other way to ask for their number
- *   count    their number, 0 for an empty list */
+ *   records  room for every record; there is no other way to ask for their number. A record takes
+ *            three octets of the file at least: (size of the file - 4) / 3 records hold those of
+ * the file, and those added since come on top count    their number, 0 for an empty list */
 ORVANE_API int32_t GetTagdict(TagdictData* records, int32_t* count);
 
 /* Copies the first record whose tag is the same in either case. 1, or 0 with out untouched. */

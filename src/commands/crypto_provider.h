@@ -52,12 +52,15 @@ typedef int32_t (*CryptoBlockEntry)(const uint8_t* iv, int32_t ivBytes, const ui
                                     int32_t keyBytes, const uint8_t* data, int32_t dataBytes,
                                     uint8_t* output, int32_t* outputBytes, int32_t mode);
 
-/* @SUBKEY(key, data): derives a key from a master key. Parameters and duties as above. */
+/* @SUBKEY(key, data): derives a card's key from a master key (diversification). Parameters and
+ * duties as above. The default module: EMV Book 2, A1.4.1 (option A), without setting parity. */
 typedef int32_t (*CryptoSubKeyEntry)(const uint8_t* key, int32_t keyBytes, const uint8_t* data,
                                      int32_t dataBytes, uint8_t* output, int32_t* outputBytes,
                                      int32_t mode);
 
-/* @mac(key, data, iv, flag). With flag "1" the script gets the first four octets of the output.
+/* @mac(key, data, iv, flag). The default module: ISO/IEC 9797-1, padding method 2, algorithm 1 with
+ * 8 octets of key and algorithm 3 (the retail MAC, ANSI X9.19) with more; with 24 octets K1 chains
+ * and K2 and K3 end it. With flag "1" the script gets the first four octets of the output.
  * Parameters as above, but that outputBytes is 0 at the start. The returned value is not looked
  * at. */
 typedef int32_t (*CryptoMacEntry)(const uint8_t* key, int32_t keyBytes, const uint8_t* data,
