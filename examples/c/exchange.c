@@ -29,11 +29,29 @@ static void Fail(const char* what, const char* text) {
   exit(1);
 }
 
+/* 32 records hold every list that asks for no ports and for at most 32. */
+static void ListReaders(void) {
+  ReaderInfo list[32];
+  const int count = GetReaderList(ReaderKindPcsc, list, 0, 32);
+  for (int at = 0; at < count; ++at) printf("reader %s\n", list[at].name);
+}
+
+/* Edits the tag dictionary in memory; FlushTagdict would write it to dictdata.bin in the current
+ * folder. */
+static void NoteTag(const char* tag, const char* meaning) {
+  TagdictData entry = {0};
+  snprintf(entry.tag, sizeof entry.tag, "%s", tag);
+  snprintf(entry.shortText, sizeof entry.shortText, "%s", meaning);
+  if (!UpTagdictData(&entry) || !FindTagdictData(tag, &entry)) Fail("can't note", tag);
+  printf("tag %s %s\n", entry.tag, entry.shortText);
+}
+
 /* The library looks for the PC/SC module when a reader is opened, and takes what is loaded under
  * its name by then. Without this call a real PC/SC reader would be looked for; the name of the
  * simulated one makes sure that none is opened. */
 static void OpenSimulatedReader(void) {
   if (!LoadSimulator()) Fail("can't load", SIMULATOR);
+  ListReaders();
   if (!OpenReaderA("Simulated Reader 0", ReaderKindPcsc)) Fail("can't open", "Simulated Reader 0");
 }
 
@@ -44,8 +62,8 @@ static void ResetCard(void) {
   SetVarValue("%ATR", atr);
 }
 
-/* A PC/SC reader answers with the data, or with 9000 where there is none; with any other status
- * word, that word is all there is. */
+/* A PC/SC reader answers with the data, or with 9000 where there is none. Without success it gives
+ * the first two octets of what came: the status word, unless data stood before it. */
 static void Send(const char* command) {
   char answer[8193];
   const char *data = "", *statusWord = "9000";
@@ -59,6 +77,7 @@ static void Send(const char* command) {
   printf(">>  %s\n", command);
   if (!SendCommand(command, length, answer)) {
     if (answer[0] == '\0') Fail("no answer", command);
+    if (strcmp(answer, "9000") == 0) Fail("no status word", command);
     statusWord = answer;
   } else if (strcmp(answer, "9000") != 0) {
     data = answer;
@@ -108,5 +127,6 @@ int main(int count, char** arguments) {
   }
   fclose(script);
   CloseReader();
+  NoteTag("5F20", "Cardholder Name");
   return 0;
 }

@@ -9,6 +9,7 @@ using System;
 using System.IO;
 using System.Linq;
 using System.Runtime.InteropServices;
+using System.Text;
 
 static class Exchange
 {
@@ -20,9 +21,11 @@ static class Exchange
             // The library looks for the PC/SC module when a reader is opened, and takes what is
             // loaded under its name by then.
             NativeLibrary.Load(Path.GetFullPath(arguments[1]));
+            ListReaders();
             Need(Orvane.OpenReaderA("Simulated Reader 0", ReaderKind.Pcsc), "open Simulated Reader 0");
             File.ReadLines(arguments[0]).All(Run);
             Orvane.CloseReader();
+            NoteTag("5F20", "Cardholder Name");
             return 0;
         }
         catch (Exception failure)
@@ -30,6 +33,26 @@ static class Exchange
             Console.Error.WriteLine(failure.Message);
             return 1;
         }
+    }
+
+    /// <summary>32 records hold every list that asks for no ports and for at most 32.</summary>
+    static void ListReaders()
+    {
+        var list = new ReaderInfo[32];
+        int count = Orvane.GetReaderList(ReaderKind.Pcsc, list, 0, list.Length);
+        foreach (var reader in list.Take(count)) Console.WriteLine("reader " + Orvane.Name(reader.Name));
+    }
+
+    /// <summary>Edits the tag dictionary in memory; FlushTagdict would write it to dictdata.bin in
+    /// the current folder.</summary>
+    static void NoteTag(string tag, string meaning)
+    {
+        var entry = new TagdictData { Tag = new byte[20], ShortText = new byte[200], LongText = new byte[1024] };
+        Encoding.UTF8.GetBytes(tag).CopyTo(entry.Tag, 0);
+        Encoding.UTF8.GetBytes(meaning).CopyTo(entry.ShortText, 0);
+        Need(Orvane.UpTagdictData(ref entry), "note " + tag);
+        Need(Orvane.FindTagdictData(tag, out entry), "find " + tag);
+        Console.WriteLine("tag " + Orvane.Text(entry.Tag) + " " + Orvane.Text(entry.ShortText));
     }
 
     /// <summary>Runs one statement and does what it asks of its host.</summary>
@@ -72,8 +95,9 @@ static class Exchange
         Orvane.SetVarValue("%ATR", Orvane.Text(atr));
     }
 
-    /// <summary>A PC/SC reader answers with the data, or with 9000 where there is none; with any
-    /// other status word, that word is all there is.</summary>
+    /// <summary>A PC/SC reader answers with the data, or with 9000 where there is none. Without
+    /// success it gives the first two octets of what came: the status word, unless data stood before
+    /// it.</summary>
     static void Send(string command)
     {
         // Where a variable is not defined the text is a message: nothing of it may reach a card. A
@@ -85,7 +109,8 @@ static class Exchange
         var buffer = new byte[8193];
         bool done = Orvane.SendCommand(command, command.Length, buffer) == 1;
         string answer = Orvane.Text(buffer);
-        Need(answer.Length, "get an answer to " + command);
+        Need(done ? 1 : answer.Length, "get an answer to " + command);
+        Need(done || answer != "9000" ? 1 : 0, "tell the status word of " + command);
         string statusWord = done ? "9000" : answer;
         string data = answer == statusWord ? "" : answer;
         Console.WriteLine("<<  " + (data == "" ? statusWord : data + " " + statusWord));

@@ -31,6 +31,10 @@ const CloseReader = library.func('int32_t CloseReader()');
 const Reset = library.func('int32_t Reset(_Out_ uint8_t* atrHex)');
 const SendCommand = library.func(
   'int32_t SendCommand(const char* cmdHex, int32_t hexLen, _Out_ uint8_t* respHex)');
+const GetReaderList = library.func(
+  'int32_t GetReaderList(int32_t kind, _Out_ uint8_t* list, int32_t count, int32_t max)');
+const UpTagdictData = library.func('int32_t UpTagdictData(const uint8_t* record)');
+const FindTagdictData = library.func('int32_t FindTagdictData(const char* tag, _Out_ uint8_t* out)');
 
 // The library looks for the PC/SC module when a reader is opened, and takes what is loaded under
 // its name by then.
@@ -40,6 +44,24 @@ const simulator = koffi.load(resolve(prefix,
 // What the library wrote into a buffer, up to its terminator.
 const text = (buffer) => buffer.toString('utf8', 0, buffer.indexOf(0));
 
+// 32 records of 272 octets hold every list that asks for no ports and for at most 32. A name
+// stands 12 octets behind a record's beginning.
+function listReaders() {
+  const list = Buffer.alloc(32 * 272);
+  const count = GetReaderList(ReaderKindPcsc, list, 0, 32);
+  for (let at = 0; at < count; ++at) console.log('reader', text(list.subarray(at * 272 + 12)));
+}
+
+// Edits the tag dictionary in memory; FlushTagdict would write it to dictdata.bin in the current
+// folder. In a record the tag has 20 octets, the short text 200, the long one 1,024.
+function noteTag(tag, meaning) {
+  const entry = Buffer.alloc(1244);
+  entry.write(tag, 0, 19);
+  entry.write(meaning, 20, 199);
+  if (!UpTagdictData(entry) || !FindTagdictData(tag, entry)) fail(`can't note ${tag}`);
+  console.log('tag', text(entry), text(entry.subarray(20)));
+}
+
 function resetCard() {
   const atr = Buffer.alloc(1025);
   if (!Reset(atr)) fail('no answer to reset');
@@ -47,8 +69,8 @@ function resetCard() {
   SetVarValue('%ATR', text(atr));
 }
 
-// A PC/SC reader answers with the data, or with 9000 where there is none; with any other status
-// word, that word is all there is.
+// A PC/SC reader answers with the data, or with 9000 where there is none. Without success it gives
+// the first two octets of what came: the status word, unless data stood before it.
 function send(command) {
   // Where a variable is not defined the text is a message: nothing of it may reach a card. A
   // script command that fails leaves the text shorter, which doesn't show here; for cards that
@@ -58,7 +80,8 @@ function send(command) {
   const buffer = Buffer.alloc(8193);
   const done = SendCommand(command, command.length, buffer);
   const answer = text(buffer);
-  if (!answer) fail(`no answer to ${command}`);
+  if (!done && !answer) fail(`no answer to ${command}`);
+  if (!done && answer === '9000') fail(`no status word in the answer to ${command}`);
   const statusWord = done ? '9000' : answer;
   const data = answer === statusWord ? '' : answer;
   console.log('<< ', ...(data ? [data, statusWord] : [statusWord]));
@@ -94,7 +117,9 @@ function run(statement) {
   }
 }
 
+listReaders();
 if (!OpenReaderA('Simulated Reader 0', ReaderKindPcsc)) fail("can't open Simulated Reader 0");
 readFileSync(script, 'utf8').split(/\r?\n/).every(run);
 CloseReader();
+noteTag('5F20', 'Cardholder Name');
 simulator.unload();

@@ -11,6 +11,17 @@ import sys
 # The codes of RunScript, and the kind of PC/SC readers: enum StatementKind and others in orvane.h.
 ASSIGNMENT, EXPRESSION, RESET, DOLLAR, STOP, COMPARE, NOTHING_TO_RUN = 0, 1, 4, 5, 6, 7, 100
 PCSC = 3
+NARROW = "mbcs" if sys.platform == "win32" else "utf-8"  # names of readers
+
+
+class ReaderInfo(ctypes.Structure):
+    _fields_ = [("kind", ctypes.c_int32), ("has_port", ctypes.c_int32), ("port", ctypes.c_int32),
+                ("name", ctypes.c_char * 256), ("reserved", ctypes.c_int32)]
+
+
+class TagdictData(ctypes.Structure):
+    _fields_ = [("tag", ctypes.c_char * 20), ("short_text", ctypes.c_char * 200),
+                ("long_text", ctypes.c_char * 1024)]
 
 
 class Orvane:
@@ -29,7 +40,11 @@ class Orvane:
                                   ("CloseReader",),
                                   ("Reset", ctypes.c_char_p),
                                   ("SendCommand", ctypes.c_char_p, ctypes.c_int32,
-                                   ctypes.c_char_p)):
+                                   ctypes.c_char_p),
+                                  ("GetReaderList", ctypes.c_int32, ctypes.c_void_p,
+                                   ctypes.c_int32, ctypes.c_int32),
+                                  ("UpTagdictData", ctypes.c_void_p),
+                                  ("FindTagdictData", ctypes.c_char_p, ctypes.c_void_p)):
             function = getattr(self._orvane, name)
             function.argtypes, function.restype = parameters, ctypes.c_int32
         # The library looks for the PC/SC module when a reader is opened, and takes what is loaded
@@ -46,9 +61,23 @@ class Orvane:
         self._orvane.SetVarValue(name.encode(), value.encode())
 
     def open_reader(self, name, kind):
-        narrow = "mbcs" if sys.platform == "win32" else "utf-8"
-        if not self._orvane.OpenReaderA(name.encode(narrow), kind):
+        if not self._orvane.OpenReaderA(name.encode(NARROW), kind):
             sys.exit(f"can't open {name}")
+
+    def list_readers(self, kind):
+        """The names. 32 records hold every list that asks for no ports and for at most 32."""
+        records = (ReaderInfo * 32)()
+        count = self._orvane.GetReaderList(kind, records, 0, len(records))
+        return [record.name.decode(NARROW, "replace") for record in records[:count]]
+
+    def note_tag(self, tag, meaning):
+        """Edits the tag dictionary in memory, and gives what it holds then. FlushTagdict would write
+        it to dictdata.bin in the current folder."""
+        entry = TagdictData(tag.encode(), meaning.encode())
+        if not (self._orvane.UpTagdictData(ctypes.byref(entry))
+                and self._orvane.FindTagdictData(tag.encode(), ctypes.byref(entry))):
+            sys.exit(f"can't note {tag}")
+        return entry.tag.decode(), entry.short_text.decode()
 
     def close_reader(self):
         self._orvane.CloseReader()
@@ -62,12 +91,15 @@ class Orvane:
 
     def send(self, command):
         """The data and the status word of the card's answer. A PC/SC reader gives the data, or
-        9000 where there is none; with any other status word, that word is all there is."""
+        9000 where there is none. Without success it gives the first two octets of what came: the
+        status word, unless data stood before it."""
         answer = ctypes.create_string_buffer(8193)
         done = self._orvane.SendCommand(command.encode(), len(command), answer)
         text = answer.value.decode()
-        if not text:
+        if not done and not text:
             sys.exit(f"no answer to {command}")
+        if not done and text == "9000":
+            sys.exit(f"no status word in the answer to {command}")
         if not done:
             return "", text
         return "" if text == "9000" else text, "9000"
@@ -108,11 +140,14 @@ def run(orvane, statement):
 
 def main(script, prefix="/usr"):
     orvane = Orvane(pathlib.Path(prefix).resolve())
+    for name in orvane.list_readers(PCSC):
+        print("reader", name)
     orvane.open_reader("Simulated Reader 0", PCSC)
     for line in pathlib.Path(script).read_text(encoding="utf-8-sig").splitlines():
         if not run(orvane, line):
             break
     orvane.close_reader()
+    print("tag", *orvane.note_tag("5F20", "Cardholder Name"))
 
 
 if len(sys.argv) not in (2, 3):
