@@ -1,4 +1,4 @@
-"""Orvane.cs declares the functions of orvane.h: csharp_declarations.py HEADER SOURCE"""
+"""Orvane.cs declares the functions and values of orvane.h: csharp_declarations.py HEADER SOURCE"""
 import re
 import sys
 
@@ -34,3 +34,12 @@ for name in sorted(declared.keys() | offered.keys()):
         print(f"{name}: {declared.get(name)} in C, {offered.get(name)} in C#")
 if declared != offered or len(declared) != 40:
     sys.exit(f"{len(declared)} functions in C, {len(offered)} in C#")
+
+PREFIXES = {"StatementKind": "Kind", "ScriptCode": "Script", "ReaderKind": "ReaderKind"}
+values, same = [sorted((name, prefix + member, int(value))
+                       for name, body in re.findall(r"enum (\w+)\s*{([^}]*)}", text)
+                       for prefix in [PREFIXES[name] if text is source else ""]
+                       for member, value in re.findall(r"^\s*(\w+) = (-?\d+)", body, re.M))
+                for text in (header, source)]
+if values != same or len(values) < 20:
+    sys.exit(f"values in C and in C# alone: {set(values) ^ set(same)}")
