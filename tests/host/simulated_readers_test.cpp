@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "host/run_program.h"
+#include "orvane.h"
 #include "simulators/encryption_machine.h"
+#include "support/module_loading.h"
 #include "support/simulated_module.h"
 
 namespace host_test {
@@ -13,6 +15,18 @@ constexpr char kSimulated[] = "simulated: no hardware is touched";
 
 class SimulatedReaders : public testing::Test {
  protected:
+  // The program, its libraries and the simulators, in the current folder.
+  static void CopyProgram() {
+    const fs::path here = fs::current_path(), build = ORVANE_BUILD_PATH;
+    for (const fs::directory_entry& entry : fs::directory_iterator(build)) {
+      const std::string name = entry.path().filename().string();
+      if (name.starts_with("orvane") || name.starts_with("liborvane")) {
+        fs::copy(entry, here / name);
+      }
+    }
+    fs::copy(build / "simulators", here / "simulators");
+  }
+
   WorkingFolder folder;
 };
 
@@ -52,12 +66,8 @@ TEST_F(SimulatedReaders, DoNotIncludeTheEncryptionMachine) {
 
 // Beside the library stands what is no simulator: nothing may be sent to it as if it were one.
 TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
-  const fs::path here = fs::current_path(), build = ORVANE_BUILD_PATH;
-  for (const fs::directory_entry& entry : fs::directory_iterator(build)) {
-    const std::string name = entry.path().filename().string();
-    if (name.starts_with("orvane") || name.starts_with("liborvane")) fs::copy(entry, here / name);
-  }
-  fs::copy(build / "simulators", here / "simulators");
+  const fs::path here = fs::current_path();
+  CopyProgram();
   support::WriteModuleWithout("wdcrwx", "SimulatorRestart", here);
 
   WriteFile("script", "@reset()\n");
@@ -68,6 +78,30 @@ TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
   const Outcome real = RunOrvane("run -r 4:WDUSB1 script", "", here.string());
   EXPECT_EQ(real.exitCode, 0) << real.err;
   EXPECT_FALSE(Shows(real.out, kSimulated)) << real.out;
+}
+
+// The library has them in the ANSI code page, on POSIX in UTF-8.
+TEST_F(SimulatedReaders, MayHaveLettersInTheirNames) {
+  const std::string before = "Simulated Reader 0", shown = "Simulated Les\u00E4r";
+  std::string name = "Simulated Les\xE4r", utf8(64, '\0');
+  ASCII2UTF_8(name.c_str(), utf8.data());
+  if (utf8.c_str() != shown) name = shown;
+  name.resize(before.size());
+  CopyProgram();
+  const fs::path library = "simulators/" + support::ModuleFileName("winscard");
+  std::string octets = orvane_test::ReadFile(library).value();
+  for (std::size_t at; (at = octets.find(before)) != octets.npos;) {
+    octets.replace(at, name.size(), name);
+  }
+  WriteFile(library, octets);
+  WriteFile("byName", "@OPENREADER(" + shown + ")\n@reset()\n");
+  WriteFile("reset", "@reset()\n");
+  for (const std::string command :
+       {"run byName", "run -r \"3:Simulated Les\u00E4r\" reset", "readers"}) {
+    const Outcome outcome = RunOrvane(command + " --simulate", "", fs::current_path().string());
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_TRUE(Shows(outcome.out, shown)) << outcome.out;
+  }
 }
 
 }  // namespace
