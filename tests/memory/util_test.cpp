@@ -31,7 +31,8 @@ TEST(Memory, MissingLeavesTheConvertedTextUntouched) {
 }
 
 TEST(Memory, IsNotAskedForByTimesAndLogs) {
-  const std::string path = testing::TempDir() + "orvane_out_of_memory.txt";
+  const std::string path =
+      (std::filesystem::temp_directory_path() / "orvane_out_of_memory.txt").string();
   std::filesystem::remove(path);
   const std::string octets(10'000, 'o');
   char text[36];

@@ -18,7 +18,7 @@ TEST(Connection, EndsWithItsReaderWhateverTheHostHasStarted) {
   ASSERT_NE(child, nullptr);
   EXPECT_EQ(CloseReader(), 1);
   const std::string ended = "1 opens\n1 closes\n";
-  for (int tries = 0; tries < 400 && machine.Journal() != ended; ++tries) {
+  for (int tries = 0; tries < 2000 && machine.Journal() != ended; ++tries) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   EXPECT_EQ(machine.Journal(), ended);
