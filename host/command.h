@@ -6,7 +6,7 @@
 
 namespace host {
 
-// What a command's octets are: most readers take APDUs (ISO/IEC 7816-4), an encryption machine
+// What a command's octets are: most readers take APDUs (ISO/IEC 7816-4), a payment HSM
 // takes whatever its protocol says.
 enum class Framing { kApdu, kRaw };
 

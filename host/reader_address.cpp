@@ -19,7 +19,7 @@ struct Kind {
 
 const std::map<int32_t, Kind>& Kinds() {
   static const std::map<int32_t, Kind> kinds = {
-      {ReaderKindTyUsb, {"TY USB key", "tyusb", "tykeyint", "USB1", "USB"}},
+      {ReaderKindTyUsb, {"TY USB token", "tyusb", "tykeyint", "USB1", "USB"}},
       {ReaderKindTyCom, {"TY serial reader", "tycom", "tyreader", "COM1", "COM"}},
       {ReaderKindPcsc, {"PC/SC", "pcsc", "winscard", "", ""}},
       {ReaderKindWd, {"WD", "wd", "wdcrwx", "WDUSB1", ""}},
@@ -27,7 +27,7 @@ const std::map<int32_t, Kind>& Kinds() {
       {ReaderKindFm8201, {"FM8201", "fm8201", "", "", ""}},
       {ReaderKindS5009, {"S5009", "s5009", "S5009", "COM1", "COM"}},
       {ReaderKindS5009Ats, {"S5009, reset gives the ATS", "s5009ats", "S5009", "COM1", "COM"}},
-      {ReaderKindTcp, {"encryption machine on TCP", "tcp", "", "10.0.0.5:8000", ":"}},
+      {ReaderKindTcp, {"payment HSM on TCP", "tcp", "", "10.0.0.5:8000", ":"}},
       {ReaderKindIcr,
        {"ICR identity card reader", "icr", "sdtapi", "ICR-COM1 or ICR-COM1001(ICRUSB)", "COM"}},
       {ReaderKindBsit, {"BSIT", "bsit", "STJZZ_BSIT", "BSIT:1", "BSIT:"}},

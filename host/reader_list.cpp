@@ -28,7 +28,7 @@ std::string Address(int32_t kind, const std::string& listed) {
 }
 
 size_t PrintKind(std::ostream& out, int32_t kind, int32_t ports) {
-  // The names that the library lists for encryption machines open nothing.
+  // The names that the library lists for payment HSMs open nothing.
   const std::vector<std::string> names =
       kind == ReaderKindTcp ? std::vector<std::string>{"ADDRESS:PORT"} : ListReaders(kind, ports);
   for (const std::string& name : names) {

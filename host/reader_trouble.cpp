@@ -55,7 +55,7 @@ void CheckMachine(const ReaderAddress& address) {
   const size_t colon = address.name.find(':');
   const std::string machine = address.name.substr(0, colon);
   const auto refuse = [](const std::string& fault) {
-    throw Failure(kReaderFault, fault + ": an encryption machine is named as in 10:10.0.0.5:8000");
+    throw Failure(kReaderFault, fault + ": a payment HSM is named as in 10:10.0.0.5:8000");
   };
   if (address.port) refuse("a port has no address");
   if (!IsIpv4Address(machine)) refuse("\"" + Printable(machine) + "\" is no IPv4 address");

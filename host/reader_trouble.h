@@ -7,7 +7,7 @@
 namespace host {
 
 // Throws Failure (kReaderFault) where the library would not find out that the address of an
-// encryption machine is no numbers-and-dots IPv4 address with a port, or take it for another.
+// payment HSM is no numbers-and-dots IPv4 address with a port, or take it for another.
 void CheckMachine(const ReaderAddress& address);
 
 // The name that PC/SC has for a reader of its kind; empty if it has none.

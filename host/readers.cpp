@@ -244,7 +244,7 @@ Answer Readers::Send(const Command& command) {
   if (kind == ReaderKindTcp) {
     Close(place);
     throw Failure(kReaderFault,
-                  "no answer from the encryption machine; its connection is closed, so that an "
+                  "no answer from the payment HSM; its connection is closed, so that an "
                   "answer that comes late is not taken for the next command's, and the next "
                   "command opens it afresh");
   }

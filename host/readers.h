@@ -57,7 +57,7 @@ class Readers {
   std::string ResetCard();
   // Makes sure that the command can be sent at all.
   void Check(const Command& command);
-  // Without an answer the connection to an encryption machine is closed, so that an answer that
+  // Without an answer the connection to a payment HSM is closed, so that an answer that
   // comes late is not taken for the next command's; the next use opens it afresh.
   Answer Send(const Command& command);
   // Of the current reader; of none, that of the one that OpenDefault would open.

@@ -1,9 +1,9 @@
 /*
- * A simulated dcrf32: D8 readers on the library's ports 0 (COM1) and 100 (USB). The card lies in
- * the field and stands in every contact seat at once.
+ * A simulated dcrf32: D8 readers on the library's ports 0 (COM1) and 100 (USB). The card lies
+ * at the antenna and stands in every contact slot at once.
  *
  * Results are 0 for success; dc_init gives a handle from 1 up. SimulatorRestart forgets handles and
- * where the selection in the field has got to.
+ * where the selection at the antenna has got to.
  *
  * What the data and length of a prepared answer mean:
  *   dc_request, dc_anticoll,            data: the number, most significant octet first

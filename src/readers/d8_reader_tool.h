@@ -33,7 +33,7 @@ struct D8EntryPoints {
 };
 
 // D8 readers, on a serial port or on USB (port 100). Card slot 0 is the contactless field, any
-// other slot a contact card seat. Every result of the library lands in m_wStatus.
+// other slot a contact slot. Every result of the library lands in m_wStatus.
 class CD8ReaderTool final : public CReaderToolBase {
  public:
   ~CD8ReaderTool() override;

@@ -7,7 +7,7 @@
 
 namespace orvane {
 
-// An encryption machine on the network: a command goes out as it is, and what one receive brings
+// A payment HSM on the network: a command goes out as it is, and what one receive brings
 // is the reply.
 class CSJLTool final : public CReaderToolBase {
  public:

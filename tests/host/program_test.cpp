@@ -359,7 +359,7 @@ TEST_F(Program, ListsReadersAsTheyAreOpened) {
   ExpectInOrder(RunOrvane("readers --kind 5 --ports 2").out, "5:COM1\n|5:COM2\n|5:COM100(D8USB)\n");
   ExpectInOrder(RunOrvane("readers --simulate").out,
                 " 1:USB1  listed as USB0\n| 1:USB2  listed as USB1\n| 12:BSIT:1\n| "
-                "12:BSIT:2\n|libraries\n|TY USB key|simulators|D8 "
+                "12:BSIT:2\n|libraries\n|TY USB token|simulators|D8 "
                 "|dcrf32|simulators|S5009, reset gives the ATS|S5009|simulators");
   const Outcome without = RunOrvane("readers -k S5009");
   ExpectInOrder(without.out, "no readers found; |\nS5009 |S5009|not found\n");

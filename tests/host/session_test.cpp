@@ -203,7 +203,7 @@ TEST_F(SessionTest, NamesWhatKeepsAReaderFromOpening) {
        {{"SCardConnectA", 0x8010001D}, {"SCardEstablishContext", 0x8010001D}},
        "the PC/SC service does not run"},
       {"3:3", {}, "there is none; there is: Simulated Reader 0, Simulated Reader 1"},
-      {"10:localhost:8000", {}, "\"localhost\" is no IPv4 address: an encryption machine is "},
+      {"10:localhost:8000", {}, "\"localhost\" is no IPv4 address: a payment HSM is "},
       {"10:1.2.3.256:8000", {}, "\"1.2.3.256\" is no IPv4 address"},
       {"10:127.0.0.1", {}, "an address has no port"},
       {"10:8000", {}, "a port has no address"},
@@ -227,8 +227,7 @@ TEST_F(SessionTest, ClosesAnEncryptionMachineThatGivesNoAnswer) {
   machine.Prepare({{{std::chrono::milliseconds(1300), {0xAA}}}});
   const std::string failure =
       Run({"@reset()", "30", "31", "@compare(%RESP,31,1)"}, "10:" + machine.Name());
-  EXPECT_TRUE(
-      failure.starts_with("no answer from the encryption machine; its connection is closed"))
+  EXPECT_TRUE(failure.starts_with("no answer from the payment HSM; its connection is closed"))
       << failure;
   EXPECT_EQ(shown_.find("ATR"), shown_.npos) << shown_;
   EXPECT_NE(shown_.find("ok   31 = 31"), shown_.npos) << shown_;

@@ -65,7 +65,7 @@ def run(command, *steps, code=0):
 
 
 class SlowMachine:
-    """An encryption machine that answers its first command only when it is told to."""
+    """A payment HSM that answers its first command only when it is told to."""
 
     def __init__(self):
         self.listener = socket.create_server(("127.0.0.1", 0))
