@@ -162,12 +162,13 @@ Command ReadCommand(std::string_view text, Framing framing) {
   command.digits = UpperCase(WithoutBlanks(text));
   command.framing = framing;
   const std::string& digits = command.digits;
-  const auto bad = std::find_if_not(digits.begin(), digits.end(), IsHexDigit);
+  const auto bad =
+      std::find_if_not(text.begin(), text.end(), [](char c) { return IsHexDigit(c) || c == ' '; });
   if (digits.empty()) throw Failure(kScriptFault, "the command is empty; nothing sent");
-  if (bad != digits.end()) {
+  if (bad != text.end()) {
     throw Failure(kScriptFault, "the command is not hexadecimal: character " +
-                                    std::to_string(bad - digits.begin() + 1) + " of " +
-                                    std::to_string(digits.size()) + " is no digit; nothing sent");
+                                    std::to_string(bad - text.begin() + 1) + " of " +
+                                    std::to_string(text.size()) + " is no digit; nothing sent");
   }
   if (digits.size() % 2 != 0) {
     throw Failure(kScriptFault, "the command has an odd number of digits (" +

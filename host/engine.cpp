@@ -24,17 +24,6 @@ Result RunText(const std::string& text) {
   return {code, buffer.data()};
 }
 
-// The library counts a failed command as one without a value, and goes on with what stands behind
-// the place where it failed. @compare, though, hands over the text of an operand that fails: with a
-// mark in front it can't be mistaken for its "0".
-bool Fails(std::string_view call, std::string& message) {
-  const Result result = RunText("@compare(~ " + std::string(call) + ",~,2)");
-  message = result.text.substr(result.text.starts_with('~') ? 1 : 0);
-  // A command without a message leaves what the operand before it gave.
-  if (message == "~") message.clear();
-  return result.code != KindCompare || result.text != "0";
-}
-
 size_t LengthOf(const std::string& variable) {
   const std::string digits = RunText("ORVANE.LENGTH = @strlen(" + variable + ")").text;
   size_t length = 0;
@@ -81,38 +70,22 @@ std::string ReadLongExpression(const Statement& statement) {
   return UpperCase(ReadVariable(kWaiting));
 }
 
-std::string LikelyCause(const std::string& keyword) {
-  if (keyword == "@DES" || keyword == "@DESCBC" || keyword == "@MAC" || keyword == "@SUBKEY") {
-    return ": is its key 8, 16 or 24 bytes long, the module orvane_crypto there, and FIPS mode "
-           "off?";
-  }
-  return keyword == "@HASH" || keyword == "@RSAPUBENC" ? ": is the module orvane_crypto there?"
-                                                       : "";
-}
-
 }  // namespace
 
-void CheckOperands(const Statement& statement) {
-  for (size_t at = statement.value; at < statement.end; ++at) {
-    const Word& word = statement.words[at];
-    if (word.kind == WordKind::kVariable && GetVarValue(word.text.c_str()) != ScriptDone) {
-      throw Failure(kScriptFault, "undefined variable " + word.text);
-    }
-  }
-  for (const Call& call : statement.calls) {
-    if (call.forHost) continue;  // it fails only if an argument does
-    std::string message;
-    if (!Fails(statement.Source(call.first, call.last), message)) continue;
-    throw Failure(kScriptFault,
-                  statement.words[call.first].text + " failed" +
-                      (message.empty() ? LikelyCause(call.keyword) : ": " + Printable(message)));
-  }
+// The library counts a failed command as one without a value, and goes on with what stands behind
+// the place where it failed. @compare, though, hands over the text of an operand that fails: with a
+// mark in front it can't be mistaken for its "0".
+bool Fails(std::string_view call, std::string& message) {
+  const Result result = RunText("@compare(~ " + std::string(call) + ",~,2)");
+  message = result.text.substr(result.text.starts_with('~') ? 1 : 0);
+  // A command without a message leaves what the operand before it gave.
+  if (message == "~") message.clear();
+  return result.code != KindCompare || result.text != "0";
 }
 
 Result Run(const Statement& statement) {
-  CheckOperands(statement);
   Result result = RunText(statement.text);
-  const bool forHost = !statement.calls.empty() && statement.calls.back().forHost;
+  const bool forHost = !statement.calls.empty() && statement.calls.back().builtin->forHost;
   if (result.code == ScriptException && statement.form == Form::kExpression && !forHost) {
     return {KindExpression, ReadLongExpression(statement)};
   }

@@ -13,13 +13,14 @@ struct Result {
   std::string text;
 };
 
-// Throws Failure (kScriptFault) if the statement names an undefined variable or one of its commands
-// fails. Nothing is stored or asked of the host.
-void CheckOperands(const Statement& statement);
+// True if a call fails, with the message that it leaves. Its operands are known to be defined.
+// Nothing is stored or asked of the host.
+bool Fails(std::string_view call, std::string& message);
 
-// Checks and runs a statement. The text of an expression and of an assignment to a %NAME is whole,
-// though the library hands over 511 characters at most. Throws Failure (kScriptFault) also if the
-// text is too long: that of an expression above 64 KiB, of a command for the host above 511.
+// Runs a statement whose operands are known to be sound. The text of an expression and of an
+// assignment to a %NAME is whole, though the library hands over 511 characters at most. Throws
+// Failure (kScriptFault) also if the text is too long: that of an expression above 64 KiB, of a
+// command for the host above 511.
 Result Run(const Statement& statement);
 
 // The value of operands in their own case, at most its first 64 KiB. The operands are known to be

@@ -66,6 +66,7 @@ void RunFile(const Options& options) {
   const Script script = ReadScript(options.file);
   Workplace workplace(options);
   workplace.Hidden().Learn(script.statements);
+  LookAtScript(script, workplace.Work());
   RunScriptFile(script, workplace.Work());
 }
 
@@ -92,7 +93,9 @@ void SendCommands(const Options& options) {
   // All of them are read before the first one is sent.
   for (const std::string& command : commands) workplace.Check(command);
   workplace.Work().ResetCard();
-  for (const std::string& command : commands) workplace.Work().Send(command);
+  for (const std::string& command : commands) {
+    workplace.Work().Send(command, options.expected);
+  }
 }
 
 int StartShell(const Options& options) {

@@ -29,6 +29,18 @@ Script ReadScript(const std::string& file) {
   return script;
 }
 
+void LookAtScript(const Script& script, const Session& session) {
+  size_t assignments = 0;
+  for (size_t at = 0; at < script.statements.size(); ++at) {
+    try {
+      session.LookAt(script.statements[at], assignments);
+      if (script.statements[at].form == Form::kAssignment) ++assignments;
+    } catch (const Failure& failure) {
+      throw At(script, at + 1, failure);
+    }
+  }
+}
+
 void RunScriptFile(const Script& script, Session& session) {
   for (size_t at = 0; at < script.statements.size(); ++at) {
     try {

@@ -20,6 +20,9 @@ struct Script {
 // statement.
 Script ReadScript(const std::string& file);
 
+// Has the session look at every statement. Throws ScriptFailure at the first one that is refused.
+void LookAtScript(const Script& script, const Session& session);
+
 // Runs it up to its end or @stop(). Throws ScriptFailure.
 void RunScriptFile(const Script& script, Session& session);
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "host/builtin.h"
 #include "host/command.h"
 #include "host/text.h"
 
@@ -18,36 +19,6 @@ constexpr size_t kForeseen = 16;      // with Lc in its longest form, and the da
 constexpr size_t kLongest = 2 * kMostCommandOctets;
 constexpr size_t kLongestNumber = 3;  // what is longer can be a PIN
 
-// What a command of the library does with its arguments, counted from 1; 0 is none.
-struct Traits {
-  std::string_view keyword;
-  size_t key = 0;
-  size_t serialNumber = 0;  // tells one derived key from another, and is no secret
-  size_t numbers = 0;       // from here on
-  bool hides = false;       // the result gives nothing away
-};
-
-constexpr Traits kTraits[] = {
-    {.keyword = "@STRMID", .numbers = 2},
-    {.keyword = "@STRMIDH", .numbers = 2},
-    {.keyword = "@COMPARE", .numbers = 3},
-    {.keyword = "@STRLEN", .hides = true},
-    {.keyword = "@STRLENH", .hides = true},
-    {.keyword = "@DES", .key = 1, .numbers = 3},
-    {.keyword = "@DESCBC", .key = 1, .numbers = 4},
-    {.keyword = "@MAC", .key = 1, .numbers = 4, .hides = true},
-    {.keyword = "@SUBKEY", .key = 1, .serialNumber = 2},
-    {.keyword = "@RSAPUBENC", .hides = true},
-};
-
-const Traits& TraitsOf(std::string_view keyword) {
-  static constexpr Traits kNothing{};
-  const std::string upper = UpperCase(keyword);
-  const auto* const found = std::find_if(std::begin(kTraits), std::end(kTraits),
-                                         [&](const Traits& t) { return t.keyword == upper; });
-  return found != std::end(kTraits) ? *found : kNothing;
-}
-
 // Where a word stands.
 struct Place {
   bool key = false;
@@ -57,14 +28,17 @@ struct Place {
 };
 
 struct OpenCall {
-  const Traits& traits;
+  const Builtin& builtin;
   Place outside;
-  size_t argument = 1;
+  size_t argument = 0;
 
   Place Inside() const {
-    return {outside.key || argument == traits.key,
-            outside.serialNumber || argument == traits.serialNumber,
-            traits.numbers > 0 && argument >= traits.numbers, outside.hidden || traits.hides};
+    const Parameter& parameter = builtin.parameters[argument];
+    const ArgumentKind kind = parameter.kind;
+    return {outside.key || kind == ArgumentKind::kKey,
+            outside.serialNumber || parameter.serialNumber,
+            kind == ArgumentKind::kNumber || kind == ArgumentKind::kFlag,
+            outside.hidden || builtin.hides};
   }
 };
 
@@ -78,7 +52,7 @@ std::vector<Place> PlacesFrom(const Statement& statement, size_t first) {
     if (separates && calls.empty()) break;
     Place place = calls.empty() ? Place() : calls.back().Inside();
     if (kind == WordKind::kOpen) {
-      calls.push_back({TraitsOf(statement.words[at - 1].text), place});
+      calls.push_back({*FindBuiltin(statement.words[at - 1].text), place});
     } else if (kind == WordKind::kComma) {
       ++calls.back().argument;
     } else if (kind == WordKind::kClose) {
@@ -120,7 +94,7 @@ bool HasLiteral(const Statement& statement, size_t first) {
 
 bool Sends(const Statement& statement) {
   return statement.form == Form::kExpression &&
-         (statement.calls.empty() || !statement.calls.back().forHost);
+         (statement.calls.empty() || !statement.calls.back().builtin->forHost);
 }
 
 bool IsTelling(std::string_view upperName) {
@@ -220,10 +194,11 @@ bool Secrets::Involves(const Statement& statement, bool hiddenToo) const {
   return false;
 }
 
-bool Secrets::Touches(const Statement& statement) const {
+bool Secrets::Touches(const Statement& statement, size_t assignmentsBefore) const {
+  const size_t number = next_ + assignmentsBefore;
   const bool stores =
       statement.form == Form::kAssignment && (IsTelling(UpperCase(statement.words[0].text)) ||
-                                              (next_ < values_.size() && values_[next_].sent));
+                                              (number < values_.size() && values_[number].sent));
   return stores || Involves(statement, true);
 }
 
@@ -370,7 +345,7 @@ std::string MaskLiterals(const Statement& statement, size_t visibleDigits) {
     const bool number = place < places.size() && places[place].number &&
                         word.text.size() <= kLongestNumber && IsDecimal(word.text);
     if (word.kind != WordKind::kLiteral || number) continue;
-    const std::string_view source = statement.Source(at, at);
+    const std::string_view source = statement.Source({at, at});
     const size_t visible = at == 0 ? SkipCharacters(source, visibleDigits) : 0;
     shown += statement.text.substr(copied, word.begin + visible - copied);
     if (visible < source.size()) shown += visible > 0 ? " **" : "**";

@@ -36,8 +36,9 @@ class Secrets {
   void FollowAnswer();
 
   // True if the statement reads a secret, stores one, or spells one out. It is the one that Follow
-  // waits for, or another one that stores nothing.
-  bool Touches(const Statement& statement) const;
+  // waits for, or another one that stores nothing; with a number, it stands that many assignments
+  // further on in what Learn has looked at.
+  bool Touches(const Statement& statement, size_t assignmentsBefore = 0) const;
 
  private:
   using Number = uint32_t;  // of a value, in the order in which they are made

@@ -2,7 +2,11 @@
 
 #include <orvane.h>
 
+#include <algorithm>
+
 #include "host/failure.h"
+#include "host/operands.h"
+#include "host/status_word.h"
 #include "host/text.h"
 
 namespace host {
@@ -22,10 +26,20 @@ bool Session::Hides(const Statement& statement, std::string_view value) const {
   return !settings_.showSecrets && (secrets_.Touches(statement) || BeginsAsSecret(value));
 }
 
+void Session::LookAt(const Statement& statement, size_t assignmentsBefore) const {
+  // What its variables will hold is not known yet, and so not what literals beside them are.
+  const bool reads = std::any_of(
+      statement.words.begin() + static_cast<std::ptrdiff_t>(statement.value), statement.words.end(),
+      [](const Word& w) { return w.kind == WordKind::kVariable; });
+  CheckLiterals(statement, !settings_.showSecrets &&
+                               (reads || secrets_.Touches(statement, assignmentsBefore)));
+}
+
 bool Session::Learn(const Statement& statement) { return secrets_.Learn({statement}); }
 
 void Session::Echo(std::optional<size_t> line, std::string_view shown) {
-  if (settings_.echoStatements) trace_.Statement(line, shown);
+  if (settings_.echoStatements)
+    trace_.Statement(line, shown.substr(shown.find_first_not_of(" \t")));
 }
 
 bool Session::Run(const Statement& statement, std::optional<size_t> line) {
@@ -34,6 +48,11 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
     trace_.Heading(HeadingText(statement.text));
     return true;
   }
+  const bool sends = statement.form == Form::kExpression &&
+                     (statement.calls.empty() || !statement.calls.back().builtin->forHost);
+  const bool hide = Hides(statement);
+  CheckOperands(statement, hide);
+  if (sends) CheckCommand(statement, hide);
   const Result result = host::Run(statement);
   switch (result.code) {
     case KindAssignment:
@@ -46,7 +65,7 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
       Compare(statement, line, result.text == "1");
       return true;
   }
-  if (!Hides(statement)) return Act(statement, line, result);
+  if (!hide) return Act(statement, line, result);
   try {
     return Act(statement, line, result);
   } catch (const Failure& failure) {
@@ -89,7 +108,7 @@ void Session::Assign(const Statement& statement, std::optional<size_t> line,
 }
 
 void Session::Show(const Statement& expression) {
-  CheckOperands(expression);
+  CheckOperands(expression, Hides(expression));
   const std::string value = Evaluate(expression.text);
   const bool hide = Hides(expression, value);
   Echo(std::nullopt, hide ? MaskLiterals(expression, 0) : expression.text);
@@ -105,12 +124,17 @@ void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
   Exchange(command, hide);
 }
 
-void Session::Send(std::string_view digits) {
+void Session::Send(std::string_view digits, std::string_view expected) {
   const Command command = ReadCommand(digits, readers_.CurrentFraming());
-  Exchange(command, !settings_.showSecrets && CarriesSecret(command));
+  const std::string word = Exchange(command, !settings_.showSecrets && CarriesSecret(command));
+  if (expected.empty() || FitsPattern(word, expected)) return;
+  throw Failure(kExpectationFailed,
+                "not as expected: " +
+                    (word.empty() ? "there is no status word" : "the status word is " + word) +
+                    ", and should be " + std::string(expected));
 }
 
-void Session::Exchange(const Command& command, bool hide) {
+std::string Session::Exchange(const Command& command, bool hide) {
   readers_.Check(command);
   trace_.Command(command, hide);
   const Answer answer = readers_.Send(command);
@@ -119,19 +143,18 @@ void Session::Exchange(const Command& command, bool hide) {
   SetVariable("%SW", answer.statusWord);
   secrets_.FollowAnswer();
   trace_.Answer(answer, NoteOn(answer, command, readers_.CurrentKind()));
+  return answer.statusWord;
 }
 
 void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {
-  const std::vector<std::string_view> arguments = Arguments(statement, statement.calls.back());
+  const std::vector<Words> arguments = Arguments(statement, statement.calls.back());
+  const auto value = [&](size_t at) { return Evaluate(statement.Source(arguments[at])); };
   const bool hide = Hides(statement);
   const std::string shown = hide ? MaskLiterals(statement, 0) : statement.text;
-  const std::string left = Evaluate(arguments[0]);
-  const std::string right = Evaluate(arguments[1]);
-  const std::string expected = Evaluate(arguments[2]);
+  const std::string left = value(0);
+  const std::string right = value(1);
+  const std::string expected = value(2);
   Echo(line, shown);
-  if (expected != "0" && expected != "1") {
-    throw Failure(kScriptFault, "@compare expects 1 (equal) or 0 (different) as third argument");
-  }
   const std::string_view shownLeft = hide ? kHidden : std::string_view(left);
   const std::string_view shownRight = hide ? kHidden : std::string_view(right);
   trace_.Expectation(shownLeft, shownRight, held == (expected == "1"), held);

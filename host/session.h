@@ -28,13 +28,18 @@ class Session {
   // False if the statement was the script's end.
   bool Run(const Statement& statement, std::optional<size_t> line);
 
+  // Refuses a statement of a script that is to be run, as far as what it spells out tells. So many
+  // assignments stand before it.
+  void LookAt(const Statement& statement, size_t assignmentsBefore) const;
+
   // Shows the value of an expression and sends nothing.
   void Show(const Statement& expression);
 
   void Open(std::string_view address, bool hide = false);
   void ResetCard();
-  // Sends a command that no statement gave.
-  void Send(std::string_view digits);
+  // Sends a command that no statement gave. Throws Failure (kExpectationFailed) unless the answer's
+  // status word fits the pattern, if there is one.
+  void Send(std::string_view digits, std::string_view expected = "");
 
   // Looks ahead at a statement that is to be run, where no whole script was looked at. True if what
   // stands in a variable already turns out to be secret.
@@ -50,7 +55,7 @@ class Session {
   void Echo(std::optional<size_t> line, std::string_view shown);
   void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
   void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);
-  void Exchange(const Command& command, bool hide);
+  std::string Exchange(const Command& command, bool hide);  // gives the status word
   void Compare(const Statement& statement, std::optional<size_t> line, bool held);
   void OpenDefault();
 

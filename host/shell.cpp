@@ -23,7 +23,7 @@ constexpr std::string_view kHelp =
 // and a value that was meant to be looked at must not reach a card.
 bool OnlyLooks(const Statement& statement) {
   return statement.form == Form::kExpression && statement.words[0].kind != WordKind::kLiteral &&
-         (statement.calls.empty() || !statement.calls.back().forHost);
+         (statement.calls.empty() || !statement.calls.back().builtin->forHost);
 }
 
 // False if it is the last one.
@@ -35,7 +35,8 @@ bool RunLine(Session& session, const std::string& line, bool interactive) {
   }
   constexpr std::string_view kSend = "send ";
   const bool send = line.starts_with(kSend);
-  const Statement statement = ReadStatement(send ? line.substr(kSend.size()) : line);
+  const Statement statement =
+      ReadStatement(send ? std::string(kSend.size(), ' ') + line.substr(kSend.size()) : line);
   const bool looks = !send && OnlyLooks(statement);
   // A remembered line comes back to the screen.
   if (!looks && session.Learn(statement)) ForgetLines();

@@ -1,29 +1,10 @@
 #include "host/statement.h"
 
-#include <algorithm>
-#include <array>
-
 #include "host/failure.h"
 #include "host/text.h"
 
 namespace host {
 namespace {
-
-struct Command {
-  std::string_view keyword;
-  size_t arguments;
-  bool forHost;  // asks the host to act, and ends the statement's evaluation
-};
-
-constexpr std::array<Command, 19> kCommands = {{
-    {"@RESET", 0, true},    {"@STOP", 0, true},       {"@STRMID", 3, false},
-    {"@STRMIDH", 3, false}, {"@COMPARE", 3, true},    {"@SETREADER", 1, true},
-    {"@SETSLOT", 1, true},  {"@STRLEN", 1, false},    {"@STRLENH", 1, false},
-    {"@DES", 3, false},     {"@DESCBC", 4, false},    {"@MAC", 4, false},
-    {"@XOR", 2, false},     {"@ASC2HEX", 1, false},   {"@HEX2ASC", 1, false},
-    {"@SUBKEY", 2, false},  {"@OPENREADER", 1, true}, {"@RSAPUBENC", 3, false},
-    {"@HASH", 1, false},
-}};
 
 // The library refuses a call nested deeper than this.
 constexpr size_t kDeepestNesting = 128;
@@ -78,6 +59,32 @@ std::vector<Word> Split(std::string_view text) {
   return words;
 }
 
+// The engine would join a comment that stands behind something to what stands before it. A word
+// that is a mark alone, between an operand and a literal, is one. Behind a command for the host
+// there may be one.
+void CheckComments(std::string_view text, const std::vector<Word>& words) {
+  const Builtin* const first = FindBuiltin(words[0].text);
+  if (words[0].text[0] == '$' || (first != nullptr && first->forHost)) return;
+  size_t depth = 0;
+  for (size_t at = 1; at + 1 < words.size(); ++at) {
+    const Word& word = words[at];
+    if (word.kind == WordKind::kOpen) ++depth;
+    if (word.kind == WordKind::kClose && depth > 0) --depth;
+    const bool mark = word.text == ";" || word.text == "//" || word.text == "#";
+    const WordKind before = words[at - 1].kind;
+    const bool behind =
+        before == WordKind::kLiteral || before == WordKind::kVariable || before == WordKind::kClose;
+    if (depth > 0 || !mark || !behind || words[at + 1].kind != WordKind::kLiteral) continue;
+    throw Malformed("a comment needs a line of its own" + MarkedAt(text, word.begin));
+  }
+}
+
+// What a newcomer's habit makes of a line that is no statement.
+std::string_view HabitIn(std::string_view text) {
+  if (text.find('"') == text.npos) return "";
+  return "; there are no quotes, and what holds parentheses or commas comes in through a variable";
+}
+
 std::vector<Word> JoinLiterals(const std::vector<Word>& words) {
   std::vector<Word> joined;
   for (const Word& word : words) {
@@ -123,16 +130,16 @@ class Grammar {
   bool ReadCall(size_t depth) {
     const size_t first = at_;
     const std::string& keyword = statement_.words[first].text;
-    const Command& command = Find(keyword);
+    const Builtin& command = Find(keyword);
     if (command.forHost && first > 0) throw Malformed(keyword + " must stand alone");
     if (depth > kDeepestNesting) throw Malformed("commands are nested too deeply");
     if (KindAt(first + 1) != WordKind::kOpen) {
       throw Malformed(keyword + " has no \"(\" behind it");
     }
     at_ += 2;
-    for (size_t number = 1; number <= command.arguments; ++number) {
+    for (size_t number = 1; number <= command.count; ++number) {
       ReadArgument(command, keyword, depth);
-      const bool last = number == command.arguments;
+      const bool last = number == command.count;
       if (!last && KindAt(at_) != WordKind::kComma) throw WrongCount(command, keyword);
       if (!last) ++at_;
     }
@@ -140,12 +147,12 @@ class Grammar {
       throw WrongCount(command, keyword);
     }
     if (KindAt(at_) != WordKind::kClose) throw Malformed(keyword + " is not closed with \")\"");
-    statement_.calls.push_back({UpperCase(keyword), command.forHost, first, at_});
+    statement_.calls.push_back({&command, {first, at_}});
     ++at_;
     return command.forHost;
   }
 
-  void ReadArgument(const Command& command, const std::string& keyword, size_t depth) {
+  void ReadArgument(const Builtin& command, const std::string& keyword, size_t depth) {
     if (!IsOperand(KindAt(at_))) throw WrongCount(command, keyword);
     while (IsOperand(KindAt(at_))) {
       if (KindAt(at_) == WordKind::kCall) {
@@ -170,17 +177,15 @@ class Grammar {
     return at < statement_.words.size() ? statement_.words[at].kind : WordKind::kEquals;
   }
 
-  static const Command& Find(const std::string& keyword) {
-    const std::string upper = UpperCase(keyword);
-    const auto found = std::find_if(kCommands.begin(), kCommands.end(),
-                                    [&](const Command& c) { return c.keyword == upper; });
-    if (found == kCommands.end()) throw Malformed("unknown command " + keyword);
+  static const Builtin& Find(const std::string& keyword) {
+    const Builtin* const found = FindBuiltin(keyword);
+    if (found == nullptr) throw Malformed("unknown command " + keyword);
     return *found;
   }
 
-  static Failure WrongCount(const Command& command, const std::string& keyword) {
-    if (command.arguments == 0) return Malformed(keyword + " takes no arguments");
-    return Malformed(keyword + " takes " + Counted(command.arguments, "argument") +
+  static Failure WrongCount(const Builtin& command, const std::string& keyword) {
+    if (command.count == 0) return Malformed(keyword + " takes no arguments");
+    return Malformed(keyword + " takes " + Counted(command.count, "argument") +
                      ", and none may be empty");
   }
 
@@ -198,8 +203,9 @@ class Grammar {
 
 }  // namespace
 
-std::string_view Statement::Source(size_t first, size_t last) const {
-  return std::string_view(text).substr(words[first].begin, words[last].end - words[first].begin);
+std::string_view Statement::Source(Words range) const {
+  const size_t begin = words[range.first].begin;
+  return std::string_view(text).substr(begin, words[range.last].end - begin);
 }
 
 Statement ReadStatement(std::string_view line) {
@@ -211,21 +217,31 @@ Statement ReadStatement(std::string_view line) {
   if (const std::string_view begin = line.substr(first, 1); begin.find_first_of("(),") == 0) {
     throw Malformed("a statement can't begin with \"" + std::string(begin) + "\"");
   }
-  statement.words = JoinLiterals(Split(line));
+  std::vector<Word> words = Split(line);
+  CheckComments(line, words);
+  statement.words = JoinLiterals(words);
   statement.form = FormOf(statement.words);
+  if (line[first] == '#' && statement.form == Form::kExpression) {
+    throw Malformed("a comment begins with ;, and not with #");
+  }
   statement.value = statement.form == Form::kAssignment ? 2 : 0;
-  if (statement.form != Form::kHeading) Grammar(statement).ReadValue();
+  if (statement.form == Form::kHeading) return statement;
+  try {
+    Grammar(statement).ReadValue();
+  } catch (const Failure& failure) {
+    throw Malformed(failure.what() + std::string(HabitIn(line)));
+  }
   return statement;
 }
 
-std::vector<std::string_view> Arguments(const Statement& statement, const Call& call) {
-  std::vector<std::string_view> arguments;
+std::vector<Words> Arguments(const Statement& statement, const Call& call) {
+  std::vector<Words> arguments;
   size_t depth = 0;
-  size_t begin = call.first + 2;
-  for (size_t at = begin; at <= call.last; ++at) {
+  size_t begin = call.words.first + 2;
+  for (size_t at = begin; at <= call.words.last; ++at) {
     const WordKind kind = statement.words[at].kind;
     const bool ends = depth == 0 && (kind == WordKind::kComma || kind == WordKind::kClose);
-    if (ends && at > begin) arguments.push_back(statement.Source(begin, at - 1));
+    if (ends && at > begin) arguments.push_back({begin, at - 1});
     if (ends) begin = at + 1;
     if (kind == WordKind::kOpen) ++depth;
     if (kind == WordKind::kClose && depth > 0) --depth;

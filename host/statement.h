@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/builtin.h"
+
 namespace host {
 
 // What a word of the language is; its first character decides.
@@ -17,12 +19,16 @@ struct Word {
   size_t end;
 };
 
+// Neighbouring words of a statement, by the indices of the first and the last one.
+struct Words {
+  size_t first;
+  size_t last;
+};
+
 // One call of a command, from its keyword to its closing parenthesis.
 struct Call {
-  std::string keyword;  // in upper case
-  bool forHost;         // asks the host to act
-  size_t first;         // index of its first and last word
-  size_t last;
+  const Builtin* builtin;
+  Words words;
 };
 
 enum class Form {
@@ -44,14 +50,13 @@ struct Statement {
   size_t end = 0;    // index behind the last word that is evaluated; a comment may stand there
   std::vector<Call> calls;  // an inner call stands before the outer one
 
-  // The source text from one word to another, both included.
-  std::string_view Source(size_t first, size_t last) const;
+  std::string_view Source(Words range) const;
 };
 
 // Reads one line without its line end. Throws Failure (kScriptFault) with what is wrong with it.
 Statement ReadStatement(std::string_view line);
 
-// The source texts of a call's arguments.
-std::vector<std::string_view> Arguments(const Statement& statement, const Call& call);
+// The words of each of a call's arguments.
+std::vector<Words> Arguments(const Statement& statement, const Call& call);
 
 }  // namespace host

@@ -44,6 +44,8 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
 
+bool BeginsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }
+
 bool IsDecimal(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
 }
@@ -93,6 +95,33 @@ std::string AsCharacters(std::string_view digits) {
     characters += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
   }
   return characters;
+}
+
+size_t ColumnOf(std::string_view text, size_t at) {
+  const std::string_view before = text.substr(0, at);
+  return static_cast<size_t>(std::count_if(before.begin(), before.end(), BeginsCharacter)) + 1;
+}
+
+std::string MarkedAt(std::string_view text, size_t at) {
+  constexpr size_t kAround = 30;
+  const size_t begin = at > kAround ? at - kAround : 0;
+  std::string shown = begin > 0 ? "..." : "";
+  std::string mark(shown.size(), ' ');
+  for (size_t each = begin; each < std::min(text.size(), at + kAround); ++each) {
+    const char c = text[each];
+    if (!BeginsCharacter(c)) continue;
+    shown += c == '\t' ? ' ' : c >= ' ' && c <= '~' ? c : '?';
+    if (each < at) mark += ' ';
+  }
+  return "\n  " + shown + (at + kAround < text.size() ? "..." : "") + "\n  " + mark + '^';
+}
+
+std::string Masked(std::string_view text) {
+  std::string masked(text);
+  for (char& c : masked) {
+    if (c != ' ' && c != '\t' && BeginsCharacter(c)) c = '*';
+  }
+  return masked;
 }
 
 std::string Counted(size_t count, const std::string& noun) {

@@ -5,8 +5,9 @@
 
 namespace host {
 
-bool IsDigit(char c);     // 0 to 9
-bool IsHexDigit(char c);  // in either case
+bool IsDigit(char c);          // 0 to 9
+bool BeginsCharacter(char c);  // of UTF-8
+bool IsHexDigit(char c);       // in either case
 
 // True for one or more digits and nothing else.
 bool IsDecimal(std::string_view text);
@@ -26,6 +27,16 @@ std::string SpacedOctets(std::string_view digits);
 
 // The octets as characters; a dot for each that is not printable ASCII.
 std::string AsCharacters(std::string_view digits);
+
+// What goes below a message about one character of a text: the text, the part around it if it is
+// long, and a mark below the character. What is not printable ASCII is shown as ?.
+std::string MarkedAt(std::string_view text, size_t at);
+
+// The text with * for every character but blanks.
+std::string Masked(std::string_view text);
+
+// Where a character stands in a text, counted from 1 in characters of UTF-8.
+size_t ColumnOf(std::string_view text, size_t at);
 
 // 1, "byte" as "1 byte"; 2, "byte" as "2 bytes".
 std::string Counted(size_t count, const std::string& noun);

@@ -143,7 +143,8 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
       {"", "00A40000 0\n", 3,
        "script:1: the command has an odd number of digits (9); nothing sent\n", ""},
       {"", "00A4000002 3FOO\n", 3,
-       "script:1: the command is not hexadecimal: character 13 of 14 is no digit; nothing sent\n",
+       "script:1: the command has no hexadecimal digit at column 14\n  00A4000002 3FOO\n"
+       "               ^\n",
        ""},
       {"", "%A = 00A400\n%A\n", 3,
        "script:2: the command has 3 bytes, its header alone needs 4; nothing sent\n", ""},
@@ -156,11 +157,7 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
        "to its host\n",
        ""},
       {"", "00D6000008 @SUBKEY(0011,1122334455667788)\n", 3,
-       "script:1: @SUBKEY failed: is its key 8, 16 or 24 bytes long, the module orvane_crypto "
-       "there, and FIPS mode off?\n",
-       ""},
-      {"", "@compare(00,00,2)\n", 3,
-       "script:1: @compare expects 1 (equal) or 0 (different) as third argument\n", ""},
+       "script:1: the key of @SUBKEY has 2 octets; it takes 8, 16 or 24\n", ""},
       {"", "@setslot(1)\n", 3,
        "script:1: a slot is two hexadecimal digits, such as 00 or 0C, not \"1\"\n", ""},
       // The whole script is checked before its first line.
@@ -169,13 +166,76 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
   });
 }
 
+TEST_F(Program, RefusesWhatNobodyMeans) {
+  const std::string k = "%K = 0123456789ABCDEF\n";
+  const auto octets = [](size_t count) { return std::string(2 * count, 'A'); };
+  const struct {
+    std::string script, err;  // what stands behind the line's number
+    std::string options = "-q";
+  } rows[] = {
+      {"%X = @des( 0123456789ABCDEO, 11, 1)\n",
+       "the key of @des has no hexadecimal digit at column 27\n"
+       "  %X = @des( ****************, **, *)\n                            ^\n"},
+      {"%C = 01O345\n%X = @des(00 %C,11,1)\n",
+       "the key of @des has no hexadecimal digit at character 3 of %C\n  ******\n    ^\n"},
+      {k + "%X = @mac(%K,11%K,00,0)\n",
+       "the data of @mac has no hexadecimal digit at column 16; a variable needs a blank before "
+       "it\n  %X = @mac(%K,****,**,*)\n                 ^\n"},
+      {"%X = @xor(0x12,FF)\n",
+       "the data of @xor has no hexadecimal digit at column 12; there is no 0x\n"
+       "  %X = @xor(0x12,FF)\n             ^\n"},
+      {"%X = @xor(%V,FFFF)\n",
+       "the data of @xor has no hexadecimal digit at character 3 of %V; a blank in a value counts "
+       "as a digit here\n  3F 00\n    ^\n",
+       "-q -D V=\"3F 00\""},
+      {"%X = @xor(112,FF)\n", "the data of @xor has an odd number of digits (3)\n"},
+      {"%X = @xor(11,%E)\n", "the mask of @xor is empty\n", "-q -D E="},
+      {"%X = @strmid(AB,0A,1)\n", "the start of @strmid is no decimal number, but \"0A\"\n"},
+      {"@compare(1,1,01)\n", "the expected of @compare is neither 0 nor 1, but \"01\"\n"},
+      {k + "%X = @des(%K,00,@strmid(01,0,2))\n", "the flag of @des is neither 0 nor 1\n"},
+      {k + "%X = @des(%K," + octets(257) + ",1)\n",
+       "the data of @des has 257 octets; the most is 256\n"},
+      {k + "%X = @descbc(%K,00," + octets(17) + ",1)\n",
+       "the iv of @descbc has 17 octets; the most is 16\n"},
+      {"%X = @HASH(" + octets(4097) + ")\n",
+       "the hex of @HASH has 4097 octets; the most is 4096\n"},
+      {"%X = @HASH(%E)\n",
+       "the hex of @HASH has no hexadecimal digit at character 2 of %E (the library: "
+       "\u7B2C2\u4E2A\u5B57\u7B26\u4E0D\u662F16\u8FDB\u5236\u5B57\u7B26\uFF0C"
+       "\u8BF7\u68C0\u67E5\uFF01)\n  1G\n   ^\n",
+       "-q -D E=1G"},
+      {"%X = @RSAPUBENC(FF,3,100)\n",
+       "@RSAPUBENC: its data has 3 digits, its modulus 2; data can't be longer\n"},
+      {"%X = @RSAPUBENC(FF,3,ff)\n",
+       "@RSAPUBENC failed: its data is no smaller number than its modulus (the library: "
+       "RSA\u52A0\u5BC6\u5931\u8D25)\n"},
+      {"00A4;\n",
+       "the command has no hexadecimal digit at column 5; a comment needs a line of its own\n"
+       "  00A4;\n      ^\n"},
+      {"@openreader(\"Simulated Reader 0\")\n",
+       "the reader of @openreader has quotes: there are none here\n"},
+      {k + "%K%K\n", "undefined variable %K%K; a variable needs a blank before it\n"},
+  };
+  for (const auto& row : rows) {
+    const size_t line = row.script.find('\n') + 1 == row.script.size() ? 1 : 2;
+    ExpectRows(
+        {{row.options, row.script, 3, "script:" + std::to_string(line) + ": " + row.err, ""}});
+  }
+  // The literals of a whole script are looked at before its first line.
+  ExpectRows({{"", kSelect + "@compare(1,1,2)\n", 3,
+               "script:2: the expected of @compare is neither 0 nor 1, but \"2\"\n", ""},
+              {"",
+               "%A = @strmid(3AB, +1 , 5)\n@compare(%A,AB,1)\n%X = @RSAPUBENC(0CA1,3,041)\n"
+               "%A = @strlenh(@strmidh(%A,5,1))\n",
+               0, "", ""}});
+}
+
 TEST_F(Program, ReportsReaderTrouble) {
   const std::string empty = "-r \"Simulated Reader 1\"";
   ExpectRows({
       {"-r Nowhere", "", 4,
-       "orvane: can't open the reader Nowhere (PC/SC): there is none; there is: Simulated Reader "
-       "0, Simulated "
-       "Reader 1\n",
+       "orvane: can't open the reader Nowhere (PC/SC): there is none; there is: port 1 Simulated "
+       "Reader 0, port 2 Simulated Reader 1\n",
        ""},
       {"-r 9:1", "", 4, "orvane: there is no reader kind 9\n", ""},
       {"", "@OPENREADER(5:9)\n", 4,
@@ -344,6 +404,9 @@ TEST_F(Program, SendsEachArgumentOrNothing) {
   ExpectInOrder(piped.out, "SELECT|03  ** (3 bytes)   VERIFY|GET CHALLENGE");
   const std::pair<std::string, std::string> rows[] = {
       {"00A40000023F00 00A4000", ""}, {"[00A40000]", ""}, {"-", "\n"}, {"-", "00A40000\n00A4\n"}};
+  EXPECT_EQ(RunOrvane("apdu --simulate --expect \"61XX or 9x00\" 00A40000").exitCode, 0);
+  EXPECT_EQ(RunOrvane("apdu --simulate --expect 61xx 00A40000").exitCode, 1);
+  EXPECT_EQ(RunOrvane("apdu --simulate --expect 900 00A40000").exitCode, 2);
   for (const auto& [arguments, input] : rows) {
     const Outcome refused = RunOrvane("apdu --simulate " + arguments, input);
     EXPECT_EQ(refused.exitCode, 3) << arguments;

@@ -10,6 +10,11 @@ namespace {
 TEST(Statement, IsRefusedWhereTheLibraryWouldPassOverSomething) {
   const std::pair<std::string_view, std::string_view> rows[] = {
       {"( 00", "begin"},
+      {"# one, two", "a comment begins with ;"},
+      {"%A = 12 ; one, two",
+       "a comment needs a line of its own\n  %A = 12 ; one, two\n          ^"},
+      {"00A4 %A # text", "line of its own"},
+      {"@OPENREADER(\"Name (1)\")", "there are no quotes"},
       {"00A4,0400", "\",\" has no meaning"},
       {"00A4 (0400)", "\"(\" has no meaning"},
       {"%A B = 1", "\"=\" has no meaning"},
@@ -40,9 +45,9 @@ TEST(Statement, IsRefusedWhereTheLibraryWouldPassOverSomething) {
     }
   }
   // Forms that a careful reader might refuse.
-  for (const char* line : {"  // (text", "; @nosuch", "$ any (text", "@reset()/text", "00 ; text",
-                           "A B C=D", "A B = 1", "%A = @StrMid( %B 00 , 1 2,2)",
-                           "@compare(%A,B,1) ; what (stands here, is not read"}) {
+  for (const char* line :
+       {"  // (text", "; @nosuch", "$ any (text", "@reset()/text", "%A ; %B", "A B C=D", "A B = 1",
+        "%A = @StrMid( %B 00 , 1 2,2)", "@compare(%A,B,1) ; what (stands here, is not read"}) {
     EXPECT_NO_THROW(ReadStatement(line)) << line;
   }
   const auto nested = [](size_t depth) {

@@ -1,0 +1,197 @@
+#include "host/operands.h"
+
+#include <orvane.h>
+
+#include "host/builtin.h"
+#include "host/engine.h"
+#include "host/failure.h"
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+constexpr Parameter kCommand = {
+    .name = "the command", .kind = ArgumentKind::kHex, .skipsBlanks = true};
+
+// The place in the statement's text of a character of a literal, which has lost its blanks.
+size_t PlaceOf(const Statement& statement, const Word& literal, size_t character) {
+  size_t at = literal.begin;
+  for (;; ++at) {
+    const char c = statement.text[at];
+    if (c == ' ' || c == '\t') continue;
+    if (character-- == 0) return at;
+  }
+}
+
+// Looks at operands one by one, so that a fault is found where it was typed.
+class Reader {
+ public:
+  // what names the operands, as in "the key of @des".
+  Reader(const Statement& statement, const Parameter& parameter, std::string what, bool hide)
+      : statement_(statement), parameter_(parameter), what_(std::move(what)), hide_(hide) {}
+
+  void CheckCharacters(Words words, bool withValues) const {
+    size_t depth = 0;
+    for (size_t at = words.first; at <= words.last; ++at) {
+      const Word& word = statement_.words[at];
+      if (word.kind == WordKind::kClose) --depth;
+      if (word.kind == WordKind::kOpen) ++depth;
+      if (depth > 0) continue;
+      if (word.kind == WordKind::kLiteral) CheckLiteral(word);
+      if (word.kind == WordKind::kVariable && withValues) {
+        CheckValue(Evaluate(word.text), " of " + Printable(word.text));
+      }
+    }
+    if (withValues) CheckValue(Evaluate(statement_.Source(words)), "");
+  }
+
+  void CheckWhole(std::string_view value) const {
+    const std::string fault = FaultIn(parameter_, value);
+    if (!fault.empty()) throw Failure(kScriptFault, what_ + ' ' + fault + Quoted(value));
+  }
+
+ private:
+  static constexpr size_t kQuoted = 40;
+
+  std::string Quoted(std::string_view value) const {
+    const ArgumentKind kind = parameter_.kind;
+    const bool shows = kind == ArgumentKind::kNumber || kind == ArgumentKind::kFlag;
+    if (hide_ || !shows) return "";
+    return ", but \"" + std::string(value.substr(0, kQuoted)) + '"';
+  }
+
+  void CheckLiteral(const Word& word) const {
+    const auto wrong = FindWrongCharacter(parameter_, word.text);
+    if (!wrong) return;
+    const size_t at = PlaceOf(statement_, word, *wrong);
+    throw Wrong("column " + std::to_string(ColumnOf(statement_.text, at)), Line(),
+                statement_.text[at], at);
+  }
+
+  std::string Line() const {
+    std::string line = statement_.text;
+    for (const Word& word : statement_.words) {
+      if (!hide_ || word.kind != WordKind::kLiteral) continue;
+      const size_t size = word.end - word.begin;
+      line.replace(word.begin, size, Masked(statement_.text.substr(word.begin, size)));
+    }
+    return line;
+  }
+
+  void CheckValue(const std::string& value, const std::string& where) const {
+    const auto wrong = FindWrongCharacter(parameter_, value);
+    if (!wrong) return;
+    throw Wrong("character " + std::to_string(ColumnOf(value, *wrong)) + where,
+                hide_ ? Masked(value) : value, value[*wrong], *wrong);
+  }
+
+  Failure Wrong(const std::string& place, std::string_view text, char wrong, size_t at) const {
+    return Failure(kScriptFault, what_ + " has no hexadecimal digit at " + place +
+                                     std::string(HintAt(wrong)) + MarkedAt(text, at));
+  }
+
+  const Statement& statement_;
+  const Parameter& parameter_;
+  std::string what_;
+  bool hide_;
+};
+
+class CheckedCall {
+ public:
+  CheckedCall(const Statement& statement, const Call& call, bool hide)
+      : statement_(statement), call_(call), hide_(hide), arguments_(Arguments(statement, call)) {}
+
+  void CheckLiterals() const {
+    std::vector<std::string> values;
+    for (size_t number = 0; number < arguments_.size(); ++number) {
+      const Words words = arguments_[number];
+      const Word& word = statement_.words[words.first];
+      At(number).CheckCharacters(words, false);
+      if (words.first != words.last || word.kind != WordKind::kLiteral) continue;
+      At(number).CheckWhole(word.text);
+      values.push_back(word.text);
+    }
+    if (values.size() == arguments_.size()) CheckTogether(values);
+  }
+
+  // Gives the values.
+  std::vector<std::string> CheckValues() const {
+    std::vector<std::string> values;
+    for (size_t number = 0; number < arguments_.size(); ++number) {
+      At(number).CheckCharacters(arguments_[number], true);
+      values.push_back(Evaluate(statement_.Source(arguments_[number])));
+      At(number).CheckWhole(values.back());
+    }
+    CheckTogether(values);
+    return values;
+  }
+
+ private:
+  Reader At(size_t number) const {
+    const Parameter& parameter = call_.builtin->parameters[number];
+    return Reader(statement_, parameter, "the " + std::string(parameter.name) + " of " + Keyword(),
+                  hide_);
+  }
+
+  void CheckTogether(const std::vector<std::string>& values) const {
+    const std::string fault = FaultAmong(*call_.builtin, values);
+    if (!fault.empty()) throw Failure(kScriptFault, Keyword() + ": " + fault);
+  }
+
+  const std::string& Keyword() const { return statement_.words[call_.words.first].text; }
+
+  const Statement& statement_;
+  const Call& call_;
+  bool hide_;
+  std::vector<Words> arguments_;
+};
+
+void CheckDefined(const Statement& statement) {
+  for (size_t at = statement.value; at < statement.end; ++at) {
+    const Word& word = statement.words[at];
+    if (word.kind != WordKind::kVariable || GetVarValue(word.text.c_str()) == ScriptDone) continue;
+    const size_t second = word.text.find('%', 1);
+    throw Failure(kScriptFault, "undefined variable " + word.text +
+                                    std::string(second == word.text.npos ? "" : HintAt('%')));
+  }
+}
+
+void CheckCall(const Statement& statement, const Call& call, bool hide) {
+  std::string message;
+  const bool fails = !call.builtin->forHost && Fails(statement.Source(call.words), message);
+  if (!message.empty()) message = " (the library: " + Printable(message) + ")";
+  std::vector<std::string> values;
+  try {
+    values = CheckedCall(statement, call, hide).CheckValues();
+  } catch (const Failure& failure) {
+    const std::string cause = failure.what();
+    const size_t line = std::min(cause.find('\n'), cause.size());
+    throw Failure(kScriptFault,
+                  cause.substr(0, line) + (fails ? message : "") + cause.substr(line));
+  }
+  if (!fails) return;
+  throw Failure(kScriptFault, statement.words[call.words.first].text +
+                                  " failed: " + LikelyCause(*call.builtin, values) + message);
+}
+
+}  // namespace
+
+void CheckLiterals(const Statement& statement, bool hide) {
+  for (const Call& call : statement.calls) CheckedCall(statement, call, hide).CheckLiterals();
+  const bool forHost = !statement.calls.empty() && statement.calls.back().builtin->forHost;
+  if (statement.form != Form::kExpression || forHost) return;
+  Reader(statement, kCommand, std::string(kCommand.name), hide)
+      .CheckCharacters({0, statement.end - 1}, false);
+}
+
+void CheckOperands(const Statement& statement, bool hide) {
+  CheckDefined(statement);
+  for (const Call& call : statement.calls) CheckCall(statement, call, hide);
+}
+
+void CheckCommand(const Statement& statement, bool hide) {
+  Reader(statement, kCommand, std::string(kCommand.name), hide)
+      .CheckCharacters({0, statement.end - 1}, true);
+}
+
+}  // namespace host
