@@ -66,7 +66,9 @@ if(ORVANE_TOOLS)
     INSTALL_RPATH "$ORIGIN;$ORIGIN/${libraries}" BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS orvane_host COMPONENT program)
   relative_path(simulators ${CMAKE_INSTALL_BINDIR} ${simulators_folder})
-  target_compile_definitions(orvane_host_parts PRIVATE "INSTALLED_SIMULATORS=\"${simulators}\"")
+  relative_path(documents ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_DOCDIR})
+  target_compile_definitions(orvane_host_parts PRIVATE
+    "INSTALLED_SIMULATORS=\"${simulators}\"" "INSTALLED_EXAMPLES=\"${documents}/examples\"")
 
   # WD's simulator in a folder of its own: beside the library it would stand in the place of the
   # vendor's, which the library takes from there and from nowhere else.

@@ -4,10 +4,16 @@
 
 #include "host/definitions.h"
 #include "host/failure.h"
+#include "host/platform.h"
 #include "host/reader_address.h"
+#include "host/status_word.h"
 
 namespace host {
 namespace {
+
+#ifndef INSTALLED_EXAMPLES  // from the program's folder, if there is an installation
+#define INSTALLED_EXAMPLES "examples"
+#endif
 
 constexpr const char* kFooter = R"text(
 Readers
@@ -57,13 +63,26 @@ Exit codes
   5  a file, standard input or standard output can't be read or written; nothing more is
      sent then
   A shell that reads no terminal gives the code of its first failure.
-
-Try it
-  orvane run --simulate examples/payment.orv
 )text";
 
 constexpr const char* kShortFooter =
     "\norvane --help tells how readers are named, what is hidden, and the exit codes.";
+
+// The script to begin with, in a checkout's build or in the installation that the program is of.
+std::string TryIt() try {
+  const std::filesystem::path program = ProgramFolder();
+  for (const std::filesystem::path& folder :
+       {program / INSTALLED_EXAMPLES, program / "../../examples"}) {
+    const std::filesystem::path file = (folder / "payment.orv").lexically_normal();
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) continue;
+    const std::u8string name = file.u8string();
+    return "\nTry it\n  orvane run --simulate \"" + std::string(name.begin(), name.end()) + "\"\n";
+  }
+  return "";
+} catch (const Failure&) {  // the system does not tell where the program stands
+  return "";
+}
 
 // Puts the kind's number in the place of its name.
 std::string ReadKind(std::string& text) {
@@ -158,6 +177,19 @@ void DescribeOptions(CLI::App& app, Options& options) {
                   "One APDU an argument; blanks are allowed. - is the lines of standard input, "
                   "which no list of processes shows")
       ->required();
+  apdu.add_option("--expect", options.expected,
+                  "What every status word should be: 9000, X for any digit, several as in "
+                  "\"61XX or 9000\". At the first other one the program ends, with exit code 1")
+      ->type_name("WORD")
+      ->check([](const std::string& text) {
+        return IsPattern(text) ? "" : text + " is no status word: four digits or X, as in 61XX";
+      });
+  apdu.footer(
+      "\nExit code: 0 if each APDU got an answer, whatever its status word says; 1 if one is not "
+      "as\n--expect has it; 3 if an APDU is wrong, and none is sent then; 4 for trouble with "
+      "reader "
+      "or card.\n" +
+      std::string(kShortFooter));
   AddReader(apdu, options);
   AddTrace(apdu, options);
   AddTlv(apdu, options);
@@ -184,7 +216,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
       ->type_name("N")
       ->check(CLI::Range(1, 256));
   readers.add_flag("--simulate", options.simulate, "List the simulated readers");
-  app.footer(kFooter);
+  app.footer(kFooter + TryIt());
 }
 
 void CheckArguments(const std::vector<std::string>& arguments) {

@@ -66,8 +66,10 @@ void CheckMachine(const ReaderAddress& address) {
 
 std::string PcscReaders() {
   std::string names;
+  size_t port = 0;
   for (const std::string& name : ListReaders(ReaderKindPcsc, 0)) {
-    names += (names.empty() ? "" : ", ") + Printable(name);
+    names +=
+        (names.empty() ? "" : ", ") + ("port " + std::to_string(++port)) + ' ' + Printable(name);
   }
   if (!names.empty()) return "there is: " + names;
   const std::string trouble = PcscTrouble("");

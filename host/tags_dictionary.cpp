@@ -28,8 +28,10 @@ void CheckEntry(const TagEntry& entry) {
     if (text.size() < room) return;
     throw Failure(kScriptFault, "the " + what + " has more than " + Counted(room - 1, "byte"));
   };
-  if (entry.tag.empty() || !std::all_of(entry.tag.begin(), entry.tag.end(), IsHexDigit)) {
-    throw Failure(kScriptFault, Printable(entry.tag) + " is no tag");
+  if (entry.tag.empty() || entry.tag.size() % 2 != 0 ||
+      !std::all_of(entry.tag.begin(), entry.tag.end(), IsHexDigit)) {
+    throw Failure(kScriptFault,
+                  Printable(entry.tag) + " is no tag: two hexadecimal digits an octet");
   }
   if (entry.name.empty()) {
     throw Failure(kScriptFault, "tag " + Printable(entry.tag) + " has no name");

@@ -61,9 +61,9 @@ TEST_F(SessionTest, TakesTheOnlyReaderWhereNoneIsNamed) {
     std::string shown;
   } rows[] = {
       {{"Simulated Reader 0"}, "", 3, "", "reader Simulated Reader 0 (PC/SC)\n"},
-      {{"A", "B 1"}, "", 3, "there is: A, B 1" + rest + "\n", ""},
+      {{"A", "B 1"}, "", 3, "there is: port 1 A, port 2 B 1" + rest + "\n", ""},
       {{}, "", 3, "no PC/SC reader is there" + rest + "\n", ""},
-      {{"Simulated Reader 0"}, "", 5, "there is: Simulated Reader 0" + rest + "\n", ""},
+      {{"Simulated Reader 0"}, "", 5, "there is: port 1 Simulated Reader 0" + rest + "\n", ""},
       {{"Simulated Reader 0", "Simulated Reader 1"}, "2", 3, "", "reader port 2 (PC/SC)\n"},
   };
   for (const auto& row : rows) {
@@ -202,7 +202,7 @@ TEST_F(SessionTest, NamesWhatKeepsAReaderFromOpening) {
       {kReader,
        {{"SCardConnectA", 0x8010001D}, {"SCardEstablishContext", 0x8010001D}},
        "the PC/SC service does not run"},
-      {"3:3", {}, "there is none; there is: Simulated Reader 0, Simulated Reader 1"},
+      {"3:3", {}, "there is none; there is: port 1 Simulated Reader 0, port 2 Simulated Reader 1"},
       {"10:localhost:8000", {}, "\"localhost\" is no IPv4 address: a payment HSM is "},
       {"10:1.2.3.256:8000", {}, "\"1.2.3.256\" is no IPv4 address"},
       {"10:127.0.0.1", {}, "an address has no port"},
