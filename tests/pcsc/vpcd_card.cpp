@@ -51,20 +51,12 @@ void VpcdCard::Pull() {
 
 std::string VpcdCard::Atr() const { return simulator::ToHex(card_.Atr()); }
 
-std::vector<std::string> VpcdCard::Commands() const {
-  const std::lock_guard lock(mutex_);
-  return commands_;
-}
-
 void VpcdCard::Serve() {
   uint8_t length[2];
   while (ReceiveAll(length)) {
     std::vector<uint8_t> message(static_cast<size_t>(length[0] << 8 | length[1]));
     if (!ReceiveAll(message)) return;
-    if (message.size() != 1) {
-      const std::lock_guard lock(mutex_);
-      commands_.push_back(simulator::ToHex(message));
-    } else if (message[0] != kAskForAtr) {
+    if (message.size() == 1 && message[0] != kAskForAtr) {
       card_.Reset();
       continue;
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <mutex>
 #include <span>
 #include <string>
 #include <thread>
@@ -24,9 +23,6 @@ class VpcdCard {
 
   std::string Atr() const;
 
-  // The commands that reached the card so far, as hexadecimal text.
-  std::vector<std::string> Commands() const;
-
  private:
   void Serve();
   bool ReceiveAll(std::span<uint8_t> octets);
@@ -35,6 +31,4 @@ class VpcdCard {
   simulator::VirtualCard card_;
   int socket_ = -1;
   std::thread thread_;
-  mutable std::mutex mutex_;  // guards commands_
-  std::vector<std::string> commands_;
 };
