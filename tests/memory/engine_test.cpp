@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include "engine/script_host.h"
 #include "memory/failing_allocations.h"
@@ -58,47 +57,44 @@ TEST(Memory, MissingForTheStatementItselfIsAnException) {
   }
 }
 
-using Words = std::vector<std::string>;
-
-std::string Call(const std::string& keyword, const Words& arguments) {
-  std::string text = keyword + "(";
-  for (const std::string& argument : arguments) text += (text.back() == '(' ? "" : ",") + argument;
-  return text + ")";
+// A statement in which L, K and M stand for the long value, the key and the modulus.
+std::string Written(const char* pattern) {
+  std::string statement;
+  for (; *pattern != '\0'; ++pattern) {
+    statement += *pattern == 'L'   ? kLong
+                 : *pattern == 'K' ? kKey
+                 : *pattern == 'M' ? kModulus
+                                   : std::string(1, *pattern);
+  }
+  return statement;
 }
 
 TEST(Memory, MissingInACommandIsAFailureOfTheStatement) {
-  const struct {
-    const char* keyword;
-    Words arguments;
-  } rows[] = {
-      {"@strmid", {kLong, "1", "20"}},
-      {"@strmidh", {kLong, "1", "20"}},
-      {"@strlen", {kLong}},
-      {"@strlenh", {kLong}},
-      {"@xor", {kLong, kKey}},
-      {"@asc2hex", {kLong}},
-      {"@hex2asc", {kLong}},
-      {"@compare", {kLong, kLong, "1"}},
-      {"@setreader", {kLong}},
-      {"@setslot", {kLong}},
-      {"@openreader", {kLong}},
-      {"@reset", {}},
-      {"@stop", {}},
-      {"@des", {kKey, kLong, "1"}},
-      {"@descbc", {kKey, kLong, kKey, "1"}},
-      {"@mac", {kKey, kLong, kKey, "1"}},
-      {"@subkey", {kKey, kKey}},
-      {"@hash", {kLong}},
-      {"@rsapubenc", {kModulus, "010001", kLong}},
-      {"@strlen(@xor", {"@asc2hex(" + kLong + ")", kKey}},
-      {"", {kLong, kKey}},
-  };
   ASSERT_EQ(RunOne("@strlen(@hash(" + kLong + "))").text, "40") << "there is no crypto module";
   SetVarValue("%KEPT", kLong.c_str());
-  for (const auto& row : rows) {
+  for (const char* pattern : {"@strmid(L,1,20)",
+                              "@strmidh(L,1,20)",
+                              "@strlen(L)",
+                              "@strlenh(L)",
+                              "@xor(L,K)",
+                              "@asc2hex(L)",
+                              "@hex2asc(L)",
+                              "@compare(L,L,1)",
+                              "@setreader(L)",
+                              "@setslot(L)",
+                              "@openreader(L)",
+                              "@reset()",
+                              "@stop()",
+                              "@des(K,L,1)",
+                              "@descbc(K,L,K,1)",
+                              "@mac(K,L,K,1)",
+                              "@subkey(K,K)",
+                              "@hash(L)",
+                              "@rsapubenc(M,010001,L)",
+                              "@strlen(@xor(@asc2hex(L),K))",
+                              "L K"}) {
     for (const std::string target : {"", "%OUT = "}) {
-      const std::string statement =
-          target + (*row.keyword ? Call(row.keyword, row.arguments) : kLong + " " + kKey);
+      const std::string statement = target + Written(pattern);
       SCOPED_TRACE(statement);
       const Outcome right = RunOne(statement);
       ASSERT_TRUE(right.code <= 8);
