@@ -65,12 +65,6 @@ class DriverTest : public ReaderTest {
   std::size_t seen_ = 0;
 };
 
-template <const SimulatedReader& kTested>
-class DriverOf : public DriverTest {
- protected:
-  DriverOf() : DriverTest(kTested) {}
-};
-
 constexpr char kCardAtr[] = "3B6A0000803180664F5256414E45";
 
 }  // namespace orvane_test

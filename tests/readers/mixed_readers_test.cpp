@@ -1,7 +1,6 @@
 #include <map>
-#include <sstream>
 
-#include "readers/driver_test.h"
+#include "readers/host_steps.h"
 #include "simulators/encryption_machine.h"
 
 namespace orvane_test {
@@ -16,12 +15,12 @@ const SimulatedReader& ReaderOf(unsigned slot) { return *kReaders[slot % std::si
 
 class MixedReaders : public ReaderTest {
  protected:
-  const SimulatedModule winscard{"winscard"}, dcrf32{"dcrf32"}, s5009{"S5009"},
-      tyreader{"tyreader"}, tykeyint{"tykeyint"}, wdcrwx{"wdcrwx"}, bsit{"STJZZ_BSIT"},
-      sdtapi{"sdtapi"};
-  const std::map<std::string, const SimulatedModule*> modules = {
-      {"winscard", &winscard}, {"dcrf32", &dcrf32}, {"S5009", &s5009},     {"tyreader", &tyreader},
-      {"tykeyint", &tykeyint}, {"wdcrwx", &wdcrwx}, {"STJZZ_BSIT", &bsit}, {"sdtapi", &sdtapi}};
+  MixedReaders() {
+    for (const SimulatedReader* reader : kReaders)
+      modules.try_emplace(reader->vendor, reader->vendor);
+  }
+
+  std::map<std::string, const SimulatedModule> modules;
 };
 
 // In one slot, each kind after each other: the former reader is closed, and closed before the new
@@ -32,7 +31,7 @@ TEST_F(MixedReaders, FollowEachOtherInASlot) {
     for (const SimulatedReader* next : kReaders) {
       SCOPED_TRACE(std::to_string(former->kind) + ", then " + std::to_string(next->kind));
       EmptySlots();
-      const SimulatedModule& module = *modules.at(former->vendor);
+      const SimulatedModule& module = modules.at(former->vendor);
       module.Restart();
       ASSERT_EQ(Open(*former), 1);
       const std::size_t opening = module.Journal().size();
@@ -82,7 +81,7 @@ TEST_F(MixedReaders, StandSideBySideInAllSlots) {
 TEST_F(MixedReaders, OutliveALibraryThatThrowsWhenItCloses) {
   for (const SimulatedReader* reader : kReaders) {
     SCOPED_TRACE(reader->kind);
-    const SimulatedModule& module = *modules.at(reader->vendor);
+    const SimulatedModule& module = modules.at(reader->vendor);
     const std::string closing = reader->closing;
     const auto works = [](const SimulatedReader& opened) {
       return Open(opened) == 1 && ResetCard().result == 1 && Send("00A4000C023F00").result == 1;
@@ -105,82 +104,30 @@ TEST_F(MixedReaders, OutliveALibraryThatThrowsWhenItCloses) {
 TEST_F(MixedReaders, HandOverHandlesWithTheirSign) {
   const struct {
     const SimulatedReader& reader;
-    const char* opening;
-    std::int64_t result;
-    std::int64_t given;  // where the result is not the handle
-    const char* used;
+    std::string opening;  // with its result, and the handle where that is another one
+    std::string used;
   } rows[] = {
-      {kTyCom, "TY_Open", -2, 0, "-2"},
-      {kTyUsb, "TYKey_OpenTYKey", 0x9000, 0x100000005, "5"},
-      {kTyUsb, "TYKey_OpenTYKey", 0x9000, 0xFFFFFFFE, "-2"},
-      {kTyUsb, "TYKey_OpenTYKey", 0x9000, INT64_C(0x7FFFFFFF80000000), "-2147483648"},
-      {kWd, "CT_open", -2, 0, "-2"},  // refuses, and the handle stays
-      {kD8, "dc_init", 0x1FFFFFFFE, 0, "-2"},
-      {kBsit, "bsit_openHID", -2, 0, "-2"},
+      {kTyCom, "TY_Open -2", "(-2"},
+      {kTyUsb, "TYKey_OpenTYKey 0x9000 - 0x100000005", "(5"},
+      {kTyUsb, "TYKey_OpenTYKey 0x9000 - 0xFFFFFFFE", "(-2"},
+      {kTyUsb, "TYKey_OpenTYKey 0x9000 - 0x7FFFFFFF80000000", "(-2147483648"},
+      {kWd, "CT_open -2", "(-2"},  // refuses, and the handle stays
+      {kD8, "dc_init 0x1FFFFFFFE", "(-2"},
+      {kBsit, "bsit_openHID -2", "(-2"},
   };
-  for (const auto& [reader, opening, result, given, used] : rows) {
-    SCOPED_TRACE(opening);
-    EmptySlots();
-    const SimulatedModule& module = *modules.at(reader.vendor);
-    module.Restart();
-    module.Answer(opening, result, nullptr, given);
-    Open(reader);
-    for (const char* slot : {"0C", "00"}) {
-      ChangeSlot(slot);
-      ResetCard();
-      Send("00A4000C023F00");
+  for (const auto& [reader, opening, used] : rows) {
+    const std::string all = TakeSteps(
+        reader, modules.at(reader.vendor),
+        "answer " + opening + ";open;slot 0C;reset;send 00A4;slot 00;reset;send 00A4;close");
+    std::size_t calls = 0, withHandle = 0;
+    for (std::size_t at = all.find('('); (at = all.find('(', at + 1)) != std::string::npos;
+         ++calls) {
+      const char end = all[at + used.size()];
+      withHandle += all.compare(at, used.size(), used) == 0 && (end == ',' || end == ')');
     }
-    CloseReader();
-    std::istringstream calls(module.Journal());
-    std::string call;
-    std::getline(calls, call);
-    int withHandle = 0;
-    for (; std::getline(calls, call); ++withHandle) {
-      const std::size_t argument = call.find('(') + 1;
-      EXPECT_EQ(call.substr(argument, call.find_first_of(",)") - argument), used) << call;
-    }
-    EXPECT_GE(withHandle, 5);
+    EXPECT_GE(calls, 5U) << all;
+    EXPECT_EQ(withHandle, calls) << all;
   }
-}
-
-// Whether a tool whose open failed is still the one that the next open of its kind finds.
-TEST_F(MixedReaders, KeepAToolThatKnowsItsKind) {
-  const struct {
-    const SimulatedReader& reader;
-    const char* wrongName;  // null: by port
-    const char* slotCall;   // in the slot that the failed tool was told
-    bool expected;
-  } rows[] = {
-      {kD8, "COM9", "dc_cpureset_hex(", true},     {kD8, "nothing", "dc_cpureset_hex(", true},
-      {kD8, nullptr, "dc_cpureset_hex(", false},   {kTyCom, "COM9", "TY_Dreset(0, 1)", true},
-      {kTyCom, nullptr, "TY_Dreset(0, 1)", true},  {kS5009, "COM9", "ExchangeAPDU(1,", false},
-      {kS5009, nullptr, "ExchangeAPDU(1,", false},
-  };
-  for (const auto& [reader, wrongName, slotCall, expected] : rows) {
-    SCOPED_TRACE(reader.vendor + std::string(wrongName != nullptr ? wrongName : " by port"));
-    EmptySlots();
-    const SimulatedModule& module = *modules.at(reader.vendor);
-    module.Restart();
-    EXPECT_EQ(wrongName != nullptr ? OpenReaderA(wrongName, reader.kind)
-                                   : OpenReader(9, reader.kind, 9600),
-              0);
-    ChangeSlot("01");
-    ASSERT_EQ(OpenReader(1, reader.kind, 9600), 1);
-    ResetCard();
-    Send("00A40000");
-    EXPECT_EQ(module.Journal().find(slotCall) != std::string::npos, expected);
-  }
-}
-
-// The destructor of a tool that is replaced is heard in the library; that of a kept one is not.
-TEST_F(MixedReaders, KeepToolsThatOpenByNameAlone) {
-  wdcrwx.Answer("CT_open", 0);
-  EXPECT_EQ(OpenReaderA("WDUSB1", ReaderKindWd), 0);
-  EXPECT_EQ(OpenReaderA("WDUSB1", ReaderKindWd), 1);
-  EXPECT_EQ(wdcrwx.Journal().find("CT_close"), std::string::npos);
-  EXPECT_EQ(OpenReaderA("ICR-COM9", ReaderKindIcr), 0);
-  EXPECT_EQ(OpenReaderA("ICR-COM1", ReaderKindIcr), 1);
-  EXPECT_EQ(CallsWithoutResults(sdtapi.Journal()), "SDT_OpenPort(9)\nSDT_OpenPort(1)\n");
 }
 
 }  // namespace

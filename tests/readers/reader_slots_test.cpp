@@ -1,15 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <tuple>
-
-#include "readers/reader_host.h"
-#include "support/simulated_module.h"
+#include "readers/host_steps.h"
 
 namespace orvane_test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 class ReaderSlots : public ReaderTest {};
 
@@ -37,6 +29,7 @@ TEST_F(ReaderSlots, OfTheKindWithNothingBehindIt) {
   EXPECT_EQ(Send("00A40400"), (Reply{1, ""}));
   EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
   ChangeSlot("01");
+  for (const int kind : {6, 9}) EXPECT_TRUE(List(kind, 4, 4).empty());
   EXPECT_EQ(CloseReader(), 1);
   EXPECT_EQ(CloseReader(), 1);
   for (const int kind : {9, 13, -1, 0x7FFFFFFF}) {
@@ -64,56 +57,24 @@ TEST_F(ReaderSlots, AnswerInTheAreaOfTheCommand) {
   EXPECT_STREQ(area, "9000");
 }
 
-// What a session gives, and the library's journal of it, when each call of the library first calls
-// back as told.
-Lines Session(void (*callBack)()) {
-  const support::SimulatedModule module("STJZZ_BSIT");
-  ReaderTest::EmptySlots();
-  SetReader(2);
-  ReaderInfo list[16];
-  Lines outcomes;
-  const std::function<Reply()> calls[] = {
-      [] {
-        return Reply{OpenReaderA("BSIT:1", ReaderKindBsit), ""};
-      },
-      [] {
-        return Reply{OpenReader(1, ReaderKindBsit, 9600), ""};
-      },
-      [] { return ChangeSlot("00"), Reply{}; },
-      [] { return ResetCard(); },
-      [] { return Send("00A4000C023F00"); },
-      [&] {
-        return Reply{GetReaderList(ReaderKindBsit, list, 0, 0), list[1].name};
-      },
-      [] {
-        return Reply{CloseReader(), ""};
-      },
-      [] {
-        return Reply{OpenReader(1, ReaderKindBsit, 9600), ""};
-      },
-      [] {
-        return Reply{OpenReader(1, ReaderKindFm8201, 9600), ""};
-      },  // closes the other kind
-      [] { return Send("00"); }};
-  for (const auto& call : calls) {
-    module.CallBack(callBack);
-    outcomes.push_back(testing::PrintToString(call()));
-  }
-  outcomes.push_back(module.Journal());
-  return outcomes;
-}
-
 TEST_F(ReaderSlots, RefuseCallsFromInsideACall) {
   static int callsBack;
   callsBack = 0;
-  const Lines undisturbed = Session(nullptr);
-  const Lines disturbed = Session([] {
+  const support::SimulatedModule module("STJZZ_BSIT");
+  const auto session = [&](void (*callBack)()) {
+    return TakeSteps(kBsit, module,
+                     "name BSIT:1;port 1;slot 00;reset;send 00A4000C023F00;list 0 0;close;port 1;"
+                     "kind 6;send 00",  // closes the other kind
+                     Calls::kWhole, callBack);
+  };
+  const std::string undisturbed = session(nullptr);
+  const std::string disturbed = session([] {
     ++callsBack;
     EXPECT_EQ(OpenReader(1, ReaderKindFm8201, 9600), 0);
     EXPECT_EQ(Send("00"), (Reply{0, ""}));
     EXPECT_EQ(OpenReaderA("BSIT:2", ReaderKindBsit), 0);
     EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
-    EXPECT_EQ(List(ReaderKindTyCom, 1, 1), Lines{});
+    EXPECT_EQ(List(ReaderKindTyCom, 1, 1), std::vector<std::string>{});
     EXPECT_EQ(CloseReader(), 0);
     EXPECT_EQ(SetReader(3), 0);
     ChangeSlot("00");
@@ -123,70 +84,6 @@ TEST_F(ReaderSlots, RefuseCallsFromInsideACall) {
   EXPECT_EQ(disturbed, undisturbed);
   EXPECT_EQ(callsBack, 9);
   EXPECT_EQ(GetVarValue("%INNER"), ScriptUndefinedVariable);
-}
-
-Lines Ports(int kind, const std::string& prefix, int count) {
-  Lines lines;
-  for (int port = 1; port <= count; ++port) {
-    const std::string number = std::to_string(port);
-    lines.push_back(std::to_string(kind) + " 1 " + number + ' ' + prefix + number);
-  }
-  return lines;
-}
-
-Lines operator+(Lines lines, const std::string& last) {
-  lines.push_back(last);
-  return lines;
-}
-
-TEST_F(ReaderSlots, ListThePortsOfReadersThatCannotBeAsked) {
-  const std::string d8Usb = "5 1 100 COM100(D8USB)";
-  const std::string icrUsb = "11 1 1001 ICR-COM1001(ICRUSB)";
-  const std::tuple<int, int, int, Lines> rows[] = {
-      {9, 4, 4, {}},
-      {6, 4, 4, {}},
-      {2, 4, 0, Ports(2, "COM", 4)},
-      {2, 4, 2, Ports(2, "COM", 2)},
-      {2, 2, 4, Ports(2, "COM", 2)},
-      {2, 20, -1, Ports(2, "COM", 20)},
-      {2, 0, 0, {}},
-      {2, -5, 3, {}},
-      {4, 0, 0, {"4 0 0 WDUSB1"}},
-      {4, 9, 9, {"4 0 0 WDUSB1"}},
-      {5, 0, 0, {d8Usb}},
-      {5, 2, 1, Ports(5, "COM", 2) + d8Usb},
-      {5, 15, 0, Ports(5, "COM", 15) + d8Usb},
-      {5, 16, 0, Ports(5, "COM", 16)},
-      {5, 17, 0, Ports(5, "COM", 16)},
-      {7, 3, 2, Ports(7, "COM", 2)},
-      {8, 3, 0, Ports(7, "COM", 3)},
-      {11, 0, 0, {icrUsb}},
-      {11, -1, 1, {icrUsb}},
-      {11, 2, 2, Ports(11, "ICR-COM", 2)},
-      {11, 2, 3, Ports(11, "ICR-COM", 2) + icrUsb},
-      {11, 2, 0, Ports(11, "ICR-COM", 2) + icrUsb},
-  };
-  for (const auto& [kind, count, max, expected] : rows) {
-    EXPECT_EQ(List(kind, count, max), expected) << kind << ' ' << count << ' ' << max;
-  }
-}
-
-// Every command's octets, as the reader's library got them.
-TEST_F(ReaderSlots, DecodeTheCommandText) {
-  const support::SimulatedModule winscard("winscard");
-  const std::pair<const char*, std::string> rows[] = {{"00A4 0400", "00A40400"},
-                                                      {"00 A4 04 00", "00A4040000"},
-                                                      {"00a4040aB", "00A4040A"},
-                                                      {"00G1", "0000"},
-                                                      {"0", ""},
-                                                      {"", ""}};
-  ASSERT_EQ(OpenReaderA("Simulated Reader 0", ReaderKindPcsc), 1);
-  for (const auto& [text, sent] : rows) {
-    winscard.Restart();
-    winscard.Answer("SCardTransmit", 0, "9000");
-    EXPECT_EQ(Send(text), (Reply{1, "9000"}));
-    EXPECT_NE(winscard.Journal().find(", 1, " + sent + ") ="), std::string::npos) << text;
-  }
 }
 
 }  // namespace

@@ -8,16 +8,21 @@
 
 namespace support {
 
-// It stays loaded.
-inline void* LoadLibraryCopy() {
+// The copy is put into the folder and stays loaded.
+inline void* LoadLibraryCopy(const std::filesystem::path& folder) {
   const std::string name = ModuleFileName("orvane");
-  const auto folder = orvane_test::MakeTemporaryFolder();
   std::filesystem::copy_file(std::filesystem::path(ORVANE_BUILD_PATH) / name, folder / name);
   std::string why;
   void* const module = LoadModule(folder / name, why);
+  if (module == nullptr) throw std::runtime_error(why);
+  return module;
+}
+
+inline void* LoadLibraryCopy() {
+  const auto folder = orvane_test::MakeTemporaryFolder();
+  void* const module = LoadLibraryCopy(folder);
   std::error_code ignored;
   std::filesystem::remove_all(folder, ignored);
-  if (module == nullptr) throw std::runtime_error(why);
   return module;
 }
 
