@@ -107,7 +107,7 @@ void Readers::LoadSimulatorsOnce() {
 
 ReaderAddress Readers::OpenDefault() {
   const auto open = [this](const std::string& text) {
-    const ReaderAddress opened = OpenAddress(text);
+    ReaderAddress opened = OpenAddress(text);
     used_ = true;
     return opened;
   };

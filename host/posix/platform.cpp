@@ -29,7 +29,7 @@ std::optional<std::string> EnvironmentVariable(const std::string& name) {
 
 std::filesystem::path ProgramFolder() {
   std::error_code error;
-  const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
   if (folder.is_absolute()) return folder;
   throw Failure(kReaderFault,
                 "the system does not tell where this program stands, so that its simulators can't "

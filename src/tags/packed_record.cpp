@@ -40,8 +40,9 @@ TagdictData PackedRecord::Unpack() const {
   }
   const char* text = octets_.c_str();
   for (char* const field : {record.tag, record.shortText, record.longText}) {
-    std::strcpy(field, text);
-    text += std::strlen(text) + 1;
+    const std::size_t size = std::strlen(text) + 1;
+    std::memcpy(field, text, size);
+    text += size;
   }
   return record;
 }
