@@ -55,7 +55,7 @@ TEST_F(TagDictionary, ReadsAnyFile) {
   const std::string pair = "\x3D\xD8\x00\xDE"_octets;
   std::string pairs, face(8, '\0'), faces;
   UTF_82ASCII("\xF0\x9F\x98\x80", face.data());
-  face = face.c_str();
+  face.resize(face.find('\0'));
   for (int i = 0; i < 25; ++i) pairs += pair, faces += face;
   const auto count = [](std::uint64_t records) { return LittleEndian(records, 4); };
   const struct {

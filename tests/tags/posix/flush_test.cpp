@@ -124,8 +124,8 @@ TEST_F(Flush, KeepsItsNewFileFromOthersUntilItIsWhole) {
   WriteFile("dictdata.bin.1.new", "of a process that died");
   WriteFile("dictdata.bin.1x.new", "");
   EXPECT_TRUE(Succeeds([] {
-    bool kept = false;
-    beforeWrite = [&] {
+    static bool kept = false;
+    beforeWrite = [] {
       // The old one is whole, and another process flushes meanwhile.
       kept = ReadFile(kDictionaryFile) == FileImage(kOld) &&
              Succeeds([] { return FlushTagdict() == 1; }) && FilesIn(".") == 3;
