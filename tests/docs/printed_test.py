@@ -63,6 +63,9 @@ def strays(text):
 
 
 scratch = pathlib.Path(tempfile.mkdtemp())
+if not wine:  # a shell takes a path apart at its blanks
+    (scratch / "folder").symlink_to(folder)
+    folder = scratch / "folder"
 prefix = folder if place == "installed" else scratch / "prefix"
 cwd = {"checkout": root, "installed": scratch, "zip": folder}[place]
 env = dict(os.environ, NO_COLOR="1", LC_ALL="C.UTF-8", PKG_CONFIG_PATH=f"{prefix}/lib/pkgconfig",
