@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kBuild = ORVANE_BUILD_PATH;
+const fs::path kBuild = u8"" ORVANE_BUILD_FOLDER;
 const std::string kProvider = support::ModuleFileName("orvane_crypto");
 const std::string kLibrary = support::ModuleFileName("orvane");
 // An entry, a call of it, and what it gives.

@@ -32,7 +32,7 @@ class ProviderCalls : public testing::Test {
   }
 
   // Loaded before the library looks for a provider, so that it finds this one.
-  static inline const support::SimulatedModule provider_{"orvane_crypto", RECORDING_FOLDER};
+  static inline const support::SimulatedModule provider_{"orvane_crypto", u8"" RECORDING_FOLDER};
 };
 
 // No octet is like its neighbours, and none is 00.

@@ -11,7 +11,7 @@ TEST(DocsCryptoModule, IsShownWhole) {
   EXPECT_NE(kPage.find("\n```c\n" + source + "```\n"), kPage.npos);
 }
 
-TEST(DocsCryptoModule, GivesWhatThePageSays) { RunExamples(kPage, AES_CRYPTO); }
+TEST(DocsCryptoModule, GivesWhatThePageSays) { RunExamples(kPage, u8"" AES_CRYPTO); }
 
 }  // namespace
 }  // namespace orvane_test

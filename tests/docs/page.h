@@ -27,7 +27,7 @@ namespace orvane_test {
 
 // A file of the sources.
 inline std::string ReadText(const std::string& path) {
-  std::ifstream in(std::filesystem::path(ORVANE_SOURCE_PATH) / path);
+  std::ifstream in(std::filesystem::path(u8"" ORVANE_SOURCE_FOLDER) / path);
   if (!in) throw std::runtime_error("can't open " + path);
   return {std::istreambuf_iterator<char>(in), {}};
 }

@@ -32,7 +32,7 @@ std::vector<std::string> WithSingleBlanks(std::vector<std::string> signatures) {
 }
 
 TEST(Docs, LanguageGivesWhatThePageSays) {
-  RunExamples(ReadText("docs/language.md"), DEFAULT_CRYPTO);
+  RunExamples(ReadText("docs/language.md"), u8"" DEFAULT_CRYPTO);
 }
 
 TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
@@ -72,7 +72,7 @@ TEST(Docs, ReadersAreThoseOfTheHeader) {
 
 TEST(Docs, NameFilesThatAreThere) {
   namespace fs = std::filesystem;
-  const fs::path root = ORVANE_SOURCE_PATH;
+  const fs::path root = u8"" ORVANE_SOURCE_FOLDER;
   Names pages = {"README.md"};
   for (const auto& entry : fs::directory_iterator(root / "docs"))
     pages.insert("docs/" + entry.path().filename().string());

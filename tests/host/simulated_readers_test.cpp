@@ -17,7 +17,7 @@ class SimulatedReaders : public testing::Test {
  protected:
   // The program, its libraries and the simulators, in the current folder.
   static void CopyProgram() {
-    const fs::path here = fs::current_path(), build = ORVANE_BUILD_PATH;
+    const fs::path here = fs::current_path(), build = u8"" ORVANE_BUILD_FOLDER;
     for (const fs::directory_entry& entry : fs::directory_iterator(build)) {
       const std::string name = entry.path().filename().string();
       if (name.starts_with("orvane") || name.starts_with("liborvane")) {

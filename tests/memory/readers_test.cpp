@@ -10,7 +10,7 @@ namespace {
 // The vendor module here allocates nothing, so that every allocation that counts is the library's.
 TEST(Memory, IsAskedForByOpeningAndNotByExchanges) {
   std::string why;
-  ASSERT_NE(support::LoadModule(QUIET_WINSCARD, why), nullptr) << why;
+  ASSERT_NE(support::LoadModule(u8"" QUIET_WINSCARD, why), nullptr) << why;
   const auto open = [] { return OpenReaderA("Quiet", ReaderKindPcsc); };
   char response[8193] = "untouched";
   EXPECT_GT(FailuresOf(open,

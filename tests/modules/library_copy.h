@@ -14,7 +14,7 @@ namespace orvane_test {
 
 namespace fs = std::filesystem;
 
-const fs::path kBuild = ORVANE_BUILD_PATH;
+const fs::path kBuild = u8"" ORVANE_BUILD_FOLDER;
 const fs::path kVendor = kBuild / "tests" / "fake_vendor";
 
 #define EXPORT_OF(library, name) \

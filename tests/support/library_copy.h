@@ -11,7 +11,7 @@ namespace support {
 // The copy is put into the folder and stays loaded.
 inline void* LoadLibraryCopy(const std::filesystem::path& folder) {
   const std::string name = ModuleFileName("orvane");
-  std::filesystem::copy_file(std::filesystem::path(ORVANE_BUILD_PATH) / name, folder / name);
+  std::filesystem::copy_file(std::filesystem::path(u8"" ORVANE_BUILD_FOLDER) / name, folder / name);
   std::string why;
   void* const module = LoadModule(folder / name, why);
   if (module == nullptr) throw std::runtime_error(why);

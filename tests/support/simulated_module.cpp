@@ -16,7 +16,7 @@ namespace {
 // Where the build puts a simulator: wdcrwx stands beside the library, the only place where the
 // library looks for it.
 std::filesystem::path FolderOf(const std::string& vendor) {
-  const std::filesystem::path build = ORVANE_BUILD_PATH;
+  const std::filesystem::path build = u8"" ORVANE_BUILD_FOLDER;
   return vendor == "wdcrwx" ? build : build / "simulators";
 }
 
