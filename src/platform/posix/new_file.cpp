@@ -86,6 +86,7 @@ void RemoveDeadNewFiles(const Place& place) {
     const Descriptor closed(number);
     return;
   }
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread reads this stream
   while (const dirent* const entry = readdir(entries)) {
     constexpr int kFlags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     if (!IsNewName(entry->d_name, place.name)) continue;
