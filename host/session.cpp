@@ -20,6 +20,30 @@ std::string HeadingText(std::string_view statement) {
   return std::string(text == statement.npos ? "" : statement.substr(text));
 }
 
+class Stopwatch {
+ public:
+  Timing Read() const { return {begin_, std::chrono::steady_clock::now() - start_}; }
+
+ private:
+  std::chrono::system_clock::time_point begin_ = std::chrono::system_clock::now();
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+// Gives what the work gives, and tells of it and of how long it took, also where it fails.
+template <typename Work, typename Tell>
+auto Timed(Work work, Tell tell) {
+  std::optional<decltype(work())> result;
+  const Stopwatch watch;
+  try {
+    result = work();
+  } catch (const Failure&) {
+    tell(result, watch.Read());
+    throw;
+  }
+  tell(result, watch.Read());
+  return *result;
+}
+
 }  // namespace
 
 bool Session::Hides(const Statement& statement, std::string_view value) const {
@@ -137,7 +161,13 @@ void Session::Send(std::string_view digits, std::string_view expected) {
 std::string Session::Exchange(const Command& command, bool hide) {
   readers_.Check(command);
   trace_.Command(command, hide);
-  const Answer answer = readers_.Send(command);
+  const Answer answer = Timed([&] { return readers_.Send(command); },
+                              [&](const std::optional<Answer>& given, const Timing& timing) {
+                                for (ExchangeListener* listener : settings_.listeners) {
+                                  listener->Exchanged({readers_.Number(), readers_.CurrentKind(),
+                                                       command, hide, given, timing});
+                                }
+                              });
   ++commands_;
   SetVariable("%RESP", answer.data);
   SetVariable("%SW", answer.statusWord);
@@ -170,18 +200,29 @@ void Session::Compare(const Statement& statement, std::optional<size_t> line, bo
 
 void Session::OpenDefault() {
   if (readers_.Used()) return;
-  const ReaderAddress opened = readers_.OpenDefault();
-  trace_.Reader(opened.Shown(), readers_.Simulated());
+  TellOpened(readers_.OpenDefault(), false);
 }
 
 void Session::Open(std::string_view address, bool hide) {
-  const ReaderAddress opened = readers_.Open(address);
-  trace_.Reader(hide ? std::string(kHidden) : opened.Shown(), readers_.Simulated());
+  TellOpened(readers_.Open(address), hide);
+}
+
+void Session::TellOpened(const ReaderAddress& address, bool hide) {
+  const bool simulated = readers_.Simulated();
+  trace_.Reader(hide ? std::string(kHidden) : address.Shown(), simulated);
+  for (ExchangeListener* listener : settings_.listeners) {
+    listener->Opened(readers_.Number(), address, simulated, hide);
+  }
 }
 
 void Session::ResetCard() {
   OpenDefault();
-  const std::string atr = readers_.ResetCard();
+  const std::string atr = Timed([&] { return readers_.ResetCard(); },
+                                [&](const std::optional<std::string>& given, const Timing& timing) {
+                                  for (ExchangeListener* listener : settings_.listeners) {
+                                    listener->CardReset(readers_.Number(), given, timing);
+                                  }
+                                });
   SetVariable("%ATR", atr);
   trace_.Atr(atr);
 }

@@ -4,8 +4,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "host/engine.h"
+#include "host/exchange_listener.h"
 #include "host/readers.h"
 #include "host/secrets.h"
 #include "host/statement.h"
@@ -20,10 +23,11 @@ class Session {
   struct Settings {
     bool showSecrets = false;
     bool echoStatements = true;
+    std::vector<ExchangeListener*> listeners = {};  // they outlive the session
   };
 
   Session(Readers& readers, Secrets& secrets, Trace& trace, Settings settings)
-      : readers_(readers), secrets_(secrets), trace_(trace), settings_(settings) {}
+      : readers_(readers), secrets_(secrets), trace_(trace), settings_(std::move(settings)) {}
 
   // False if the statement was the script's end.
   bool Run(const Statement& statement, std::optional<size_t> line);
@@ -56,6 +60,7 @@ class Session {
   void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
   void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);
   std::string Exchange(const Command& command, bool hide);  // gives the status word
+  void TellOpened(const ReaderAddress& address, bool hide);
   void Compare(const Statement& statement, std::optional<size_t> line, bool held);
   void OpenDefault();
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/answer.h"
+#include "host/command.h"
+#include "host/reader_address.h"
+
+namespace host {
+
+// When something began, and how long it took.
+struct Timing {
+  std::chrono::system_clock::time_point begin;
+  std::chrono::nanoseconds duration;
+};
+
+struct CardExchange {
+  size_t reader;  // its number, 0 to 15
+  int32_t kind;   // of that reader
+  const Command& command;
+  bool hidden;                          // the command's data may not be shown
+  const std::optional<Answer>& answer;  // none if there was none
+  Timing timing;
+};
+
+// Is told by a session of what it does with readers and cards, as soon as it is done. The session
+// tells everything, and what may not be shown besides. Whatever a listener throws ends what the
+// session does.
+class ExchangeListener {
+ public:
+  virtual ~ExchangeListener() = default;
+
+  virtual void Opened(size_t reader, const ReaderAddress& address, bool simulated, bool hidden) = 0;
+  // Digits; no ATR if the card gave none, empty digits if its reader has none.
+  virtual void CardReset(size_t reader, const std::optional<std::string>& atr,
+                         const Timing& timing) = 0;
+  virtual void Exchanged(const CardExchange& exchange) = 0;
+};
+
+}  // namespace host
