@@ -83,7 +83,7 @@ constexpr std::array kProprietary = std::to_array<Instruction>({
     {0xF2, "GET STATUS"},
 });
 
-// The interindustry instructions whose answers have no data field.
+// The interindustry instructions whose responses have no data field.
 constexpr std::array<unsigned, 27> kSilent = {0x04, 0x0E, 0x20, 0x21, 0x22, 0x24, 0x25, 0x26, 0x28,
                                               0x2C, 0x2D, 0x44, 0x82, 0xD0, 0xD2, 0xD6, 0xD7, 0xDA,
                                               0xDB, 0xDC, 0xDD, 0xE0, 0xE2, 0xE4, 0xE6, 0xE8, 0xFE};
@@ -121,7 +121,7 @@ size_t ReadLe(std::string_view digits) {
 }
 
 // Sorts the octets behind the header into length field, data and Le (short and extended forms).
-void FindData(Command& command) {
+void FindData(CardCommand& command) {
   const size_t octets = command.Octets();
   if (octets <= 5) {
     command.dataBegin = command.dataEnd = octets;
@@ -153,12 +153,12 @@ bool PutsDataObject(std::string_view digits) {
 
 }  // namespace
 
-std::string_view Command::Part(size_t begin, size_t end) const {
+std::string_view CardCommand::Part(size_t begin, size_t end) const {
   return std::string_view(digits).substr(2 * begin, 2 * (end - begin));
 }
 
-Command ReadCommand(std::string_view text, Framing framing) {
-  Command command;
+CardCommand ReadCommand(std::string_view text, Framing framing) {
+  CardCommand command;
   command.digits = UpperCase(WithoutBlanks(text));
   command.framing = framing;
   const std::string& digits = command.digits;
@@ -196,11 +196,11 @@ bool CarriesSecret(std::string_view beginning) {
   return instruction != nullptr && instruction->secret && !PutsDataObject(beginning);
 }
 
-bool CarriesSecret(const Command& command) {
+bool CarriesSecret(const CardCommand& command) {
   return command.framing == Framing::kApdu && CarriesSecret(command.digits);
 }
 
-bool MayBringData(const Command& command) {
+bool MayBringData(const CardCommand& command) {
   // Interindustry classes without secure messaging: 00 to 03, and 10 to 13 in a chain.
   const bool plain = (Value(command.Part(0, 1)) & 0xEC) == 0;
   const bool silent =
@@ -208,7 +208,7 @@ bool MayBringData(const Command& command) {
   return !plain || !silent || command.expectedData > 0;
 }
 
-std::string_view CommandName(const Command& command) {
+std::string_view CommandName(const CardCommand& command) {
   if (command.framing == Framing::kRaw) return "";
   const Instruction* instruction = Find(command.digits);
   return instruction != nullptr ? instruction->name : "";

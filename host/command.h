@@ -11,7 +11,7 @@ namespace host {
 enum class Framing { kApdu, kRaw };
 
 // A command that may be sent.
-struct Command {
+struct CardCommand {
   std::string digits;  // upper-case hexadecimal, two an octet, nothing else
   Framing framing = Framing::kApdu;
   // Of an APDU, counted in octets: behind the header and the length field, and behind the data.
@@ -30,21 +30,21 @@ struct Command {
 // Takes hexadecimal text, blanks allowed, as a command. Throws Failure (kScriptFault) unless it is
 // whole octets, at least a header's four (kRaw: one) and at most 4,096, which is what the library
 // takes. The message quotes nothing of the text.
-Command ReadCommand(std::string_view text, Framing framing);
+CardCommand ReadCommand(std::string_view text, Framing framing);
 
 // The most octets that the library sends.
 inline constexpr size_t kMostCommandOctets = 4096;
 
-// False for the instructions whose answers have no data field by ISO/IEC 7816-4, in a plain
+// False for the instructions whose responses have no data field by ISO/IEC 7816-4, in a plain
 // interindustry class and without Le.
-bool MayBringData(const Command& command);
+bool MayBringData(const CardCommand& command);
 
 // True where the data field carries a PIN or a key, as far as the beginning tells.
-bool CarriesSecret(const Command& command);
+bool CarriesSecret(const CardCommand& command);
 bool CarriesSecret(std::string_view beginning);  // its first four digits or more
 
 // The instruction's name in ISO/IEC 7816-4 or, for a proprietary class, in GlobalPlatform and EMV;
 // empty if it has none.
-std::string_view CommandName(const Command& command);
+std::string_view CommandName(const CardCommand& command);
 
 }  // namespace host

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "host/answer.h"
 #include "host/command.h"
 #include "host/reader_address.h"
+#include "host/response.h"
 
 namespace host {
 
@@ -21,9 +21,9 @@ struct Timing {
 struct CardExchange {
   size_t reader;  // its number, 0 to 15
   int32_t kind;   // of that reader
-  const Command& command;
-  bool hidden;                          // the command's data may not be shown
-  const std::optional<Answer>& answer;  // none if there was none
+  const CardCommand& command;
+  bool hidden;                              // the command's data may not be shown
+  const std::optional<Response>& response;  // none if there was none
   Timing timing;
 };
 

@@ -225,7 +225,7 @@ std::string Readers::ResetCard() {
                 "no answer to reset: " + (trouble.empty() ? "is a card in the reader?" : trouble));
 }
 
-void Readers::Check(const Command& command) {
+void Readers::Check(const CardCommand& command) {
   const int32_t kind = Use().address.kind;
   if (command.Octets() <= LongestCommand(kind)) return;
   throw Failure(kScriptFault, "the command has " + Counted(command.Octets(), "byte") +
@@ -234,13 +234,14 @@ void Readers::Check(const Command& command) {
                                   " at most; nothing sent");
 }
 
-Answer Readers::Send(const Command& command) {
+Response Readers::Send(const CardCommand& command) {
   Place& place = Use();
   const int32_t kind = place.address.kind;
   std::array<char, 8193> text{};
   const int32_t length = static_cast<int32_t>(command.digits.size());
   const int32_t result = SendCommand(command.digits.c_str(), length, text.data());
-  if (const std::optional<Answer> answer = ReadAnswer(kind, result, text.data())) return *answer;
+  if (const std::optional<Response> response = ReadResponse(kind, result, text.data()))
+    return *response;
   if (kind == ReaderKindTcp) {
     Close(place);
     throw Failure(kReaderFault,

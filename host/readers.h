@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/answer.h"
 #include "host/command.h"
 #include "host/reader_address.h"
+#include "host/response.h"
 
 namespace host {
 
@@ -57,10 +57,10 @@ class Readers {
   // may have reset its card, or the service may have restarted.
   std::string ResetCard();
   // Makes sure that the command can be sent at all.
-  void Check(const Command& command);
-  // Without an answer the connection to a payment HSM is closed, so that an answer that
+  void Check(const CardCommand& command);
+  // Without a response the connection to a payment HSM is closed, so that a response that
   // comes late is not taken for the next command's; the next use opens it afresh.
-  Answer Send(const Command& command);
+  Response Send(const CardCommand& command);
   // Of the current reader; of none, that of the one that OpenDefault would open.
   int32_t CurrentKind() const;
 

@@ -142,14 +142,14 @@ void Session::Show(const Statement& expression) {
 void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
                        std::string_view digits) {
   OpenDefault();
-  const Command command = ReadCommand(digits, readers_.CurrentFraming());
+  const CardCommand command = ReadCommand(digits, readers_.CurrentFraming());
   const bool hide = !settings_.showSecrets && (CarriesSecret(command) || Hides(statement));
   Echo(line, hide ? MaskLiterals(statement, 2 * command.dataBegin) : statement.text);
   Exchange(command, hide);
 }
 
 void Session::Send(std::string_view digits, std::string_view expected) {
-  const Command command = ReadCommand(digits, readers_.CurrentFraming());
+  const CardCommand command = ReadCommand(digits, readers_.CurrentFraming());
   const std::string word = Exchange(command, !settings_.showSecrets && CarriesSecret(command));
   if (expected.empty() || FitsPattern(word, expected)) return;
   throw Failure(kExpectationFailed,
@@ -158,22 +158,23 @@ void Session::Send(std::string_view digits, std::string_view expected) {
                     ", and should be " + std::string(expected));
 }
 
-std::string Session::Exchange(const Command& command, bool hide) {
+std::string Session::Exchange(const CardCommand& command, bool hide) {
   readers_.Check(command);
   trace_.Command(command, hide);
-  const Answer answer = Timed([&] { return readers_.Send(command); },
-                              [&](const std::optional<Answer>& given, const Timing& timing) {
-                                for (ExchangeListener* listener : settings_.listeners) {
-                                  listener->Exchanged({readers_.Number(), readers_.CurrentKind(),
-                                                       command, hide, given, timing});
-                                }
-                              });
+  const Response response =
+      Timed([&] { return readers_.Send(command); },
+            [&](const std::optional<Response>& given, const Timing& timing) {
+              for (ExchangeListener* listener : settings_.listeners) {
+                listener->Exchanged(
+                    {readers_.Number(), readers_.CurrentKind(), command, hide, given, timing});
+              }
+            });
   ++commands_;
-  SetVariable("%RESP", answer.data);
-  SetVariable("%SW", answer.statusWord);
+  SetVariable("%RESP", response.data);
+  SetVariable("%SW", response.statusWord);
   secrets_.FollowAnswer();
-  trace_.Answer(answer, NoteOn(answer, command, readers_.CurrentKind()));
-  return answer.statusWord;
+  trace_.Response(response, NoteOn(response, command, readers_.CurrentKind()));
+  return response.statusWord;
 }
 
 void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {

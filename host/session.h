@@ -41,8 +41,8 @@ class Session {
 
   void Open(std::string_view address, bool hide = false);
   void ResetCard();
-  // Sends a command that no statement gave. Throws Failure (kExpectationFailed) unless the answer's
-  // status word fits the pattern, if there is one.
+  // Sends a command that no statement gave. Throws Failure (kExpectationFailed) unless the
+  // response's status word fits the pattern, if there is one.
   void Send(std::string_view digits, std::string_view expected = "");
 
   // Looks ahead at a statement that is to be run, where no whole script was looked at. True if what
@@ -59,7 +59,7 @@ class Session {
   void Echo(std::optional<size_t> line, std::string_view shown);
   void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
   void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);
-  std::string Exchange(const Command& command, bool hide);  // gives the status word
+  std::string Exchange(const CardCommand& command, bool hide);  // gives the status word
   void TellOpened(const ReaderAddress& address, bool hide);
   void Compare(const Statement& statement, std::optional<size_t> line, bool held);
   void OpenDefault();

@@ -17,7 +17,7 @@ constexpr std::string_view kIndent = "      ";  // the line number and the gap b
 constexpr size_t kRowOctets = 16;
 
 // Header, length field, data and Le, set apart. Data that needs rows of its own is left out.
-std::string Grouped(const Command& command, bool hideData) {
+std::string Grouped(const CardCommand& command, bool hideData) {
   const size_t data = command.dataEnd - command.dataBegin;
   std::string text = SpacedOctets(command.Part(0, std::min<size_t>(4, command.dataBegin)));
   const auto add = [&text](const std::string& part) {
@@ -93,7 +93,7 @@ void Trace::Atr(std::string_view digits) {
   if (!digits.empty()) Detail(Colour::kCyan, "ATR", SpacedOctets(digits));
 }
 
-void Trace::Command(const host::Command& command, bool hideData) {
+void Trace::Command(const CardCommand& command, bool hideData) {
   const std::string name(CommandName(command));
   std::string text = Grouped(command, hideData);
   if (!name.empty()) text += "   " + Paint(Colour::kDim, name);
@@ -108,19 +108,19 @@ void Trace::Command(const host::Command& command, bool hideData) {
   }
 }
 
-void Trace::Answer(const host::Answer& answer, std::string_view note) {
-  if (!answer.data.empty()) Rows(Colour::kCyan, "<<", answer.data);
-  if (settings_.tlv) Elements(answer.data);
-  if (answer.statusWord.empty() && !answer.failed) return;
-  Standing standing = StandingOf(answer.statusWord);
-  if (answer.failed && standing == Standing::kSuccess) standing = Standing::kWarning;
+void Trace::Response(const host::Response& response, std::string_view note) {
+  if (!response.data.empty()) Rows(Colour::kCyan, "<<", response.data);
+  if (settings_.tlv) Elements(response.data);
+  if (response.statusWord.empty() && !response.failed) return;
+  Standing standing = StandingOf(response.statusWord);
+  if (response.failed && standing == Standing::kSuccess) standing = Standing::kWarning;
   const Colour colour = standing == Standing::kSuccess   ? Colour::kGreen
                         : standing == Standing::kWarning ? Colour::kYellow
                                                          : Colour::kRed;
   Detail(colour, "SW",
-         answer.statusWord.empty()
+         response.statusWord.empty()
              ? "unknown"
-             : Paint(colour, answer.statusWord) + "  " + DescribeStatusWord(answer.statusWord));
+             : Paint(colour, response.statusWord) + "  " + DescribeStatusWord(response.statusWord));
   if (!note.empty()) Detail(Colour::kPlain, "", "      " + Paint(Colour::kYellow, note));
 }
 

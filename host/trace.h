@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/answer.h"
 #include "host/command.h"
+#include "host/response.h"
 
 namespace host {
 
@@ -29,9 +29,9 @@ class Trace {
   void Statement(std::optional<size_t> line, std::string_view statement);
   void Value(std::string_view value);
   void Atr(std::string_view digits);  // nothing for a reader without one
-  void Command(const host::Command& command, bool hideData);
+  void Command(const CardCommand& command, bool hideData);
   // A note stands below the status word.
-  void Answer(const host::Answer& answer, std::string_view note);
+  void Response(const host::Response& response, std::string_view note);
   void Expectation(std::string_view left, std::string_view right, bool equal, bool held);
   void Summary(size_t commands, size_t expectations, bool done);
 

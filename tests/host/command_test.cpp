@@ -28,7 +28,7 @@ TEST(Command, IsSortedIntoHeaderLengthDataAndLe) {
       {"00B000000000003F", 4, 8, false},
   };
   for (const Row& row : rows) {
-    const Command command = ReadCommand(row.text, Framing::kApdu);
+    const CardCommand command = ReadCommand(row.text, Framing::kApdu);
     EXPECT_EQ(command.dataBegin, row.dataBegin) << row.text;
     EXPECT_EQ(command.dataEnd, row.dataEnd) << row.text;
     EXPECT_EQ(command.lengthFits, row.lengthFits) << row.text;

@@ -1,4 +1,4 @@
-#include "host/answer.h"
+#include "host/response.h"
 
 #include <gtest/gtest.h>
 #include <orvane.h>
@@ -14,7 +14,7 @@ struct Row {
   std::string_view statusWord;
 };
 
-TEST(Answer, IsDataAndStatusWordForEveryKind) {
+TEST(Response, IsDataAndStatusWordForEveryKind) {
   const Row rows[] = {
       {ReaderKindPcsc, 1, "6F00", "6F00", "9000"},
       {ReaderKindPcsc, 1, "9000", "", "9000"},
@@ -31,11 +31,11 @@ TEST(Answer, IsDataAndStatusWordForEveryKind) {
       {ReaderKindIcr, 1, "", "", ""},
   };
   for (const Row& row : rows) {
-    const std::optional<Answer> answer = ReadAnswer(row.kind, row.result, row.text);
-    ASSERT_TRUE(answer) << row.kind << " " << row.text;
-    EXPECT_EQ(answer->data, row.data) << row.kind << " " << row.text;
-    EXPECT_EQ(answer->statusWord, row.statusWord) << row.kind << " " << row.text;
-    EXPECT_FALSE(ReadAnswer(row.kind, 0, "")) << row.kind;
+    const std::optional<Response> response = ReadResponse(row.kind, row.result, row.text);
+    ASSERT_TRUE(response) << row.kind << " " << row.text;
+    EXPECT_EQ(response->data, row.data) << row.kind << " " << row.text;
+    EXPECT_EQ(response->statusWord, row.statusWord) << row.kind << " " << row.text;
+    EXPECT_FALSE(ReadResponse(row.kind, 0, "")) << row.kind;
   }
 }
 

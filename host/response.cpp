@@ -1,4 +1,4 @@
-#include "host/answer.h"
+#include "host/response.h"
 
 #include <orvane.h>
 
@@ -34,23 +34,23 @@ bool HasStatusWord(int32_t kind) {
   return kind != ReaderKindFm8201 && kind != ReaderKindTcp && kind != ReaderKindIcr;
 }
 
-std::optional<Answer> ReadAnswer(int32_t kind, int32_t result, std::string_view text) {
+std::optional<Response> ReadResponse(int32_t kind, int32_t result, std::string_view text) {
   const std::string whole(text);
   if (!HasStatusWord(kind)) {
-    return result != 0 ? std::optional(Answer{whole, ""}) : std::nullopt;
+    return result != 0 ? std::optional(Response{whole, ""}) : std::nullopt;
   }
   if (result == 0) {
     if (text.empty()) return std::nullopt;
-    // An answer that ends in 9000 does not fail: this one begins so, and must not look like
+    // A response that ends in 9000 does not fail: this one begins so, and must not look like
     // success.
-    return Answer{"", text == kSuccess ? "" : whole, true};
+    return Response{"", text == kSuccess ? "" : whole, true};
   }
   if (KeepsStatusWord(kind) && text.ends_with(kSuccess)) {
-    return Answer{whole.substr(0, whole.size() - kSuccess.size()), std::string(kSuccess)};
+    return Response{whole.substr(0, whole.size() - kSuccess.size()), std::string(kSuccess)};
   }
-  // Success with nothing but 9000 is an answer without data here, not two bytes of data.
-  if (StripsStatusWord(kind) && text == kSuccess) return Answer{"", whole};
-  return Answer{whole, std::string(kSuccess)};
+  // Success with nothing but 9000 is a response without data here, not two bytes of data.
+  if (StripsStatusWord(kind) && text == kSuccess) return Response{"", whole};
+  return Response{whole, std::string(kSuccess)};
 }
 
 size_t LongestCommand(int32_t kind) {
@@ -63,26 +63,26 @@ size_t MostData(int32_t kind) {
   return kind == ReaderKindTyUsb || kind == ReaderKindTyCom ? 256 : 254;
 }
 
-std::string TooMuchAsked(const Command& command, int32_t kind) {
+std::string TooMuchAsked(const CardCommand& command, int32_t kind) {
   if (!HasStatusWord(kind) || command.expectedData <= MostData(kind)) return "";
   return "it asks for " + Counted(command.expectedData, "octet") + "; " + AskForLess(kind);
 }
 
-std::string NoteOn(const Answer& answer, const Command& command, int32_t kind) {
-  if (!answer.failed) return "";
-  if (answer.statusWord.empty()) {
+std::string NoteOn(const Response& response, const CardCommand& command, int32_t kind) {
+  if (!response.failed) return "";
+  if (response.statusWord.empty()) {
     return "the answer begins with 9000 and does not end so: its status word is not handed over";
   }
-  if (answer.statusWord == "0000" &&
+  if (response.statusWord == "0000" &&
       (kind == ReaderKindTyUsb || kind == ReaderKindTyCom || kind == ReaderKindWd)) {
     return "the reader's library replied nothing: the status word is not handed over";
   }
-  const std::optional<size_t> offered = DataOffered(answer.statusWord);
+  const std::optional<size_t> offered = DataOffered(response.statusWord);
   if (offered > MostData(kind)) return AskForLess(kind);
-  if (answer.statusWord.starts_with("61")) {
+  if (response.statusWord.starts_with("61")) {
     return "they were asked for once (GET RESPONSE), and did not come with 9000";
   }
-  if (!LooksLikeStatusWord(answer.statusWord)) {
+  if (!LooksLikeStatusWord(response.statusWord)) {
     return "the first two octets of the answer: its status word is not handed over";
   }
   return MayBringData(command)
