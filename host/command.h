@@ -4,24 +4,19 @@
 #include <string>
 #include <string_view>
 
+#include "recordings/command_apdu.h"
+
 namespace host {
 
 // What a command's octets are: most readers take APDUs (ISO/IEC 7816-4), a payment HSM
 // takes whatever its protocol says.
 enum class Framing { kApdu, kRaw };
 
-// A command that may be sent.
-struct CardCommand {
+// A command that may be sent, and the parts of an APDU. In raw octets all behind the first four
+// stands as data.
+struct CardCommand : recordings::CommandParts {
   std::string digits;  // upper-case hexadecimal, two an octet, nothing else
   Framing framing = Framing::kApdu;
-  // Of an APDU, counted in octets: behind the header and the length field, and behind the data.
-  // The data runs from the one to the other; Le, if any, stands behind it.
-  size_t dataBegin = 4;
-  size_t dataEnd = 4;
-  bool lengthFits = true;  // Lc says how long the data is. If not, all behind the header is data
-
-  size_t expectedData = 0;  // how many octets of data its Le asks for
-
   size_t Octets() const { return digits.size() / 2; }
   // The digits of the octets from begin to end.
   std::string_view Part(size_t begin, size_t end) const;
@@ -39,12 +34,11 @@ inline constexpr size_t kMostCommandOctets = 4096;
 // interindustry class and without Le.
 bool MayBringData(const CardCommand& command);
 
-// True where the data field carries a PIN or a key, as far as the beginning tells.
+// True where the data field carries a PIN or a key.
 bool CarriesSecret(const CardCommand& command);
-bool CarriesSecret(std::string_view beginning);  // its first four digits or more
+using recordings::CarriesSecret;
 
-// The instruction's name in ISO/IEC 7816-4 or, for a proprietary class, in GlobalPlatform and EMV;
-// empty if it has none.
+// The instruction's name; empty if it has none.
 std::string_view CommandName(const CardCommand& command);
 
 }  // namespace host
