@@ -11,7 +11,7 @@
 #include "cards.h"
 #include "translation.h"
 
-namespace winscard {
+namespace pcsc {
 namespace {
 
 // Connects a card that has no handle. To connect to an empty reader is the same failure on Windows
@@ -26,7 +26,7 @@ LONG Connect(const PcscLite& lite, Card& card, uint32_t shareMode, uint32_t prot
 
 // Runs a call on the pcsc-lite handle behind a number.
 template <typename Call>
-int32_t WithCard(Handle number, Call call) {
+int32_t WithCard(winscard::SCARDHANDLE number, Call call) {
   return WithPcscLite([&](const PcscLite& lite) {
     const std::shared_ptr<Card> card = FindCard(number);
     if (card == nullptr) return SCARD_E_INVALID_HANDLE;
@@ -45,18 +45,22 @@ int32_t WithCard(Handle number, Call call) {
 extern "C" {
 
 // A caller may as well pass a header of its own: it is known by its fields, not by its address.
-extern WINSCARD_API const IoRequest g_rgSCardT0Pci{kProtocolT0, sizeof(IoRequest)};
-extern WINSCARD_API const IoRequest g_rgSCardT1Pci{kProtocolT1, sizeof(IoRequest)};
-extern WINSCARD_API const IoRequest g_rgSCardRawPci{kProtocolRaw, sizeof(IoRequest)};
+extern WINSCARD_API const winscard::SCARD_IO_REQUEST g_rgSCardT0Pci{
+    SCARD_PROTOCOL_T0, sizeof(winscard::SCARD_IO_REQUEST)};
+extern WINSCARD_API const winscard::SCARD_IO_REQUEST g_rgSCardT1Pci{
+    SCARD_PROTOCOL_T1, sizeof(winscard::SCARD_IO_REQUEST)};
+extern WINSCARD_API const winscard::SCARD_IO_REQUEST g_rgSCardRawPci{
+    winscard::SCARD_PROTOCOL_RAW, sizeof(winscard::SCARD_IO_REQUEST)};
 
-WINSCARD_API int32_t SCardConnectA(Context context, const char* reader, uint32_t shareMode,
-                                   uint32_t protocols, Handle* number, uint32_t* activeProtocol) {
+WINSCARD_API int32_t SCardConnectA(winscard::SCARDCONTEXT context, const char* reader,
+                                   uint32_t shareMode, uint32_t protocols,
+                                   winscard::SCARDHANDLE* number, uint32_t* activeProtocol) {
   return WithPcscLite([&](const PcscLite& lite) {
     if (reader == nullptr || number == nullptr || activeProtocol == nullptr) {
       return SCARD_E_INVALID_PARAMETER;
     }
     const auto card = std::make_shared<Card>(static_cast<SCARDCONTEXT>(context), reader);
-    const Handle added = AddCard(card);
+    const winscard::SCARDHANDLE added = AddCard(card);
     DWORD active = 0;
     SCARDHANDLE handle = 0;
     const LONG code = Connect(lite, *card, shareMode, protocols, handle, active);
@@ -70,8 +74,9 @@ WINSCARD_API int32_t SCardConnectA(Context context, const char* reader, uint32_t
   });
 }
 
-WINSCARD_API int32_t SCardReconnect(Handle number, uint32_t shareMode, uint32_t protocols,
-                                    uint32_t initialization, uint32_t* activeProtocol) {
+WINSCARD_API int32_t SCardReconnect(winscard::SCARDHANDLE number, uint32_t shareMode,
+                                    uint32_t protocols, uint32_t initialization,
+                                    uint32_t* activeProtocol) {
   return WithPcscLite([&](const PcscLite& lite) {
     const std::shared_ptr<Card> card = FindCard(number);
     if (card == nullptr) return SCARD_E_INVALID_HANDLE;
@@ -90,7 +95,7 @@ WINSCARD_API int32_t SCardReconnect(Handle number, uint32_t shareMode, uint32_t 
   });
 }
 
-WINSCARD_API int32_t SCardDisconnect(Handle number, uint32_t disposition) {
+WINSCARD_API int32_t SCardDisconnect(winscard::SCARDHANDLE number, uint32_t disposition) {
   return WithPcscLite([&](const PcscLite& lite) {
     const std::shared_ptr<Card> card = FindCard(number);
     if (card == nullptr) return SCARD_E_INVALID_HANDLE;
@@ -103,21 +108,21 @@ WINSCARD_API int32_t SCardDisconnect(Handle number, uint32_t disposition) {
   });
 }
 
-WINSCARD_API int32_t SCardBeginTransaction(Handle number) {
+WINSCARD_API int32_t SCardBeginTransaction(winscard::SCARDHANDLE number) {
   return WithCard(number, [](const PcscLite& lite, SCARDHANDLE handle) {
     return lite.beginTransaction(handle);
   });
 }
 
-WINSCARD_API int32_t SCardEndTransaction(Handle number, uint32_t disposition) {
+WINSCARD_API int32_t SCardEndTransaction(winscard::SCARDHANDLE number, uint32_t disposition) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
     return lite.endTransaction(handle, disposition);
   });
 }
 
-WINSCARD_API int32_t SCardStatusA(Handle number, char* readerName, uint32_t* nameLength,
-                                  uint32_t* state, uint32_t* protocol, uint8_t* atr,
-                                  uint32_t* atrLength) {
+WINSCARD_API int32_t SCardStatusA(winscard::SCARDHANDLE number, char* readerName,
+                                  uint32_t* nameLength, uint32_t* state, uint32_t* protocol,
+                                  uint8_t* atr, uint32_t* atrLength) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
     DWORD wideState = 0;
     DWORD wideProtocol = 0;
@@ -129,24 +134,26 @@ WINSCARD_API int32_t SCardStatusA(Handle number, char* readerName, uint32_t* nam
   });
 }
 
-WINSCARD_API int32_t SCardTransmit(Handle number, const IoRequest* sendHeader,
+WINSCARD_API int32_t SCardTransmit(winscard::SCARDHANDLE number,
+                                   const winscard::SCARD_IO_REQUEST* sendHeader,
                                    const uint8_t* command, uint32_t commandLength,
-                                   IoRequest* receiveHeader, uint8_t* reply,
+                                   winscard::SCARD_IO_REQUEST* receiveHeader, uint8_t* reply,
                                    uint32_t* replyLength) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
     if (sendHeader == nullptr) return SCARD_E_INVALID_PARAMETER;
-    const SCARD_IO_REQUEST sent{ToLiteProtocols(sendHeader->protocol), sizeof(SCARD_IO_REQUEST)};
+    const SCARD_IO_REQUEST sent{ToLiteProtocols(sendHeader->dwProtocol), sizeof(SCARD_IO_REQUEST)};
     SCARD_IO_REQUEST received = sent;
     const LONG code = lite.transmit(handle, &sent, command, commandLength, &received, reply,
                                     WideLength(replyLength));
-    if (receiveHeader != nullptr) receiveHeader->protocol = ToWindowsProtocol(received.dwProtocol);
+    if (receiveHeader != nullptr)
+      receiveHeader->dwProtocol = ToWindowsProtocol(received.dwProtocol);
     return code;
   });
 }
 
 // pcsc-lite runs control codes whatever became of the card, so the card is asked for first.
-WINSCARD_API int32_t SCardControl(Handle number, uint32_t controlCode, const void* in,
-                                  uint32_t inLength, void* out, uint32_t outLength,
+WINSCARD_API int32_t SCardControl(winscard::SCARDHANDLE number, uint32_t controlCode,
+                                  const void* in, uint32_t inLength, void* out, uint32_t outLength,
                                   uint32_t* returned) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
     const LONG code = lite.status(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
@@ -157,8 +164,8 @@ WINSCARD_API int32_t SCardControl(Handle number, uint32_t controlCode, const voi
 }
 
 // Not every driver answers for the ATR, but the service has it always.
-WINSCARD_API int32_t SCardGetAttrib(Handle number, uint32_t attribute, uint8_t* value,
-                                    uint32_t* length) {
+WINSCARD_API int32_t SCardGetAttrib(winscard::SCARDHANDLE number, uint32_t attribute,
+                                    uint8_t* value, uint32_t* length) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
     if (attribute == SCARD_ATTR_ATR_STRING) {
       return lite.status(handle, nullptr, nullptr, nullptr, nullptr, value, WideLength(length));
@@ -169,4 +176,4 @@ WINSCARD_API int32_t SCardGetAttrib(Handle number, uint32_t attribute, uint8_t* 
 
 }  // extern "C"
 
-}  // namespace winscard
+}  // namespace pcsc

@@ -4,16 +4,16 @@
 #include <mutex>
 #include <utility>
 
-namespace winscard {
+namespace pcsc {
 namespace {
 
 std::mutex mutex;
-std::map<Handle, std::shared_ptr<Card>> cards;
-Handle lastNumber = 0;
+std::map<winscard::SCARDHANDLE, std::shared_ptr<Card>> cards;
+winscard::SCARDHANDLE lastNumber = 0;
 
 }  // namespace
 
-Handle AddCard(std::shared_ptr<Card> card) {
+winscard::SCARDHANDLE AddCard(std::shared_ptr<Card> card) {
   const std::lock_guard lock(mutex);
   do {
     lastNumber = lastNumber % 0x7FFFFFFF + 1;
@@ -22,13 +22,13 @@ Handle AddCard(std::shared_ptr<Card> card) {
   return lastNumber;
 }
 
-std::shared_ptr<Card> FindCard(Handle number) {
+std::shared_ptr<Card> FindCard(winscard::SCARDHANDLE number) {
   const std::lock_guard lock(mutex);
   const auto found = cards.find(number);
   return found == cards.end() ? nullptr : found->second;
 }
 
-void RemoveCard(Handle number) {
+void RemoveCard(winscard::SCARDHANDLE number) {
   const std::lock_guard lock(mutex);
   cards.erase(number);
 }
@@ -38,4 +38,4 @@ void RemoveCardsOf(SCARDCONTEXT context) {
   std::erase_if(cards, [&](const auto& entry) { return entry.second->context == context; });
 }
 
-}  // namespace winscard
+}  // namespace pcsc

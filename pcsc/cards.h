@@ -7,9 +7,8 @@
 #include <string>
 
 #include "pcsc_lite.h"
-#include "windows_types.h"
 
-namespace winscard {
+namespace pcsc {
 
 // One connection to a reader. Its pcsc-lite handle is 0 while there is none: before it is
 // connected, and after its card was removed.
@@ -25,9 +24,9 @@ struct Card {
 // The connections under the numbers that callers know as card handles. A number lies between 1 and
 // 0x7FFFFFFF, so that it survives a caller that keeps 32 bits of it and extends their sign. All
 // functions may be called from any thread.
-Handle AddCard(std::shared_ptr<Card> card);
-std::shared_ptr<Card> FindCard(Handle number);  // null if there is none
-void RemoveCard(Handle number);
+winscard::SCARDHANDLE AddCard(std::shared_ptr<Card> card);
+std::shared_ptr<Card> FindCard(winscard::SCARDHANDLE number);  // null if there is none
+void RemoveCard(winscard::SCARDHANDLE number);
 void RemoveCardsOf(SCARDCONTEXT context);
 
-}  // namespace winscard
+}  // namespace pcsc

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-namespace winscard {
+namespace pcsc {
 namespace {
 
 template <typename Function>
@@ -45,4 +45,4 @@ const PcscLite* LoadPcscLite() {
   return lite ? &*lite : nullptr;
 }
 
-}  // namespace winscard
+}  // namespace pcsc

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "src/readers/winscard_types.h"
+
 // pcsc-lite's header declares functions and data under the very names that this module exports, but
 // in other widths. Here those get the prefix PcscLite: declared for their types, never linked.
 #define SCardEstablishContext PcscLiteEstablishContext
@@ -31,7 +33,14 @@
 #undef g_rgSCardT1Pci
 #undef g_rgSCardRawPci
 
-namespace winscard {
+namespace pcsc {
+
+// The numbers that are not Windows' own. pcsc-lite has them as macros.
+constexpr DWORD kLiteAutoAllocate = SCARD_AUTOALLOCATE;
+constexpr DWORD kLiteProtocolRaw = SCARD_PROTOCOL_RAW;
+#undef SCARD_AUTOALLOCATE
+#undef SCARD_PROTOCOL_RAW
+#undef SCARD_E_UNSUPPORTED_FEATURE
 
 // The functions of pcsc-lite's client library that this module calls.
 struct PcscLite {
@@ -58,4 +67,4 @@ struct PcscLite {
 // widely a process has made that visible, it can thus never be taken for pcsc-lite's own.
 const PcscLite* LoadPcscLite();
 
-}  // namespace winscard
+}  // namespace pcsc

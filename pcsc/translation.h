@@ -5,11 +5,10 @@
 #include <new>
 
 #include "pcsc_lite.h"
-#include "windows_types.h"
 
 // Between Windows' widths and numbers and pcsc-lite's. Codes of failure are the same 32 bits on
 // both sides.
-namespace winscard {
+namespace pcsc {
 
 // A number in the caller's memory, lent to pcsc-lite as a wider one for the length of a call. A
 // caller's null pointer stays a null pointer.
@@ -35,8 +34,8 @@ class WideLength : public WideNumber {
  public:
   explicit WideLength(uint32_t* length, DWORD most = MAX_BUFFER_SIZE_EXTENDED)
       : WideNumber(length) {
-    if (wide_ == kAutoAllocate) {
-      wide_ = SCARD_AUTOALLOCATE;
+    if (wide_ == winscard::SCARD_AUTOALLOCATE) {
+      wide_ = kLiteAutoAllocate;
     } else if (wide_ > most) {
       wide_ = most;
     }
@@ -44,12 +43,13 @@ class WideLength : public WideNumber {
 };
 
 inline DWORD ToLiteProtocols(uint32_t protocols) {
-  return (protocols & (kProtocolT0 | kProtocolT1)) |
-         ((protocols & kProtocolRaw) != 0 ? SCARD_PROTOCOL_RAW : 0);
+  return (protocols & (SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1)) |
+         ((protocols & winscard::SCARD_PROTOCOL_RAW) != 0 ? kLiteProtocolRaw : 0);
 }
 
 inline uint32_t ToWindowsProtocol(DWORD protocol) {
-  return protocol == SCARD_PROTOCOL_RAW ? kProtocolRaw : static_cast<uint32_t>(protocol);
+  return protocol == kLiteProtocolRaw ? winscard::SCARD_PROTOCOL_RAW
+                                      : static_cast<uint32_t>(protocol);
 }
 
 // Windows builds the code of function n as device type 0x31, then n in the bits from 2 on.
@@ -74,4 +74,4 @@ int32_t WithPcscLite(Call call) noexcept try {
   return static_cast<int32_t>(SCARD_E_NO_MEMORY);
 }
 
-}  // namespace winscard
+}  // namespace pcsc

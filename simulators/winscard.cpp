@@ -40,6 +40,9 @@ namespace {
 constexpr const char* kReaders[] = {"Simulated Reader 0", "Simulated Reader 1"};
 constexpr const char* kReaderWithCard = kReaders[0];
 constexpr const char* kGroups[] = {"SCard$DefaultReaders", "SCard$AllReaders"};
+constexpr DWORD kAtrCode = SCARD_CTL_CODE(3000);
+constexpr DWORD kExchangeCode = SCARD_CTL_CODE(3001);
+constexpr DWORD kSpecific = 6;  // what SCardStatusA says of the card
 
 Session session;
 const simulator::AtRestart forgetConnections([] { session.ForgetConnections(); });
@@ -81,270 +84,283 @@ std::vector<const char*> Texts(const char* multiString) {
 }
 
 // Hands data over as the interface does it: a null area asks for the length alone, and
-// kAutoAllocate has the library allocate the area. A prepared answer may say what it likes of its
-// length, and goes into any area as far as it fits.
-void HandOver(Call& call, Answer& answer, void* area, Dword* length) {
+// SCARD_AUTOALLOCATE has the library allocate the area. A prepared answer may say what it likes of
+// its length, and goes into any area as far as it fits.
+void HandOver(Call& call, Answer& answer, void* area, DWORD* length) {
   if (!length || (!answer.data && !call.Prepared())) return;
   const size_t size = answer.data ? answer.data->size() : 0;
   size_t room = *length;
-  if (room == kAutoAllocate && area && answer.data) {
+  if (room == SCARD_AUTOALLOCATE && area && answer.data) {
     uint8_t* const memory = session.Allocate(size);
     std::memcpy(area, &memory, sizeof memory);
     area = memory;
     room = size;
   }
   if (area && size > room && !call.Prepared()) {
-    answer.result = kInsufficientBuffer;
+    answer.result = SCARD_E_INSUFFICIENT_BUFFER;
     room = 0;
   }
-  *length = static_cast<Dword>(call.Write(answer, area, room));
+  *length = static_cast<DWORD>(call.Write(answer, area, room));
 }
 
-Answer AskAtr(Handle handle) {
-  if (const uint32_t code = session.Check(handle); code != kSuccess) return {code};
-  return {kSuccess, Card().Atr()};
+Answer AskAtr(SCARDHANDLE handle) {
+  if (const LONG code = session.Check(handle); code != SCARD_S_SUCCESS) return {code};
+  return {SCARD_S_SUCCESS, Card().Atr()};
 }
 
-Answer AskCard(Handle handle, const uint8_t* command, Dword length) {
-  if (const uint32_t code = session.Check(handle); code != kSuccess) return {code};
-  if (!command) return {kInvalidParameter};
-  return {kSuccess, Card().Transmit({command, length})};
+Answer AskCard(SCARDHANDLE handle, const uint8_t* command, DWORD length) {
+  if (const LONG code = session.Check(handle); code != SCARD_S_SUCCESS) return {code};
+  if (!command) return {SCARD_E_INVALID_PARAMETER};
+  return {SCARD_S_SUCCESS, Card().Transmit({command, length})};
 }
 
-Answer AskReaders(Context context, const std::vector<const char*>& groups) {
-  if (context != 0 && !session.Knows(context)) return {kInvalidHandle};
+Answer AskReaders(SCARDCONTEXT context, const std::vector<const char*>& groups) {
+  if (context != 0 && !session.Knows(context)) return {ERROR_INVALID_HANDLE};
   const auto known = [](const char* group) { return IsOneOf(group, kGroups); };
   if (!groups.empty() && std::none_of(groups.begin(), groups.end(), known))
-    return {kNoReadersAvailable};
-  return {kSuccess, MultiString(kReaders)};
+    return {SCARD_E_NO_READERS_AVAILABLE};
+  return {SCARD_S_SUCCESS, MultiString(kReaders)};
 }
 
-Answer AskToConnect(Context context, const char* reader, Dword protocols) {
-  if (!session.Knows(context)) return {kInvalidHandle};
-  if (!reader) return {kInvalidParameter};
-  if (!IsOneOf(reader, kReaders)) return {kUnknownReader};
-  if (std::strcmp(reader, kReaderWithCard) != 0 || !CardPresent()) return {kRemovedCard};
-  if (!(protocols & kProtocolT0)) return {kProtocolMismatch};
-  return {kSuccess, Octets{kProtocolT0}};
+Answer AskToConnect(SCARDCONTEXT context, const char* reader, DWORD protocols) {
+  if (!session.Knows(context)) return {ERROR_INVALID_HANDLE};
+  if (!reader) return {SCARD_E_INVALID_PARAMETER};
+  if (!IsOneOf(reader, kReaders)) return {SCARD_E_UNKNOWN_READER};
+  if (std::strcmp(reader, kReaderWithCard) != 0 || !CardPresent()) return {SCARD_W_REMOVED_CARD};
+  if (!(protocols & SCARD_PROTOCOL_T0)) return {SCARD_E_PROTO_MISMATCH};
+  return {SCARD_S_SUCCESS, Octets{SCARD_PROTOCOL_T0}};
 }
 
 // Fills one reader's state and tells whether it is news to the caller.
-bool Observe(ReaderState& state) {
-  Dword event = kStateUnknown;
-  state.atrLength = 0;
-  if (IsOneOf(state.reader, kReaders)) {
-    const bool here = std::strcmp(state.reader, kReaderWithCard) == 0;
-    event = here && CardPresent() ? kStatePresent : kStateEmpty;
+bool Observe(SCARD_READERSTATEA& state) {
+  DWORD event = SCARD_STATE_UNKNOWN;
+  state.cbAtr = 0;
+  if (IsOneOf(state.szReader, kReaders)) {
+    const bool here = std::strcmp(state.szReader, kReaderWithCard) == 0;
+    event = here && CardPresent() ? SCARD_STATE_PRESENT : SCARD_STATE_EMPTY;
     if (here) event |= simulator::CardMovements() << 16;
-    if (event & kStatePresent) {
+    if (event & SCARD_STATE_PRESENT) {
       const Octets atr = Card().Atr();
-      std::memcpy(state.atr, atr.data(), atr.size());
-      state.atrLength = static_cast<Dword>(atr.size());
+      std::memcpy(state.rgbAtr, atr.data(), atr.size());
+      state.cbAtr = static_cast<DWORD>(atr.size());
     }
   }
-  const bool news = event != (state.currentState & ~Dword{kStateChanged});
-  state.eventState = news ? event | kStateChanged : event;
+  const bool news = event != (state.dwCurrentState & ~SCARD_STATE_CHANGED);
+  state.dwEventState = news ? event | SCARD_STATE_CHANGED : event;
   return news;
 }
 
 // Where there is no news it does not wait: nothing could come while the caller is in here.
-Answer AskForNews(Context context, ReaderState* states, Dword count) {
-  if (!session.Knows(context)) return {kInvalidHandle};
-  if (!states && count > 0) return {kInvalidParameter};
+Answer AskForNews(SCARDCONTEXT context, SCARD_READERSTATEA* states, DWORD count) {
+  if (!session.Knows(context)) return {ERROR_INVALID_HANDLE};
+  if (!states && count > 0) return {SCARD_E_INVALID_PARAMETER};
   bool news = false;
-  for (ReaderState& state : std::span(states, count)) {
-    if (!state.reader) return {kInvalidParameter};
+  for (SCARD_READERSTATEA& state : std::span(states, count)) {
+    if (!state.szReader) return {SCARD_E_INVALID_PARAMETER};
     news = Observe(state) || news;
   }
-  return {news ? kSuccess : kTimeout};
+  return {news ? SCARD_S_SUCCESS : SCARD_E_TIMEOUT};
 }
 
 }  // namespace
 
 extern "C" {
 
-SIMULATOR_API extern const IoRequest g_rgSCardT0Pci = {kProtocolT0, sizeof(IoRequest)};
-SIMULATOR_API extern const IoRequest g_rgSCardT1Pci = {kProtocolT1, sizeof(IoRequest)};
-SIMULATOR_API extern const IoRequest g_rgSCardRawPci = {kProtocolRaw, sizeof(IoRequest)};
+SIMULATOR_API extern const SCARD_IO_REQUEST g_rgSCardT0Pci = {SCARD_PROTOCOL_T0,
+                                                              sizeof(SCARD_IO_REQUEST)};
+SIMULATOR_API extern const SCARD_IO_REQUEST g_rgSCardT1Pci = {SCARD_PROTOCOL_T1,
+                                                              sizeof(SCARD_IO_REQUEST)};
+SIMULATOR_API extern const SCARD_IO_REQUEST g_rgSCardRawPci = {SCARD_PROTOCOL_RAW,
+                                                               sizeof(SCARD_IO_REQUEST)};
 
-SIMULATOR_API Code SCardEstablishContext(Dword scope, const void*, const void*, Context* context) {
+SIMULATOR_API LONG SCardEstablishContext(DWORD scope, const void*, const void*,
+                                         SCARDCONTEXT* context) {
   Call call("SCardEstablishContext", {scope});
   const Answer answer = call.Ask([&] {
-    return context ? Answer{kSuccess, BigEndian(session.Establish())} : Answer{kInvalidParameter};
+    return context ? Answer{SCARD_S_SUCCESS, BigEndian(session.Establish())}
+                   : Answer{SCARD_E_INVALID_PARAMETER};
   });
   if (answer.data && context) {
     *context = Number(*answer.data);
     call.Wrote(Hex(*context));
   }
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardReleaseContext(Context context) {
+SIMULATOR_API LONG SCardReleaseContext(SCARDCONTEXT context) {
   Call call("SCardReleaseContext", {Hex(context)});
-  return call.ReturnHex<Code>(
-      call.Ask([&] { return Answer{session.Release(context) ? kSuccess : kInvalidHandle}; }));
+  return call.ReturnHex<LONG>(call.Ask(
+      [&] { return Answer{session.Release(context) ? SCARD_S_SUCCESS : ERROR_INVALID_HANDLE}; }));
 }
 
-SIMULATOR_API Code SCardListReadersA(Context context, const char* groups, char* readers,
-                                     Dword* length) {
+SIMULATOR_API LONG SCardListReadersA(SCARDCONTEXT context, const char* groups, char* readers,
+                                     DWORD* length) {
   Call call("SCardListReadersA", {Hex(context)});
   const std::vector<const char*> names = Texts(groups);
   for (const char* name : names) call.With(name);
-  Answer answer =
-      call.Ask([&] { return length ? AskReaders(context, names) : Answer{kInvalidParameter}; });
+  Answer answer = call.Ask(
+      [&] { return length ? AskReaders(context, names) : Answer{SCARD_E_INVALID_PARAMETER}; });
   HandOver(call, answer, readers, length);
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardFreeMemory(Context context, const void* memory) {
+SIMULATOR_API LONG SCardFreeMemory(SCARDCONTEXT context, const void* memory) {
   Call call("SCardFreeMemory", {Hex(context)});
-  return call.ReturnHex<Code>(
-      call.Ask([&] { return Answer{session.Free(memory) ? kSuccess : kInvalidParameter}; }));
+  return call.ReturnHex<LONG>(call.Ask(
+      [&] { return Answer{session.Free(memory) ? SCARD_S_SUCCESS : SCARD_E_INVALID_PARAMETER}; }));
 }
 
-SIMULATOR_API Code SCardConnectA(Context context, const char* reader, Dword shareMode,
-                                 Dword protocols, Handle* handle, Dword* protocol) {
+SIMULATOR_API LONG SCardConnectA(SCARDCONTEXT context, const char* reader, DWORD shareMode,
+                                 DWORD protocols, SCARDHANDLE* handle, DWORD* protocol) {
   Call call("SCardConnectA", {Hex(context), reader, shareMode, protocols});
   const Answer answer = call.Ask([&] {
     return handle && protocol ? AskToConnect(context, reader, protocols)
-                              : Answer{kInvalidParameter};
+                              : Answer{SCARD_E_INVALID_PARAMETER};
   });
-  if (answer.result == kSuccess && answer.data && handle && protocol) {
-    *protocol = static_cast<Dword>(Number(*answer.data));
-    *handle = static_cast<Handle>(answer.Reported(static_cast<int64_t>(session.NextHandle())));
+  if (answer.result == SCARD_S_SUCCESS && answer.data && handle && protocol) {
+    *protocol = static_cast<DWORD>(Number(*answer.data));
+    *handle = static_cast<SCARDHANDLE>(answer.Reported(static_cast<int64_t>(session.NextHandle())));
     session.Connect(*handle, context, *protocol);
     call.Wrote(Hex(*handle));
     call.Wrote(*protocol);
   }
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardReconnect(Handle handle, Dword shareMode, Dword protocols,
-                                  Dword initialization, Dword* protocol) {
+SIMULATOR_API LONG SCardReconnect(SCARDHANDLE handle, DWORD shareMode, DWORD protocols,
+                                  DWORD initialization, DWORD* protocol) {
   Call call("SCardReconnect", {Hex(handle), shareMode, protocols, initialization});
   const Answer answer = call.Ask([&]() -> Answer {
-    if (const uint32_t code = session.Check(handle); code != kSuccess) return {code};
-    if (!(protocols & kProtocolT0)) return {kProtocolMismatch};
-    if (initialization != kLeaveCard) Card().Reset();
-    return {kSuccess, Octets{kProtocolT0}};
+    if (const LONG code = session.Check(handle); code != SCARD_S_SUCCESS) return {code};
+    if (!(protocols & SCARD_PROTOCOL_T0)) return {SCARD_E_PROTO_MISMATCH};
+    if (initialization != SCARD_LEAVE_CARD) Card().Reset();
+    return {SCARD_S_SUCCESS, Octets{SCARD_PROTOCOL_T0}};
   });
   if (answer.data && protocol) {
-    *protocol = static_cast<Dword>(Number(*answer.data));
+    *protocol = static_cast<DWORD>(Number(*answer.data));
     call.Wrote(*protocol);
   }
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardDisconnect(Handle handle, Dword disposition) {
+SIMULATOR_API LONG SCardDisconnect(SCARDHANDLE handle, DWORD disposition) {
   Call call("SCardDisconnect", {Hex(handle), disposition});
-  return call.ReturnHex<Code>(call.Ask([&]() -> Answer {
-    const bool cardIsThere = session.Check(handle) == kSuccess;
-    if (!session.Disconnect(handle)) return {kInvalidHandle};
-    if (cardIsThere && disposition != kLeaveCard) Card().Reset();
-    return {kSuccess};
+  return call.ReturnHex<LONG>(call.Ask([&]() -> Answer {
+    const bool cardIsThere = session.Check(handle) == SCARD_S_SUCCESS;
+    if (!session.Disconnect(handle)) return {ERROR_INVALID_HANDLE};
+    if (cardIsThere && disposition != SCARD_LEAVE_CARD) Card().Reset();
+    return {SCARD_S_SUCCESS};
   }));
 }
 
-SIMULATOR_API Code SCardBeginTransaction(Handle handle) {
+SIMULATOR_API LONG SCardBeginTransaction(SCARDHANDLE handle) {
   Call call("SCardBeginTransaction", {Hex(handle)});
-  return call.ReturnHex<Code>(call.Ask([&] { return Answer{session.Check(handle)}; }));
+  return call.ReturnHex<LONG>(call.Ask([&] { return Answer{session.Check(handle)}; }));
 }
 
-SIMULATOR_API Code SCardEndTransaction(Handle handle, Dword disposition) {
+SIMULATOR_API LONG SCardEndTransaction(SCARDHANDLE handle, DWORD disposition) {
   Call call("SCardEndTransaction", {Hex(handle), disposition});
-  return call.ReturnHex<Code>(call.Ask([&]() -> Answer {
-    const uint32_t code = session.Check(handle);
-    if (code == kSuccess && disposition != kLeaveCard) Card().Reset();
+  return call.ReturnHex<LONG>(call.Ask([&]() -> Answer {
+    const LONG code = session.Check(handle);
+    if (code == SCARD_S_SUCCESS && disposition != SCARD_LEAVE_CARD) Card().Reset();
     return {code};
   }));
 }
 
-SIMULATOR_API Code SCardTransmit(Handle handle, const IoRequest* header, const uint8_t* command,
-                                 Dword length, IoRequest*, uint8_t* reply, Dword* replyLength) {
-  Call call("SCardTransmit", {Hex(handle), header ? header->protocol : 0, {command, length}});
+SIMULATOR_API LONG SCardTransmit(SCARDHANDLE handle, const SCARD_IO_REQUEST* header,
+                                 const uint8_t* command, DWORD length, SCARD_IO_REQUEST*,
+                                 uint8_t* reply, DWORD* replyLength) {
+  Call call("SCardTransmit", {Hex(handle), header ? header->dwProtocol : 0, {command, length}});
   Answer answer = call.Ask([&]() -> Answer {
-    if (!header || !reply || !replyLength) return {kInvalidParameter};
-    const Dword protocol = session.Protocol(handle);
-    if (protocol != 0 && protocol != header->protocol) return {kProtocolMismatch};
+    if (!header || !reply || !replyLength) return {SCARD_E_INVALID_PARAMETER};
+    const DWORD protocol = session.Protocol(handle);
+    if (protocol != 0 && protocol != header->dwProtocol) return {SCARD_E_PROTO_MISMATCH};
     return AskCard(handle, command, length);
   });
   HandOver(call, answer, reply, replyLength);
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardControl(Handle handle, Dword control, const uint8_t* input, Dword length,
-                                uint8_t* output, Dword outputSize, Dword* outputLength) {
+SIMULATOR_API LONG SCardControl(SCARDHANDLE handle, DWORD control, const uint8_t* input,
+                                DWORD length, uint8_t* output, DWORD outputSize,
+                                DWORD* outputLength) {
   Call call("SCardControl", {Hex(handle), Hex(control), {input, length}});
   Answer answer = call.Ask([&]() -> Answer {
-    if (!output || !outputLength) return {kInvalidParameter};
-    if (control == kControlAtr) return AskAtr(handle);
-    if (control == kControlExchange) return AskCard(handle, input, length);
-    return {kUnsupportedFeature};
+    if (!output || !outputLength) return {SCARD_E_INVALID_PARAMETER};
+    if (control == kAtrCode) return AskAtr(handle);
+    if (control == kExchangeCode) return AskCard(handle, input, length);
+    return {SCARD_E_UNSUPPORTED_FEATURE};
   });
   if (outputLength) *outputLength = outputSize;
   HandOver(call, answer, output, outputLength);
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardGetAttrib(Handle handle, Dword attribute, uint8_t* value, Dword* length) {
+SIMULATOR_API LONG SCardGetAttrib(SCARDHANDLE handle, DWORD attribute, uint8_t* value,
+                                  DWORD* length) {
   Call call("SCardGetAttrib", {Hex(handle), Hex(attribute)});
   Answer answer = call.Ask([&]() -> Answer {
-    if (!length) return {kInvalidParameter};
-    return attribute == kAttributeAtr ? AskAtr(handle) : Answer{kUnsupportedFeature};
+    if (!length) return {SCARD_E_INVALID_PARAMETER};
+    return attribute == SCARD_ATTR_ATR_STRING ? AskAtr(handle)
+                                              : Answer{SCARD_E_UNSUPPORTED_FEATURE};
   });
   HandOver(call, answer, value, length);
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardGetStatusChangeA(Context context, Dword timeout, ReaderState* states,
-                                         Dword count) {
+SIMULATOR_API LONG SCardGetStatusChangeA(SCARDCONTEXT context, DWORD timeout,
+                                         SCARD_READERSTATEA* states, DWORD count) {
   Call call("SCardGetStatusChangeA", {Hex(context), timeout});
-  const std::span<ReaderState> asked(states, states ? count : 0);
-  for (const ReaderState& state : asked) call.With(state.reader).With(Hex(state.currentState));
+  const std::span<SCARD_READERSTATEA> asked(states, states ? count : 0);
+  for (const SCARD_READERSTATEA& state : asked)
+    call.With(state.szReader).With(Hex(state.dwCurrentState));
   const Answer answer = call.Ask([&] { return AskForNews(context, states, count); });
   if (call.Prepared() && !asked.empty()) {
-    ReaderState& first = asked.front();
-    first.eventState = static_cast<Dword>(answer.Reported(first.eventState));
+    SCARD_READERSTATEA& first = asked.front();
+    first.dwEventState = static_cast<DWORD>(answer.Reported(first.dwEventState));
     if (answer.data) {
-      std::memcpy(first.atr, answer.data->data(), std::min(answer.data->size(), sizeof first.atr));
-      first.atrLength = static_cast<Dword>(answer.data->size());
+      std::memcpy(first.rgbAtr, answer.data->data(),
+                  std::min(answer.data->size(), sizeof first.rgbAtr));
+      first.cbAtr = static_cast<DWORD>(answer.data->size());
     }
   }
-  if (answer.result == kSuccess || answer.result == kTimeout) {
-    for (const ReaderState& state : asked) call.Wrote(Hex(state.eventState));
+  const auto code = static_cast<LONG>(answer.result);
+  if (code == SCARD_S_SUCCESS || code == SCARD_E_TIMEOUT) {
+    for (const SCARD_READERSTATEA& state : asked) call.Wrote(Hex(state.dwEventState));
   }
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardStatusA(Handle handle, char* reader, Dword* readerLength, Dword* state,
-                                Dword* protocol, uint8_t* atr, Dword* atrLength) {
+SIMULATOR_API LONG SCardStatusA(SCARDHANDLE handle, char* reader, DWORD* readerLength, DWORD* state,
+                                DWORD* protocol, uint8_t* atr, DWORD* atrLength) {
   Call call("SCardStatusA", {Hex(handle)});
   Answer answer = call.Ask([&] { return AskAtr(handle); });
-  if (answer.result == kSuccess) {
-    Answer name{kSuccess, MultiString({&kReaderWithCard, 1})};
+  if (answer.result == SCARD_S_SUCCESS) {
+    Answer name{SCARD_S_SUCCESS, MultiString({&kReaderWithCard, 1})};
     HandOver(call, name, reader, readerLength);
-    if (state) *state = kCardSpecific;
+    if (state) *state = kSpecific;
     if (protocol) *protocol = session.Protocol(handle);
-    if (name.result != kSuccess) answer = name;
+    if (name.result != SCARD_S_SUCCESS) answer = name;
   }
   HandOver(call, answer, atr, atrLength);
-  return call.ReturnHex<Code>(answer);
+  return call.ReturnHex<LONG>(answer);
 }
 
-SIMULATOR_API Code SCardLocateCardsA(Context context, const char* cards, ReaderState*, Dword) {
+SIMULATOR_API LONG SCardLocateCardsA(SCARDCONTEXT context, const char* cards, SCARD_READERSTATEA*,
+                                     DWORD) {
   Call call("SCardLocateCardsA", {Hex(context), cards});
-  return call.ReturnHex<Code>(call.Ask([] { return Answer{kUnsupportedFeature}; }));
+  return call.ReturnHex<LONG>(call.Ask([] { return Answer{SCARD_E_UNSUPPORTED_FEATURE}; }));
 }
 
-SIMULATOR_API Code SCardListCardsA(Context context, const uint8_t*, const void*, Dword, char*,
-                                   Dword*) {
+SIMULATOR_API LONG SCardListCardsA(SCARDCONTEXT context, const uint8_t*, const void*, DWORD, char*,
+                                   DWORD*) {
   Call call("SCardListCardsA", {Hex(context)});
-  return call.ReturnHex<Code>(call.Ask([] { return Answer{kUnsupportedFeature}; }));
+  return call.ReturnHex<LONG>(call.Ask([] { return Answer{SCARD_E_UNSUPPORTED_FEATURE}; }));
 }
 
-SIMULATOR_API Code SCardForgetCardTypeA(Context context, const char* card) {
+SIMULATOR_API LONG SCardForgetCardTypeA(SCARDCONTEXT context, const char* card) {
   Call call("SCardForgetCardTypeA", {Hex(context), card});
-  return call.ReturnHex<Code>(call.Ask([] { return Answer{kUnsupportedFeature}; }));
+  return call.ReturnHex<LONG>(call.Ask([] { return Answer{SCARD_E_UNSUPPORTED_FEATURE}; }));
 }
 
 }  // extern "C"

@@ -5,26 +5,26 @@
 namespace winscard {
 
 // A context fills all its 64 bits: one that was cut to 32 is not known again.
-Context Session::Establish() {
-  const Context context = 0xCD01000000000000 + ++established_;
+SCARDCONTEXT Session::Establish() {
+  const SCARDCONTEXT context = 0xCD01000000000000 + ++established_;
   contexts_.insert(context);
   return context;
 }
 
-bool Session::Release(Context context) {
+bool Session::Release(SCARDCONTEXT context) {
   std::erase_if(connections_, [&](const auto& entry) { return entry.second.context == context; });
   return contexts_.erase(context) != 0;
 }
 
 // A handle is worth 32 bits, widened with its sign. Every other one is negative, so that a caller
 // who widens it in another way is found out.
-Handle Session::NextHandle() {
+SCARDHANDLE Session::NextHandle() {
   const uint32_t sign = ++connected_ % 2 == 1 ? 0x80000000 : 0;
   const auto value = static_cast<int32_t>(sign | 0x6A010000 | (connected_ & 0xFFFF));
-  return static_cast<Handle>(int64_t{value});
+  return static_cast<SCARDHANDLE>(int64_t{value});
 }
 
-void Session::Connect(Handle handle, Context context, Dword protocol) {
+void Session::Connect(SCARDHANDLE handle, SCARDCONTEXT context, DWORD protocol) {
   connections_[handle] = {context, protocol, simulator::CardMovements()};
 }
 
@@ -33,14 +33,14 @@ void Session::ForgetConnections() {
   connected_ = 0;
 }
 
-uint32_t Session::Check(Handle handle) const {
+LONG Session::Check(SCARDHANDLE handle) const {
   const auto found = connections_.find(handle);
-  if (found == connections_.end()) return kInvalidHandle;
+  if (found == connections_.end()) return ERROR_INVALID_HANDLE;
   const bool same = found->second.cardMovements == simulator::CardMovements();
-  return same && simulator::CardPresent() ? kSuccess : kRemovedCard;
+  return same && simulator::CardPresent() ? SCARD_S_SUCCESS : SCARD_W_REMOVED_CARD;
 }
 
-Dword Session::Protocol(Handle handle) const {
+DWORD Session::Protocol(SCARDHANDLE handle) const {
   const auto found = connections_.find(handle);
   return found == connections_.end() ? 0 : found->second.protocol;
 }

@@ -6,26 +6,27 @@
 #include <memory>
 #include <set>
 
-#include "winscard_types.h"
+#include "src/readers/winscard_types.h"
 
 namespace winscard {
 
 class Session {
  public:
-  Context Establish();
-  bool Release(Context context);  // and every handle that was connected in it
-  bool Knows(Context context) const { return contexts_.contains(context); }
+  SCARDCONTEXT Establish();
+  bool Release(SCARDCONTEXT context);  // and every handle that was connected in it
+  bool Knows(SCARDCONTEXT context) const { return contexts_.contains(context); }
 
-  Handle NextHandle();
-  void Connect(Handle handle, Context context, Dword protocol);
-  bool Disconnect(Handle handle) { return connections_.erase(handle) != 0; }
+  SCARDHANDLE NextHandle();
+  void Connect(SCARDHANDLE handle, SCARDCONTEXT context, DWORD protocol);
+  bool Disconnect(SCARDHANDLE handle) { return connections_.erase(handle) != 0; }
   void ForgetConnections();  // the next handle is the first one again
 
-  // kSuccess, kInvalidHandle, or kRemovedCard if the card has moved since the handle was connected.
-  uint32_t Check(Handle handle) const;
+  // SCARD_S_SUCCESS, ERROR_INVALID_HANDLE, or SCARD_W_REMOVED_CARD if the card has moved since the
+  // handle was connected.
+  LONG Check(SCARDHANDLE handle) const;
 
   // The active protocol of a handle; 0 if there is no such handle.
-  Dword Protocol(Handle handle) const;
+  DWORD Protocol(SCARDHANDLE handle) const;
 
   // Memory that stays until Free, or to the end of the session.
   uint8_t* Allocate(size_t size);
@@ -33,12 +34,12 @@ class Session {
 
  private:
   struct Connection {
-    Context context;
-    Dword protocol;
+    SCARDCONTEXT context;
+    DWORD protocol;
     uint32_t cardMovements;
   };
-  std::set<Context> contexts_;
-  std::map<Handle, Connection> connections_;
+  std::set<SCARDCONTEXT> contexts_;
+  std::map<SCARDHANDLE, Connection> connections_;
   std::map<const void*, std::unique_ptr<uint8_t[]>> memory_;
   uint32_t established_ = 0;
   uint32_t connected_ = 0;

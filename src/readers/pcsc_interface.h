@@ -5,47 +5,11 @@
 #include <span>
 
 #include "platform/library.h"
+#include "readers/winscard_types.h"
 
 namespace orvane {
 
-// PC/SC as 64-bit Windows lays it out. The names are the interface's own.
-
-using SCARDCONTEXT = std::uint64_t;
-using SCARDHANDLE = std::int64_t;
-using DWORD = std::uint32_t;
-using LONG = std::int32_t;
-
-struct SCARD_IO_REQUEST {
-  DWORD dwProtocol;
-  DWORD cbPciLength;
-};
-
-struct SCARD_READERSTATEA {
-  const char* szReader;
-  void* pvUserData;
-  DWORD dwCurrentState;
-  DWORD dwEventState;
-  DWORD cbAtr;
-  std::uint8_t rgbAtr[36];
-};
-static_assert(sizeof(SCARD_READERSTATEA) == 64);
-
-constexpr DWORD SCARD_SCOPE_USER = 0;
-// A list of groups: the empty name ends it.
-constexpr char SCARD_DEFAULT_READERS[] = "SCard$DefaultReaders\0";
-constexpr DWORD SCARD_AUTOALLOCATE = 0xFFFFFFFF;
-constexpr DWORD SCARD_SHARE_SHARED = 2;
-constexpr DWORD SCARD_PROTOCOL_T0 = 1;
-constexpr DWORD SCARD_PROTOCOL_T1 = 2;
-constexpr DWORD SCARD_LEAVE_CARD = 0;
-constexpr DWORD SCARD_ATTR_ATR_STRING = 0x00090303;
-constexpr DWORD SCARD_STATE_PRESENT = 0x20;
-constexpr LONG SCARD_S_SUCCESS = 0;
-constexpr LONG ERROR_INVALID_HANDLE = 6;
-constexpr LONG SCARD_E_INVALID_HANDLE = static_cast<LONG>(0x80100003);
-constexpr LONG SCARD_W_REMOVED_CARD = static_cast<LONG>(0x80100069);
-
-consteval DWORD SCARD_CTL_CODE(DWORD code) { return 0x31U << 16 | code << 2; }
+using namespace winscard;
 
 struct PcscEntryPoints {
   static constexpr char kFileName[] = "winscard.dll";

@@ -16,6 +16,8 @@ namespace {
 constexpr std::int32_t kListedByDefault = 16;
 constexpr DWORD kReadAtrCode = SCARD_CTL_CODE(3000);
 constexpr DWORD kExchangeCode = SCARD_CTL_CODE(3001);
+// A list of groups: the empty name ends it.
+constexpr char kDefaultReaders[] = "SCard$DefaultReaders\0";
 constexpr DWORD kStatusWaitMilliseconds = 100;
 
 constexpr ExchangeRules kRules{.source = StatusWordSource::kReplyEnd,
@@ -58,9 +60,8 @@ class ReaderNames {
   ReaderNames(const PcscEntryPoints& winscard, SCARDCONTEXT context)
       : m_winscard(winscard), m_context(context) {
     DWORD length = SCARD_AUTOALLOCATE;
-    const LONG code = platform::CallForeign([&] {
-      return winscard.SCardListReadersA(context, SCARD_DEFAULT_READERS, &m_list, &length);
-    });
+    const LONG code = platform::CallForeign(
+        [&] { return winscard.SCardListReadersA(context, kDefaultReaders, &m_list, &length); });
     if (code != SCARD_S_SUCCESS) m_list = nullptr;
     m_rest = {m_list, m_list != nullptr ? length : 0};
   }
@@ -156,7 +157,7 @@ std::int32_t CPCSCReaderTool::OpenByPort(std::int32_t port, std::int32_t, std::i
 std::int32_t CPCSCReaderTool::Close() {
   if (m_card.IsClosed()) return 1;
   CardHandle closing = m_card;
-  Keep(-1);
+  Keep(static_cast<SCARDHANDLE>(-1));
   if (m_winscard->SCardDisconnect != nullptr) {
     closing.Pass(
         [this](SCARDHANDLE card) { return m_winscard->SCardDisconnect(card, SCARD_LEAVE_CARD); });

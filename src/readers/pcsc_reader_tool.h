@@ -13,10 +13,9 @@ namespace orvane {
 class CardHandle {
  public:
   CardHandle() = default;
-  explicit CardHandle(SCARDHANDLE given)
-      : m_given(given), m_passed(static_cast<std::int32_t>(given)) {}
+  explicit CardHandle(SCARDHANDLE given) : m_given(given), m_passed(Extended(given)) {}
 
-  bool IsClosed() const { return m_given == -1; }
+  bool IsClosed() const { return m_given == kClosed; }
   bool IsWithoutCard() const { return m_given == 0; }
 
   // Runs a call of the library with the handle, twice if need be, and gives its code.
@@ -30,8 +29,14 @@ class CardHandle {
   }
 
  private:
-  SCARDHANDLE m_given = -1;
-  SCARDHANDLE m_passed = -1;
+  static constexpr auto kClosed = static_cast<SCARDHANDLE>(-1);
+
+  static SCARDHANDLE Extended(SCARDHANDLE handle) {
+    return static_cast<SCARDHANDLE>(std::int64_t{static_cast<std::int32_t>(handle)});
+  }
+
+  SCARDHANDLE m_given = kClosed;
+  SCARDHANDLE m_passed = kClosed;
 };
 
 // Any reader that the platform's PC/SC service knows. A reader opens without a card, and ResetCard

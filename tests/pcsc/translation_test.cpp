@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace winscard {
+namespace pcsc {
 namespace {
 
 TEST(PcscTranslation, OfNumbersIsExact) {
@@ -18,11 +18,11 @@ TEST(PcscTranslation, OfNumbersIsExact) {
       {ToLiteControlCode(0x42000BB8), 0x42000BB8},
       {ToLiteControlCode(0x00312EE1), 0x00312EE1},
       {ToLiteControlCode(0x00322EE0), 0x00322EE0},
-      {ToLiteProtocols(kProtocolT0 | kProtocolT1), SCARD_PROTOCOL_ANY},
-      {ToLiteProtocols(kProtocolRaw), SCARD_PROTOCOL_RAW},
-      {ToLiteProtocols(0x80000000 | kProtocolT1), SCARD_PROTOCOL_T1},
-      {ToWindowsProtocol(SCARD_PROTOCOL_T1), kProtocolT1},
-      {ToWindowsProtocol(SCARD_PROTOCOL_RAW), kProtocolRaw},
+      {ToLiteProtocols(SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1), SCARD_PROTOCOL_ANY},
+      {ToLiteProtocols(winscard::SCARD_PROTOCOL_RAW), kLiteProtocolRaw},
+      {ToLiteProtocols(0x80000000 | SCARD_PROTOCOL_T1), SCARD_PROTOCOL_T1},
+      {ToWindowsProtocol(SCARD_PROTOCOL_T1), SCARD_PROTOCOL_T1},
+      {ToWindowsProtocol(kLiteProtocolRaw), winscard::SCARD_PROTOCOL_RAW},
       {ToWindowsCardState(SCARD_UNKNOWN), 0},
       {ToWindowsCardState(SCARD_ABSENT), 1},
       {ToWindowsCardState(SCARD_PRESENT | SCARD_SWALLOWED), 3},
@@ -33,4 +33,4 @@ TEST(PcscTranslation, OfNumbersIsExact) {
 }
 
 }  // namespace
-}  // namespace winscard
+}  // namespace pcsc
