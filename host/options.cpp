@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include "host/definitions.h"
+#include "host/expectation.h"
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/reader_address.h"
-#include "host/status_word.h"
 
 namespace host {
 namespace {
@@ -139,6 +139,18 @@ void AddDefinitions(CLI::App& command, Options& options) {
       ->check(CheckName);
 }
 
+// What is wrong with a pattern of --expect; empty if nothing is.
+std::string CheckPattern(const std::string& text) try {
+  for (const Expectation::Pattern& pattern : ReadExpectation(text).patterns) {
+    for (const Expectation::Part& part : pattern) {
+      if (part.kind == Expectation::Part::Kind::kVariable) return "there are no variables";
+    }
+  }
+  return "";
+} catch (const Failure& failure) {
+  return failure.what();
+}
+
 void DescribeTags(CLI::App& tags, Options& options) {
   tags.require_subcommand(1);
   tags.add_subcommand("list", "List all entries");
@@ -178,12 +190,11 @@ void DescribeOptions(CLI::App& app, Options& options) {
                   "which no list of processes shows")
       ->required();
   apdu.add_option("--expect", options.expected,
-                  "What every status word should be: 9000, X for any digit, several as in "
-                  "\"61XX or 9000\". At the first other one the program ends, with exit code 1")
-      ->type_name("WORD")
-      ->check([](const std::string& text) {
-        return IsPattern(text) ? "" : text + " is no status word: four digits or X, as in 61XX";
-      });
+                  "What every answer should be: 9000, X for any digit, several as in "
+                  "\"61XX or 9000\", with data as in \"6F .. 9000\". At the first other one the "
+                  "program ends, with exit code 1")
+      ->type_name("PATTERN")
+      ->check(CheckPattern);
   apdu.footer(
       "\nExit code: 0 if each APDU got an answer, whatever its status word says; 1 if one is not "
       "as\n--expect has it; 3 if an APDU is wrong, and none is sent then; 4 for trouble with "

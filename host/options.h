@@ -16,7 +16,7 @@ namespace host {
 struct Options {
   std::string file;                   // run
   std::vector<std::string> commands;  // apdu
-  std::string expected;               // apdu; a pattern of status words, empty for none
+  std::string expected;               // apdu; a pattern, empty for none
   std::vector<std::string> data;      // tlv
   TagEntry entry;                     // tags find, add, remove
   std::string tagList;                // tags import

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "host/expectation.h"
 #include "host/failure.h"
 #include "host/operands.h"
-#include "host/status_word.h"
 #include "host/text.h"
 
 namespace host {
@@ -150,15 +150,15 @@ void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
 
 void Session::Send(std::string_view digits, std::string_view expected) {
   const CardCommand command = ReadCommand(digits, readers_.CurrentFraming());
-  const std::string word = Exchange(command, !settings_.showSecrets && CarriesSecret(command));
-  if (expected.empty() || FitsPattern(word, expected)) return;
-  throw Failure(kExpectationFailed,
-                "not as expected: " +
-                    (word.empty() ? "there is no status word" : "the status word is " + word) +
-                    ", and should be " + std::string(expected));
+  const Response response = Exchange(command, !settings_.showSecrets && CarriesSecret(command));
+  if (expected.empty()) return;
+  const std::string parting =
+      PartingFrom(ReadExpectation(expected), response, [](const std::string&) { return ""; });
+  if (parting.empty()) return;
+  throw Failure(kExpectationFailed, "not as expected: " + std::string(expected) + parting);
 }
 
-std::string Session::Exchange(const CardCommand& command, bool hide) {
+Response Session::Exchange(const CardCommand& command, bool hide) {
   readers_.Check(command);
   trace_.Command(command, hide);
   const Response response =
@@ -174,7 +174,7 @@ std::string Session::Exchange(const CardCommand& command, bool hide) {
   SetVariable("%SW", response.statusWord);
   secrets_.FollowAnswer();
   trace_.Response(response, NoteOn(response, command, readers_.CurrentKind()));
-  return response.statusWord;
+  return response;
 }
 
 void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {

@@ -59,7 +59,7 @@ class Session {
   void Echo(std::optional<size_t> line, std::string_view shown);
   void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
   void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);
-  std::string Exchange(const CardCommand& command, bool hide);  // gives the status word
+  Response Exchange(const CardCommand& command, bool hide);
   void TellOpened(const ReaderAddress& address, bool hide);
   void Compare(const Statement& statement, std::optional<size_t> line, bool held);
   void OpenDefault();

@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "host/text.h"
 
@@ -83,19 +81,6 @@ constexpr std::array kClasses = std::to_array<Meaning>({
 });
 
 // 0 for a text that is no status word.
-// The words of a pattern in upper case; none if something is missing between them.
-std::vector<std::string> Alternatives(std::string_view pattern) {
-  std::istringstream in(UpperCase(pattern));
-  std::vector<std::string> words;
-  for (std::string word, link = "OR"; link == "OR";) {
-    if (!(in >> word)) return {};
-    words.push_back(word);
-    link.clear();
-    if (!(in >> link)) return words;
-  }
-  return {};
-}
-
 unsigned ValueOf(std::string_view statusWord) {
   unsigned value = 0;
   const char* end = statusWord.data() + statusWord.size();
@@ -117,22 +102,6 @@ Standing StandingOf(std::string_view statusWord) {
 bool LooksLikeStatusWord(std::string_view digits) {
   const unsigned value = ValueOf(digits);
   return value >> 12 == 0x9 || (value >> 12 == 0x6 && value >> 8 != 0x60);
-}
-
-bool IsPattern(std::string_view text) {
-  const std::vector<std::string> words = Alternatives(text);
-  return !words.empty() && std::all_of(words.begin(), words.end(), [](const std::string& word) {
-    return word.size() == 4 &&
-           std::all_of(word.begin(), word.end(), [](char c) { return c == 'X' || IsHexDigit(c); });
-  });
-}
-
-bool FitsPattern(std::string_view statusWord, std::string_view pattern) {
-  const std::vector<std::string> words = Alternatives(pattern);
-  return std::any_of(words.begin(), words.end(), [&](const std::string& word) {
-    return std::equal(word.begin(), word.end(), statusWord.begin(), statusWord.end(),
-                      [](char wanted, char given) { return wanted == 'X' || wanted == given; });
-  });
 }
 
 std::optional<size_t> DataOffered(std::string_view statusWord) {

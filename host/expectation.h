@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/response.h"
+
+namespace host {
+
+// What a card's answer should be, its status word last: hexadecimal digits, X for any digit, .. for
+// any octets, none included, and variables; several such patterns with "or" between them. A pattern
+// of a status word alone says nothing about the data before it.
+struct Expectation {
+  struct Part {
+    enum class Kind { kDigits, kGap, kVariable } kind;
+    std::string text;  // digits in upper case, or the variable's name with its %
+  };
+  using Pattern = std::vector<Part>;
+
+  std::vector<Pattern> patterns;  // one at least; any of them will do
+};
+
+// Where the pattern begins in a comment that tells an expectation, "; expect 9000"; none in any
+// other line.
+std::optional<size_t> FindExpectation(std::string_view line);
+
+// Reads the text from there on. Throws Failure (kScriptFault) with the place marked.
+Expectation ReadExpectation(std::string_view text, size_t begin = 0);
+
+// How an answer parts from what was expected: octets of both around the place, and a mark below it,
+// as lines that begin with a line feed. Empty if the answer is as expected. Of several patterns it
+// is the one that the answer follows furthest. Throws Failure (kScriptFault) where a variable's
+// value makes no pattern.
+std::string PartingFrom(const Expectation& expectation, const Response& response,
+                        const std::function<std::string(const std::string& variable)>& valueOf);
+
+}  // namespace host
