@@ -372,7 +372,7 @@ void CheckAccepted(const host::Statement& statement) {
   const auto& tokens = orvane::EnsureEngine()->tokens;
   Expect(tokens.size() == statement.words.size(), "the number of words");
   for (std::size_t at = 0; at < tokens.size(); ++at)
-    Expect(tokens[at] == statement.words[at].text, "a word");
+    Expect(tokens[at] == statement.TextOf(statement.words[at]), "a word");
 }
 
 void Scripts(Input input) {
@@ -380,14 +380,18 @@ void Scripts(Input input) {
   orvane_test::WriteFile("script", input.Rest());
   *orvane::EnsureEngine() = orvane::ScriptEngine();
   try {
-    const host::Script script = host::ReadScript("script");
-    for (const host::Statement& each : script.statements) CheckAccepted(each);
+    const host::Script script("script");
     host::Secrets secrets;
-    secrets.Learn(script.statements);
-    for (const host::Statement& each : script.statements) {
+    script.ForEach([&](const host::Statement& each, std::size_t) {
+      CheckAccepted(each);
+      secrets.Learn(each);
+      return true;
+    });
+    script.ForEach([&](const host::Statement& each, std::size_t) {
       secrets.Touches(each);
       if (each.form == host::Form::kAssignment) secrets.Follow(each, "00A4");
-    }
+      return true;
+    });
   } catch (const host::Failure&) {
   }
 }

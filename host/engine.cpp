@@ -13,10 +13,10 @@ namespace host {
 namespace {
 
 constexpr size_t kPiece = 511;
-constexpr size_t kLongestText = 65536;
 
 // Where a value waits to be read in pieces.
 constexpr const char* kWaiting = "%ORVANE.VALUE";
+constexpr const char* kPieceName = "ORVANE.PIECE";
 
 Result RunText(const std::string& text) {
   std::array<char, 512> buffer{};
@@ -33,16 +33,17 @@ size_t LengthOf(const std::string& variable) {
 
 // The value's beginning, up to 64 KiB, in its own case.
 std::string ReadVariable(const std::string& variable) {
-  const size_t length = std::min(LengthOf(variable), kLongestText);
+  const size_t length = std::min(LengthOf(variable), kLongestValue);
   std::string value;
   while (value.size() < length) {
     const std::string piece =
-        RunText("ORVANE.PIECE = @strmid(" + variable + "," + std::to_string(value.size()) + "," +
-                std::to_string(kPiece) + ")")
+        RunText(std::string(kPieceName) + " = @strmid(" + variable + "," +
+                std::to_string(value.size()) + "," + std::to_string(kPiece) + ")")
             .text;
     if (piece.empty()) throw Failure(kScriptFault, "out of memory");
     value += piece;
   }
+  SetVarValue(kPieceName, "");
   return value;
 }
 
@@ -50,20 +51,25 @@ std::string ReadVariable(const std::string& variable) {
 class WaitingValue {
  public:
   explicit WaitingValue(std::string_view operands) {
-    if (RunText(std::string(kWaiting) + " = " + std::string(operands)).code != KindAssignment) {
-      throw Failure(kScriptFault, "out of memory");
-    }
+    Result result = RunText(std::string(kWaiting) + " = " + std::string(operands));
+    if (result.code != KindAssignment) throw Failure(kScriptFault, "out of memory");
+    beginning_ = std::move(result.text);
   }
-  ~WaitingValue() {
-    for (const char* name : {kWaiting, "ORVANE.PIECE"}) SetVarValue(name, "");
-  }
+  ~WaitingValue() { SetVarValue(kWaiting, ""); }
   WaitingValue(const WaitingValue&) = delete;
   WaitingValue& operator=(const WaitingValue&) = delete;
+
+  std::string Read() const {
+    return beginning_.size() < kPiece ? beginning_ : ReadVariable(kWaiting);
+  }
+
+ private:
+  std::string beginning_;  // up to kPiece
 };
 
 std::string ReadLongExpression(const Statement& statement) {
   const WaitingValue value(statement.text);
-  if (const size_t length = LengthOf(kWaiting); length > kLongestText) {
+  if (const size_t length = LengthOf(kWaiting); length > kLongestValue) {
     throw Failure(kScriptFault, "the statement gives " + std::to_string(length) +
                                     " characters: more than any command has");
   }
@@ -85,8 +91,7 @@ bool Fails(std::string_view call, std::string& message) {
 
 Result Run(const Statement& statement) {
   Result result = RunText(statement.text);
-  const bool forHost = !statement.calls.empty() && statement.calls.back().builtin->forHost;
-  if (result.code == ScriptException && statement.form == Form::kExpression && !forHost) {
+  if (result.code == ScriptException && statement.Sends()) {
     return {KindExpression, ReadLongExpression(statement)};
   }
   if (result.code == ScriptException) {
@@ -96,16 +101,13 @@ Result Run(const Statement& statement) {
   }
   if (result.code == KindAssignment && result.text.size() == kPiece &&
       statement.words[0].kind == WordKind::kVariable) {
-    result.text = ReadVariable(statement.words[0].text);
+    result.text = ReadVariable(statement.TextOf(statement.words[0]));
   }
   if (result.code == ScriptNoEngine) throw Failure(kScriptFault, "out of memory");
   return result;
 }
 
-std::string Evaluate(std::string_view operands) {
-  const WaitingValue value(operands);
-  return ReadVariable(kWaiting);
-}
+std::string Evaluate(std::string_view operands) { return WaitingValue(operands).Read(); }
 
 void SetVariable(const std::string& name, const std::string& value) {
   if (SetVarValue(name.c_str(), value.c_str()) != ScriptDone) {

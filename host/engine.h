@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,9 +24,11 @@ bool Fails(std::string_view call, std::string& message);
 // command for the host above 511.
 Result Run(const Statement& statement);
 
-// The value of operands in their own case, at most its first 64 KiB. The operands are known to be
-// sound.
+// The value of operands in their own case, at most so many characters of it. The operands are known
+// to be sound.
 std::string Evaluate(std::string_view operands);
+
+inline constexpr size_t kLongestValue = 65536;
 
 // Stores a value; name begins with the % of scripts.
 void SetVariable(const std::string& name, const std::string& value);

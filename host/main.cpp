@@ -52,7 +52,6 @@ class Workplace {
 
   Session& Work() { return session_; }
   void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
-  Secrets& Hidden() { return secrets_; }
 
  private:
   Readers readers_;
@@ -63,9 +62,8 @@ class Workplace {
 };
 
 void RunFile(const Options& options) {
-  const Script script = ReadScript(options.file);
+  const Script script(options.file);
   Workplace workplace(options);
-  workplace.Hidden().Learn(script.statements);
   LookAtScript(script, workplace.Work());
   RunScriptFile(script, workplace.Work());
 }

@@ -30,19 +30,25 @@ class Reader {
   Reader(const Statement& statement, const Parameter& parameter, std::string what, bool hide)
       : statement_(statement), parameter_(parameter), what_(std::move(what)), hide_(hide) {}
 
-  void CheckCharacters(Words words, bool withValues) const {
-    size_t depth = 0;
-    for (size_t at = words.first; at <= words.last; ++at) {
-      const Word& word = statement_.words[at];
-      if (word.kind == WordKind::kClose) --depth;
-      if (word.kind == WordKind::kOpen) ++depth;
-      if (depth > 0) continue;
+  void CheckLiterals(Words words) const {
+    ForEachOperand(words, [this](const Word& word) {
       if (word.kind == WordKind::kLiteral) CheckLiteral(word);
-      if (word.kind == WordKind::kVariable && withValues) {
-        CheckValue(Evaluate(word.text), " of " + Printable(word.text));
-      }
-    }
-    if (withValues) CheckValue(Evaluate(statement_.Source(words)), "");
+    });
+  }
+
+  // Gives the value, which has no wrong character. Where it has one, the operand that brings it in
+  // is looked for.
+  std::string CheckCharacters(Words words) const {
+    const std::string value = ValueOf(words);
+    if (value.size() < kLongestValue && !FindWrongCharacter(parameter_, value)) return value;
+    ForEachOperand(words, [this](const Word& word) {
+      if (word.kind == WordKind::kLiteral) CheckLiteral(word);
+      if (word.kind != WordKind::kVariable) return;
+      const std::string name = statement_.TextOf(word);
+      CheckValue(Evaluate(name), " of " + Printable(name));
+    });
+    CheckValue(value, "");
+    return value;
   }
 
   void CheckWhole(std::string_view value) const {
@@ -53,6 +59,24 @@ class Reader {
  private:
   static constexpr size_t kQuoted = 40;
 
+  // Those that stand in no built-in.
+  template <typename Visit>
+  void ForEachOperand(Words words, Visit visit) const {
+    size_t depth = 0;
+    for (size_t at = words.first; at <= words.last; ++at) {
+      const Word& word = statement_.words[at];
+      if (word.kind == WordKind::kClose) --depth;
+      if (word.kind == WordKind::kOpen) ++depth;
+      if (depth == 0) visit(word);
+    }
+  }
+
+  std::string ValueOf(Words words) const {
+    const Word& first = statement_.words[words.first];
+    const bool literal = words.first == words.last && first.kind == WordKind::kLiteral;
+    return literal ? statement_.TextOf(first) : Evaluate(statement_.Source(words));
+  }
+
   std::string Quoted(std::string_view value) const {
     const ArgumentKind kind = parameter_.kind;
     const bool shows = kind == ArgumentKind::kNumber || kind == ArgumentKind::kFlag;
@@ -61,7 +85,7 @@ class Reader {
   }
 
   void CheckLiteral(const Word& word) const {
-    const auto wrong = FindWrongCharacter(parameter_, word.text);
+    const auto wrong = FindWrongCharacter(parameter_, statement_.TextOf(word));
     if (!wrong) return;
     const size_t at = PlaceOf(statement_, word, *wrong);
     throw Wrong("column " + std::to_string(ColumnOf(statement_.text, at)), Line(),
@@ -96,31 +120,34 @@ class Reader {
   bool hide_;
 };
 
-class CheckedCall {
+class CheckedInvocation {
  public:
-  CheckedCall(const Statement& statement, const Call& call, bool hide)
-      : statement_(statement), call_(call), hide_(hide), arguments_(Arguments(statement, call)) {}
+  CheckedInvocation(const Statement& statement, const Invocation& invocation, bool hide)
+      : statement_(statement),
+        invocation_(invocation),
+        hide_(hide),
+        arguments_(Arguments(statement, invocation)) {}
 
   void CheckLiterals() const {
     std::vector<std::string> values;
     for (size_t number = 0; number < arguments_.size(); ++number) {
       const Words words = arguments_[number];
       const Word& word = statement_.words[words.first];
-      At(number).CheckCharacters(words, false);
+      At(number).CheckLiterals(words);
       if (words.first != words.last || word.kind != WordKind::kLiteral) continue;
-      At(number).CheckWhole(word.text);
-      values.push_back(word.text);
+      values.push_back(statement_.TextOf(word));
+      At(number).CheckWhole(values.back());
     }
     if (values.size() == arguments_.size()) CheckTogether(values);
   }
 
-  // Gives the values.
+  // Gives the values. A text is never wrong, and is left out of them.
   std::vector<std::string> CheckValues() const {
     std::vector<std::string> values;
     for (size_t number = 0; number < arguments_.size(); ++number) {
-      At(number).CheckCharacters(arguments_[number], true);
-      values.push_back(Evaluate(statement_.Source(arguments_[number])));
-      At(number).CheckWhole(values.back());
+      const bool text = invocation_.builtin->parameters[number].kind == ArgumentKind::kText;
+      values.push_back(text ? "" : At(number).CheckCharacters(arguments_[number]));
+      if (!text) At(number).CheckWhole(values.back());
     }
     CheckTogether(values);
     return values;
@@ -128,20 +155,22 @@ class CheckedCall {
 
  private:
   Reader At(size_t number) const {
-    const Parameter& parameter = call_.builtin->parameters[number];
+    const Parameter& parameter = invocation_.builtin->parameters[number];
     return Reader(statement_, parameter, "the " + std::string(parameter.name) + " of " + Keyword(),
                   hide_);
   }
 
   void CheckTogether(const std::vector<std::string>& values) const {
-    const std::string fault = FaultAmong(*call_.builtin, values);
+    const std::string fault = FaultAmong(*invocation_.builtin, values);
     if (!fault.empty()) throw Failure(kScriptFault, Keyword() + ": " + fault);
   }
 
-  const std::string& Keyword() const { return statement_.words[call_.words.first].text; }
+  std::string Keyword() const {
+    return statement_.TextOf(statement_.words[invocation_.words.first]);
+  }
 
   const Statement& statement_;
-  const Call& call_;
+  const Invocation& invocation_;
   bool hide_;
   std::vector<Words> arguments_;
 };
@@ -149,20 +178,23 @@ class CheckedCall {
 void CheckDefined(const Statement& statement) {
   for (size_t at = statement.value; at < statement.end; ++at) {
     const Word& word = statement.words[at];
-    if (word.kind != WordKind::kVariable || GetVarValue(word.text.c_str()) == ScriptDone) continue;
-    const size_t second = word.text.find('%', 1);
-    throw Failure(kScriptFault, "undefined variable " + word.text +
-                                    std::string(second == word.text.npos ? "" : HintAt('%')));
+    if (word.kind != WordKind::kVariable) continue;
+    const std::string name = statement.TextOf(word);
+    if (GetVarValue(name.c_str()) == ScriptDone) continue;
+    const bool glued = name.find('%', 1) != name.npos;
+    throw Failure(kScriptFault,
+                  "undefined variable " + name + std::string(glued ? HintAt('%') : ""));
   }
 }
 
-void CheckCall(const Statement& statement, const Call& call, bool hide) {
+void CheckInvocation(const Statement& statement, const Invocation& invocation, bool hide) {
   std::string message;
-  const bool fails = !call.builtin->forHost && Fails(statement.Source(call.words), message);
+  const bool fails =
+      !invocation.builtin->forHost && Fails(statement.Source(invocation.words), message);
   if (!message.empty()) message = " (the library: " + Printable(message) + ")";
   std::vector<std::string> values;
   try {
-    values = CheckedCall(statement, call, hide).CheckValues();
+    values = CheckedInvocation(statement, invocation, hide).CheckValues();
   } catch (const Failure& failure) {
     const std::string cause = failure.what();
     const size_t line = std::min(cause.find('\n'), cause.size());
@@ -170,28 +202,29 @@ void CheckCall(const Statement& statement, const Call& call, bool hide) {
                   cause.substr(0, line) + (fails ? message : "") + cause.substr(line));
   }
   if (!fails) return;
-  throw Failure(kScriptFault, statement.words[call.words.first].text +
-                                  " failed: " + LikelyCause(*call.builtin, values) + message);
+  throw Failure(kScriptFault, statement.TextOf(statement.words[invocation.words.first]) +
+                                  " failed: " + LikelyCause(*invocation.builtin, values) + message);
 }
 
 }  // namespace
 
 void CheckLiterals(const Statement& statement, bool hide) {
-  for (const Call& call : statement.calls) CheckedCall(statement, call, hide).CheckLiterals();
-  const bool forHost = !statement.calls.empty() && statement.calls.back().builtin->forHost;
-  if (statement.form != Form::kExpression || forHost) return;
+  for (const Invocation& each : statement.invocations) {
+    CheckedInvocation(statement, each, hide).CheckLiterals();
+  }
+  if (!statement.Sends()) return;
   Reader(statement, kCommand, std::string(kCommand.name), hide)
-      .CheckCharacters({0, statement.end - 1}, false);
+      .CheckLiterals({0, statement.end - 1});
 }
 
 void CheckOperands(const Statement& statement, bool hide) {
   CheckDefined(statement);
-  for (const Call& call : statement.calls) CheckCall(statement, call, hide);
+  for (const Invocation& each : statement.invocations) CheckInvocation(statement, each, hide);
 }
 
 void CheckCommand(const Statement& statement, bool hide) {
   Reader(statement, kCommand, std::string(kCommand.name), hide)
-      .CheckCharacters({0, statement.end - 1}, true);
+      .CheckCharacters({0, statement.end - 1});
 }
 
 }  // namespace host

@@ -2,53 +2,63 @@
 
 #include <iostream>
 
-#include "host/failure.h"
 #include "host/text_input.h"
 
 namespace host {
-namespace {
 
-ScriptFailure At(const Script& script, size_t line, const Failure& failure) {
-  return ScriptFailure(failure.Code(),
-                       script.name + ":" + std::to_string(line) + ": " + failure.what());
-}
-
-}  // namespace
-
-Script ReadScript(const std::string& file) {
+Script::Script(const std::string& file) {
   TextInput in(file);
-  Script script;
-  script.name = in.Name();
+  name_ = in.Name();
+  size_t number = 0;
   while (const std::optional<std::string> line = in.NextLine()) {
+    ++number;
     try {
-      script.statements.push_back(ReadStatement(*line));
+      ReadStatement(*line);
     } catch (const Failure& failure) {
-      throw At(script, script.statements.size() + 1, failure);
+      throw At(number, failure);
     }
+    text_ += *line + '\n';
   }
-  return script;
 }
 
-void LookAtScript(const Script& script, const Session& session) {
-  size_t assignments = 0;
-  for (size_t at = 0; at < script.statements.size(); ++at) {
+ScriptFailure Script::At(size_t line, const Failure& failure) const {
+  return ScriptFailure(failure.Code(), name_ + ":" + std::to_string(line) + ": " + failure.what());
+}
+
+void Script::ForEach(const std::function<bool(const Statement&, size_t line)>& visit) const {
+  size_t number = 0;
+  for (size_t begin = 0, end = 0; begin < text_.size(); begin = end + 1) {
+    end = text_.find('\n', begin);
+    const Statement statement = ReadStatement(std::string_view(text_).substr(begin, end - begin));
     try {
-      session.LookAt(script.statements[at], assignments);
-      if (script.statements[at].form == Form::kAssignment) ++assignments;
+      if (!visit(statement, ++number)) return;
     } catch (const Failure& failure) {
-      throw At(script, at + 1, failure);
+      throw At(number, failure);
     }
   }
+}
+
+void LookAtScript(const Script& script, Session& session) {
+  session.StartOver();
+  script.ForEach([&](const Statement& statement, size_t) {
+    session.Learn(statement);
+    return true;
+  });
+  size_t assignments = 0;
+  script.ForEach([&](const Statement& statement, size_t) {
+    session.LookAt(statement, assignments);
+    if (statement.form == Form::kAssignment) ++assignments;
+    return true;
+  });
 }
 
 void RunScriptFile(const Script& script, Session& session) {
-  for (size_t at = 0; at < script.statements.size(); ++at) {
-    try {
-      if (!session.Run(script.statements[at], at + 1)) break;
-    } catch (const Failure& failure) {
-      if (!std::cout.bad()) session.Summarise(false);
-      throw At(script, at + 1, failure);
-    }
+  try {
+    script.ForEach(
+        [&](const Statement& statement, size_t line) { return session.Run(statement, line); });
+  } catch (const Failure&) {
+    if (!std::cout.bad()) session.Summarise(false);
+    throw;
   }
   session.Summarise(true);
 }

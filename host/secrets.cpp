@@ -15,7 +15,6 @@ constexpr std::array<std::string_view, 5> kTellingNames = {"PIN", "PUK", "KEY", 
                                                            "SECRET"};
 constexpr std::array<const char*, 2> kAnswer = {"%RESP", "%SW"};
 constexpr size_t kHeaderDigits = 10;  // with Lc
-constexpr size_t kForeseen = 16;      // with Lc in its longest form, and the data's first octet
 constexpr size_t kLongest = 2 * kMostCommandOctets;
 constexpr size_t kLongestNumber = 3;  // what is longer can be a PIN
 
@@ -27,7 +26,7 @@ struct Place {
   bool hidden = false;  // does not show in the value
 };
 
-struct OpenCall {
+struct OpenInvocation {
   const Builtin& builtin;
   Place outside;
   size_t argument = 0;
@@ -45,28 +44,28 @@ struct OpenCall {
 // The places of the words from first to the end of the operands or of the argument that it is in.
 std::vector<Place> PlacesFrom(const Statement& statement, size_t first) {
   std::vector<Place> places;
-  std::vector<OpenCall> calls;
+  std::vector<OpenInvocation> open;
   for (size_t at = first; at < statement.end; ++at) {
     const WordKind kind = statement.words[at].kind;
     const bool separates = kind == WordKind::kComma || kind == WordKind::kClose;
-    if (separates && calls.empty()) break;
-    Place place = calls.empty() ? Place() : calls.back().Inside();
+    if (separates && open.empty()) break;
+    Place place = open.empty() ? Place() : open.back().Inside();
     if (kind == WordKind::kOpen) {
-      calls.push_back({*FindBuiltin(statement.words[at - 1].text), place});
+      open.push_back({*FindBuiltin(statement.Source({at - 1, at - 1})), place});
     } else if (kind == WordKind::kComma) {
-      ++calls.back().argument;
+      ++open.back().argument;
     } else if (kind == WordKind::kClose) {
-      place = calls.back().outside;
-      calls.pop_back();
+      place = open.back().outside;
+      open.pop_back();
     }
     places.push_back(place);
   }
   return places;
 }
 
-// The index behind an operand: a word, or a call to its closing parenthesis.
+// The index behind an operand: a word, or a built-in to its closing parenthesis.
 size_t Behind(const Statement& statement, size_t operand) {
-  if (operand >= statement.end || statement.words[operand].kind != WordKind::kCall) {
+  if (operand >= statement.end || statement.words[operand].kind != WordKind::kBuiltin) {
     return operand + 1;
   }
   size_t depth = 0;
@@ -92,11 +91,6 @@ bool HasLiteral(const Statement& statement, size_t first) {
   return false;
 }
 
-bool Sends(const Statement& statement) {
-  return statement.form == Form::kExpression &&
-         (statement.calls.empty() || !statement.calls.back().builtin->forHost);
-}
-
 bool IsTelling(std::string_view upperName) {
   return std::any_of(kTellingNames.begin(), kTellingNames.end(),
                      [&](std::string_view word) { return upperName.find(word) != upperName.npos; });
@@ -113,7 +107,7 @@ size_t SkipCharacters(std::string_view source, size_t count) {
 
 // True for a text of this length that begins as a command that carries secrets, some of its data
 // included. What begins as a tag might as well is one only if Lc fits.
-bool BeginsAsSecret(const std::string& beginning, size_t length, bool isCommand) {
+bool CarriesSecretData(std::string_view beginning, size_t length, bool isCommand) {
   if (beginning.size() < 4 || length <= kHeaderDigits ||
       !std::all_of(beginning.begin(), beginning.begin() + 4, IsHexDigit) ||
       !CarriesSecret(beginning)) {
@@ -125,7 +119,7 @@ bool BeginsAsSecret(const std::string& beginning, size_t length, bool isCommand)
       !std::all_of(beginning.begin(), beginning.end(), IsHexDigit)) {
     return false;
   }
-  std::string filled = beginning;
+  std::string filled(beginning);
   filled.resize(length, '0');
   return ReadCommand(filled, Framing::kApdu).lengthFits;
 }
@@ -138,7 +132,7 @@ struct Secrets::Known {
   size_t end;   // behind the last word that is known
   size_t data;  // the first one that may stand behind a command's header
 
-  bool IsSecret(bool isCommand) const { return BeginsAsSecret(beginning, length, isCommand); }
+  bool IsSecret(bool isCommand) const { return CarriesSecretData(beginning, length, isCommand); }
 };
 
 Secrets::Number Secrets::ValueOf(std::string_view name, When when) const {
@@ -154,17 +148,20 @@ Secrets::Known Secrets::Foresee(const Statement& statement, size_t first, When w
     const Word& word = statement.words[known.end];
     if (word.kind == WordKind::kComma || word.kind == WordKind::kClose) break;
     const bool literal = word.kind == WordKind::kLiteral;
-    const Number value = word.kind == WordKind::kVariable ? ValueOf(word.text, when) : kNone;
-    std::string text = literal ? UpperCase(word.text) : "";
-    if (value != kNone) text = values_[value].beginning;
-    if (known.beginning.size() == known.length) known.beginning += text;
+    const Number value = word.kind == WordKind::kVariable
+                             ? ValueOf(statement.Source({known.end, known.end}), when)
+                             : kNone;
+    const std::string text = literal ? UpperCase(statement.TextOf(word)) : "";
+    if (known.beginning.size() == known.length) {
+      known.beginning += value != kNone ? std::string_view(values_[value].beginning) : text;
+    }
     known.beginning.resize(std::min(known.beginning.size(), kForeseen));
     const bool whole = literal || (value != kNone && values_[value].length != kNone);
     if (!whole) {
       known.length = kNone;
       break;
     }
-    known.length += literal ? static_cast<Number>(word.text.size()) : values_[value].length;
+    known.length += literal ? static_cast<Number>(text.size()) : values_[value].length;
     if (known.length <= kHeaderDigits) known.data = known.end + 1;
   }
   return known;
@@ -184,7 +181,8 @@ bool Secrets::Involves(const Statement& statement, bool hiddenToo) const {
     const size_t at = statement.value + i;
     const Word& word = statement.words[at];
     const bool hidden = places[i].hidden;
-    if (word.kind == WordKind::kVariable && !hidden && IsSecret(word.text)) return true;
+    if (word.kind == WordKind::kVariable && !hidden && IsSecret(statement.TextOf(word)))
+      return true;
     if (word.kind == WordKind::kLiteral && places[i].key && (hiddenToo || !hidden)) return true;
     if (!BeginsValue(statement, at)) continue;
     const Known known = Foresee(statement, at, When::kNow);
@@ -196,9 +194,9 @@ bool Secrets::Involves(const Statement& statement, bool hiddenToo) const {
 
 bool Secrets::Touches(const Statement& statement, size_t assignmentsBefore) const {
   const size_t number = next_ + assignmentsBefore;
-  const bool stores =
-      statement.form == Form::kAssignment && (IsTelling(UpperCase(statement.words[0].text)) ||
-                                              (number < values_.size() && values_[number].sent));
+  const bool stores = statement.form == Form::kAssignment &&
+                      (IsTelling(UpperCase(statement.TextOf(statement.words[0]))) ||
+                       (number < values_.size() && values_[number].sent));
   return stores || Involves(statement, true);
 }
 
@@ -226,7 +224,9 @@ void Secrets::MarkSources(const Statement& statement, size_t first) {
   for (size_t i = 0; i < places.size(); ++i) {
     const Word& word = statement.words[first + i];
     const bool shows = !places[i].hidden && !places[i].serialNumber;
-    if (word.kind == WordKind::kVariable && shows) Mark(ValueOf(word.text, When::kAhead));
+    if (word.kind == WordKind::kVariable && shows) {
+      Mark(ValueOf(statement.TextOf(word), When::kAhead));
+    };
   }
 }
 
@@ -235,7 +235,7 @@ void Secrets::MarkBehindHead(const Statement& command) {
   if (known.length != kNone || known.beginning.size() >= 4) return;
   MarkSources(command, Behind(command, known.end));
   if (command.words[known.end].kind != WordKind::kVariable) return;
-  Number head = ValueOf(command.words[known.end].text, When::kAhead);
+  Number head = ValueOf(command.TextOf(command.words[known.end]), When::kAhead);
   for (; head != kNone && !values_[head].headSeen; head = values_[head].head) {
     values_[head].headSeen = true;
     for (Number at = values_[head].rest; at < EndOfSources(head); ++at) Mark(sources_[at]);
@@ -244,15 +244,15 @@ void Secrets::MarkBehindHead(const Statement& command) {
 
 void Secrets::Add(const Statement& assignment) {
   const Known known = Foresee(assignment, assignment.value, When::kAhead);
-  const std::string target = UpperCase(assignment.words[0].text);
+  const std::string target = UpperCase(assignment.TextOf(assignment.words[0]));
   const size_t rest = Behind(assignment, known.end);
   Value value;
-  value.beginning = known.beginning;
+  value.beginning = Beginning(known.beginning);
   value.length = known.length;
   value.sources = value.rest = static_cast<Number>(sources_.size());
   value.sent = IsTelling(target) || known.IsSecret(false);
   if (known.length == kNone && assignment.words[known.end].kind == WordKind::kVariable) {
-    value.head = ValueOf(assignment.words[known.end].text, When::kAhead);
+    value.head = ValueOf(assignment.TextOf(assignment.words[known.end]), When::kAhead);
   }
   const std::vector<Place> places = PlacesFrom(assignment, assignment.value);
   for (size_t i = 0; i < places.size(); ++i) {
@@ -260,7 +260,7 @@ void Secrets::Add(const Statement& assignment) {
     const Word& word = assignment.words[at];
     const bool shows = !places[i].hidden && !places[i].serialNumber;
     const bool source = word.kind == WordKind::kVariable && shows;
-    const Number number = source ? ValueOf(word.text, When::kAhead) : kNone;
+    const Number number = source ? ValueOf(assignment.TextOf(word), When::kAhead) : kNone;
     if (number != kNone) sources_.push_back(number);
     if (at < rest) value.rest = static_cast<Number>(sources_.size());
   }
@@ -273,36 +273,39 @@ void Secrets::Look(const Statement& statement) {
   for (size_t i = 0; i < places.size(); ++i) {
     const size_t at = statement.value + i;
     const Word& word = statement.words[at];
-    if (word.kind == WordKind::kVariable && places[i].key) Mark(ValueOf(word.text, When::kAhead));
+    if (word.kind == WordKind::kVariable && places[i].key) {
+      Mark(ValueOf(statement.TextOf(word), When::kAhead));
+    };
     if (!BeginsValue(statement, at)) continue;
     const Known known = Foresee(statement, at, When::kAhead);
-    if (known.IsSecret(at == 0 && Sends(statement))) MarkSources(statement, known.data);
+    if (known.IsSecret(at == 0 && statement.Sends())) MarkSources(statement, known.data);
   }
   if (statement.form == Form::kAssignment) {
-    if (IsTelling(UpperCase(statement.words[0].text))) MarkSources(statement, statement.value);
+    if (IsTelling(UpperCase(statement.TextOf(statement.words[0]))))
+      MarkSources(statement, statement.value);
     Add(statement);
-  } else if (Sends(statement)) {
+  } else if (statement.Sends()) {
     MarkBehindHead(statement);
     for (const char* name : kAnswer) variables_[name].ahead = kNone;
   }
 }
 
-bool BeginsAsSecret(std::string_view value) {
-  const std::string digits = UpperCase(WithoutBlanks(value));
-  return BeginsAsSecret(digits.substr(0, kForeseen), digits.size(), false);
+bool Secrets::BeginsAsSecret(std::string_view value) {
+  const Value exact = Exact(value);
+  return CarriesSecretData(exact.beginning, exact.length, false);
 }
 
 Secrets::Value Secrets::Exact(std::string_view text) {
   const std::string digits = UpperCase(WithoutBlanks(text));
   Value value;
-  value.beginning = digits.substr(0, kForeseen);
+  value.beginning = Beginning(digits);
   value.length = static_cast<Number>(digits.size());
   return value;
 }
 
 void Secrets::Define(std::string_view name, std::string_view value) {
   Value defined = Exact(value);
-  defined.sent = BeginsAsSecret(defined.beginning, defined.length, false);
+  defined.sent = CarriesSecretData(defined.beginning, defined.length, false);
   defined.sources = defined.rest = static_cast<Number>(sources_.size());
   const auto number = static_cast<Number>(values_.size());
   variables_[UpperCase(name)] = {number, number};
@@ -310,13 +313,9 @@ void Secrets::Define(std::string_view name, std::string_view value) {
   next_ = firstAhead_ = number + 1;
 }
 
-bool Secrets::Learn(const std::vector<Statement>& script) {
+bool Secrets::Learn(const Statement& statement) {
   const size_t before = marked_;
-  next_ = firstAhead_ = static_cast<Number>(values_.size());
-  for (const Statement& statement : script) {
-    const bool counts = statement.form == Form::kAssignment || statement.form == Form::kExpression;
-    if (counts) Look(statement);
-  }
+  if (statement.form != Form::kNothing && statement.form != Form::kHeading) Look(statement);
   return marked_ != before;
 }
 
@@ -324,11 +323,11 @@ void Secrets::Follow(const Statement& assignment, std::string_view value) {
   if (next_ == values_.size()) Look(assignment);
   Value exact = Exact(value);
   Value& made = values_[next_];
-  made.beginning = std::move(exact.beginning);
+  made.beginning = exact.beginning;
   made.length = exact.length;
   made.made = Involves(assignment, false);
-  if (BeginsAsSecret(made.beginning, made.length, false)) Mark(next_);
-  variables_[UpperCase(assignment.words[0].text)].now = next_++;
+  if (CarriesSecretData(made.beginning, made.length, false)) Mark(next_);
+  variables_[UpperCase(assignment.TextOf(assignment.words[0]))].now = next_++;
 }
 
 void Secrets::FollowAnswer() {
@@ -343,7 +342,8 @@ std::string MaskLiterals(const Statement& statement, size_t visibleDigits) {
     const Word& word = statement.words[at];
     const size_t place = at - statement.value;
     const bool number = place < places.size() && places[place].number &&
-                        word.text.size() <= kLongestNumber && IsDecimal(word.text);
+                        word.end - word.begin <= kLongestNumber &&
+                        IsDecimal(statement.Source({at, at}));
     if (word.kind != WordKind::kLiteral || number) continue;
     const std::string_view source = statement.Source({at, at});
     const size_t visible = at == 0 ? SkipCharacters(source, visibleDigits) : 0;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -23,10 +25,13 @@ class Secrets {
   // Takes note of a variable that statements find.
   void Define(std::string_view name, std::string_view value);
 
-  // Looks at statements before the first of them runs: a value is made by an assignment, and goes
-  // into those that read the variable up to the next one. True if a value that is there already
-  // turns out to be secret.
-  bool Learn(const std::vector<Statement>& script);
+  // Looks ahead at a statement, behind those that it has looked at and that have not run yet: a
+  // value is made by an assignment, and goes into those that read the variable up to the next one.
+  // True if a value that is there already turns out to be secret.
+  bool Learn(const Statement& statement);
+
+  // Of what Learn has looked at, nothing more is going to run.
+  void StartOver() { next_ = firstAhead_ = static_cast<Number>(values_.size()); }
 
   // Follows an assignment that has been made, in the order of Learn.
   void Follow(const Statement& assignment, std::string_view value);
@@ -40,12 +45,28 @@ class Secrets {
   // further on in what Learn has looked at.
   bool Touches(const Statement& statement, size_t assignmentsBefore = 0) const;
 
+  // True for a value that begins as a command that carries secrets, some of its data included.
+  static bool BeginsAsSecret(std::string_view value);
+
  private:
-  using Number = uint32_t;  // of a value, in the order in which they are made
+  static constexpr size_t kForeseen = 16;  // with Lc in its longest form, and the first octet
+  using Number = uint32_t;                 // of a value, in the order in which they are made
   static constexpr Number kNone = UINT32_MAX;
 
+  // The first digits of a value, in upper case, as far as they are known.
+  class Beginning {
+   public:
+    explicit Beginning(std::string_view digits = "")
+        : size_(static_cast<unsigned char>(digits.copy(digits_.data(), kForeseen))) {}
+    operator std::string_view() const { return {digits_.data(), size_}; }
+
+   private:
+    std::array<char, kForeseen> digits_;
+    unsigned char size_;
+  };
+
   struct Value {
-    std::string beginning;  // its first digits, in upper case, as far as they are known
+    Beginning beginning;
     Number length = kNone;  // kNone: not known
     Number sources = 0;     // where the values that it is made from begin in sources_
     Number rest = 0;        // and those behind the operand whose text is not known
@@ -77,15 +98,12 @@ class Secrets {
   Number EndOfSources(Number value) const;
 
   std::unordered_map<std::string, Variable> variables_;
-  std::vector<Value> values_;
+  std::deque<Value> values_;
   std::vector<Number> sources_;
   Number next_ = 0;  // the value that Follow waits for
   Number firstAhead_ = 0;
   size_t marked_ = 0;
 };
-
-// True for a value that begins as a command that carries secrets, some of its data included.
-bool BeginsAsSecret(std::string_view value);
 
 // The statement with ** in place of its literals, but for numbers and flags, and for the first
 // digits of an expression, of which visibleDigits stay.

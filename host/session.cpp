@@ -47,7 +47,7 @@ auto Timed(Work work, Tell tell) {
 }  // namespace
 
 bool Session::Hides(const Statement& statement, std::string_view value) const {
-  return !settings_.showSecrets && (secrets_.Touches(statement) || BeginsAsSecret(value));
+  return !settings_.showSecrets && (secrets_.Touches(statement) || Secrets::BeginsAsSecret(value));
 }
 
 void Session::LookAt(const Statement& statement, size_t assignmentsBefore) const {
@@ -58,8 +58,6 @@ void Session::LookAt(const Statement& statement, size_t assignmentsBefore) const
   CheckLiterals(statement, !settings_.showSecrets &&
                                (reads || secrets_.Touches(statement, assignmentsBefore)));
 }
-
-bool Session::Learn(const Statement& statement) { return secrets_.Learn({statement}); }
 
 void Session::Echo(std::optional<size_t> line, std::string_view shown) {
   if (settings_.echoStatements)
@@ -72,11 +70,9 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
     trace_.Heading(HeadingText(statement.text));
     return true;
   }
-  const bool sends = statement.form == Form::kExpression &&
-                     (statement.calls.empty() || !statement.calls.back().builtin->forHost);
   const bool hide = Hides(statement);
   CheckOperands(statement, hide);
-  if (sends) CheckCommand(statement, hide);
+  if (statement.Sends()) CheckCommand(statement, hide);
   const Result result = host::Run(statement);
   switch (result.code) {
     case KindAssignment:
@@ -93,7 +89,8 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
   try {
     return Act(statement, line, result);
   } catch (const Failure& failure) {
-    throw Failure(failure.Code(), statement.words[0].text + " failed; why is as secret as its " +
+    throw Failure(failure.Code(), statement.TextOf(statement.words[0]) +
+                                      " failed; why is as secret as its " +
                                       "argument, and shown with --show-secrets");
   }
 }
@@ -178,7 +175,7 @@ Response Session::Exchange(const CardCommand& command, bool hide) {
 }
 
 void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {
-  const std::vector<Words> arguments = Arguments(statement, statement.calls.back());
+  const std::vector<Words> arguments = Arguments(statement, statement.invocations.back());
   const auto value = [&](size_t at) { return Evaluate(statement.Source(arguments[at])); };
   const bool hide = Hides(statement);
   const std::string shown = hide ? MaskLiterals(statement, 0) : statement.text;

@@ -45,9 +45,11 @@ class Session {
   // response's status word fits the pattern, if there is one.
   void Send(std::string_view digits, std::string_view expected = "");
 
-  // Looks ahead at a statement that is to be run, where no whole script was looked at. True if what
-  // stands in a variable already turns out to be secret.
-  bool Learn(const Statement& statement);
+  // Looks ahead at a statement that is to be run, behind those that it has looked at already. True
+  // if what stands in a variable turns out to be secret.
+  bool Learn(const Statement& statement) { return secrets_.Learn(statement); }
+  // Nothing more of what it has looked at is going to be run.
+  void StartOver() { secrets_.StartOver(); }
 
   // True if the trace may not show this statement as it stands, or this value of it.
   bool Hides(const Statement& statement, std::string_view value = "") const;

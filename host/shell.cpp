@@ -22,8 +22,7 @@ constexpr std::string_view kHelp =
 // In a script such a line is a command to the card. Here it is what one types to look at a value,
 // and a value that was meant to be looked at must not reach a card.
 bool OnlyLooks(const Statement& statement) {
-  return statement.form == Form::kExpression && statement.words[0].kind != WordKind::kLiteral &&
-         (statement.calls.empty() || !statement.calls.back().builtin->forHost);
+  return statement.Sends() && statement.words[0].kind != WordKind::kLiteral;
 }
 
 // False if it is the last one.
@@ -39,6 +38,7 @@ bool RunLine(Session& session, const std::string& line, bool interactive) {
       ReadStatement(send ? std::string(kSend.size(), ' ') + line.substr(kSend.size()) : line);
   const bool looks = !send && OnlyLooks(statement);
   // A remembered line comes back to the screen.
+  session.StartOver();
   if (!looks && session.Learn(statement)) ForgetLines();
   if (interactive && !line.empty() && !session.Hides(statement)) RememberLine(line);
   if (looks) {

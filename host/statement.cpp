@@ -6,7 +6,7 @@
 namespace host {
 namespace {
 
-// The library refuses a call nested deeper than this.
+// The library refuses a built-in nested deeper than this.
 constexpr size_t kDeepestNesting = 128;
 
 Failure Malformed(const std::string& message) { return Failure(kScriptFault, message); }
@@ -16,7 +16,7 @@ WordKind Classify(char first) {
     case '%':
       return WordKind::kVariable;
     case '@':
-      return WordKind::kCall;
+      return WordKind::kBuiltin;
     case ',':
       return WordKind::kComma;
     case '(':
@@ -33,17 +33,14 @@ WordKind Classify(char first) {
 }
 
 bool IsOperand(WordKind kind) {
-  return kind == WordKind::kVariable || kind == WordKind::kLiteral || kind == WordKind::kCall;
+  return kind == WordKind::kVariable || kind == WordKind::kLiteral || kind == WordKind::kBuiltin;
 }
 
 std::vector<Word> Split(std::string_view text) {
   std::vector<Word> words;
   size_t begin = 0;
   const auto add = [&](size_t end) {
-    if (end > begin) {
-      words.push_back(
-          {Classify(text[begin]), std::string(text.substr(begin, end - begin)), begin, end});
-    }
+    if (end > begin) words.push_back({Classify(text[begin]), begin, end});
     begin = end;
   };
   for (size_t at = 0; at < text.size(); ++at) {
@@ -60,17 +57,21 @@ std::vector<Word> Split(std::string_view text) {
 }
 
 // The engine would join a comment that stands behind something to what stands before it. A word
-// that is a mark alone, between an operand and a literal, is one. Behind a command for the host
-// there may be one.
+// that is a mark alone, between an operand and a literal, is one. Behind a built-in for the
+// host there may be one.
 void CheckComments(std::string_view text, const std::vector<Word>& words) {
-  const Builtin* const first = FindBuiltin(words[0].text);
-  if (words[0].text[0] == '$' || (first != nullptr && first->forHost)) return;
+  const auto textOf = [&](const Word& word) {
+    return text.substr(word.begin, word.end - word.begin);
+  };
+  const Builtin* const first = FindBuiltin(textOf(words[0]));
+  if (words[0].kind == WordKind::kDollar || (first != nullptr && first->forHost)) return;
   size_t depth = 0;
   for (size_t at = 1; at + 1 < words.size(); ++at) {
     const Word& word = words[at];
     if (word.kind == WordKind::kOpen) ++depth;
     if (word.kind == WordKind::kClose && depth > 0) --depth;
-    const bool mark = word.text == ";" || word.text == "//" || word.text == "#";
+    const std::string_view typed = textOf(word);
+    const bool mark = typed == ";" || typed == "//" || typed == "#";
     const WordKind before = words[at - 1].kind;
     const bool behind =
         before == WordKind::kLiteral || before == WordKind::kVariable || before == WordKind::kClose;
@@ -85,18 +86,18 @@ std::string_view HabitIn(std::string_view text) {
   return "; there are no quotes, and what holds parentheses or commas comes in through a variable";
 }
 
-std::vector<Word> JoinLiterals(const std::vector<Word>& words) {
-  std::vector<Word> joined;
+void JoinLiterals(std::vector<Word>& words) {
+  size_t joined = 0;
   for (const Word& word : words) {
-    if (word.kind == WordKind::kLiteral && !joined.empty() &&
-        joined.back().kind == WordKind::kLiteral) {
-      joined.back().text += word.text;
-      joined.back().end = word.end;
+    const bool joins = joined > 0 && word.kind == WordKind::kLiteral &&
+                       words[joined - 1].kind == WordKind::kLiteral;
+    if (joins) {
+      words[joined - 1].end = word.end;
     } else {
-      joined.push_back(word);
+      words[joined++] = word;
     }
   }
-  return joined;
+  words.resize(joined);
 }
 
 Form FormOf(const std::vector<Word>& words) {
@@ -116,63 +117,64 @@ class Grammar {
     while (at_ < statement_.words.size()) {
       const WordKind kind = statement_.words[at_].kind;
       if (!IsOperand(kind)) throw Stray();
-      if (kind == WordKind::kCall && ReadCall(1)) {
+      if (kind == WordKind::kBuiltin && ReadInvocation(1)) {
         CheckRest();
         break;
       }
-      if (kind != WordKind::kCall) ++at_;
+      if (kind != WordKind::kBuiltin) ++at_;
     }
     statement_.end = at_;
   }
 
  private:
-  // Stands on the keyword before, behind the closing parenthesis after. True for a host's command.
-  bool ReadCall(size_t depth) {
+  // Stands on the keyword before, behind the closing parenthesis after. True for one for the host.
+  bool ReadInvocation(size_t depth) {
     const size_t first = at_;
-    const std::string& keyword = statement_.words[first].text;
-    const Builtin& command = Find(keyword);
-    if (command.forHost && first > 0) throw Malformed(keyword + " must stand alone");
+    const std::string keyword(statement_.Source({first, first}));
+    const Builtin& builtin = Find(keyword);
+    if (builtin.forHost && first > 0) throw Malformed(keyword + " must stand alone");
     if (depth > kDeepestNesting) throw Malformed("commands are nested too deeply");
     if (KindAt(first + 1) != WordKind::kOpen) {
       throw Malformed(keyword + " has no \"(\" behind it");
     }
     at_ += 2;
-    for (size_t number = 1; number <= command.count; ++number) {
-      ReadArgument(command, keyword, depth);
-      const bool last = number == command.count;
-      if (!last && KindAt(at_) != WordKind::kComma) throw WrongCount(command, keyword);
+    for (size_t number = 1; number <= builtin.count; ++number) {
+      ReadArgument(builtin, keyword, depth);
+      const bool last = number == builtin.count;
+      if (!last && KindAt(at_) != WordKind::kComma) throw WrongCount(builtin, keyword);
       if (!last) ++at_;
     }
     if (KindAt(at_) == WordKind::kComma || IsOperand(KindAt(at_))) {
-      throw WrongCount(command, keyword);
+      throw WrongCount(builtin, keyword);
     }
     if (KindAt(at_) != WordKind::kClose) throw Malformed(keyword + " is not closed with \")\"");
-    statement_.calls.push_back({&command, {first, at_}});
+    statement_.invocations.push_back({&builtin, {first, at_}});
     ++at_;
-    return command.forHost;
+    return builtin.forHost;
   }
 
-  void ReadArgument(const Builtin& command, const std::string& keyword, size_t depth) {
-    if (!IsOperand(KindAt(at_))) throw WrongCount(command, keyword);
+  void ReadArgument(const Builtin& builtin, const std::string& keyword, size_t depth) {
+    if (!IsOperand(KindAt(at_))) throw WrongCount(builtin, keyword);
     while (IsOperand(KindAt(at_))) {
-      if (KindAt(at_) == WordKind::kCall) {
-        ReadCall(depth + 1);
+      if (KindAt(at_) == WordKind::kBuiltin) {
+        ReadInvocation(depth + 1);
       } else {
         ++at_;
       }
     }
   }
 
-  // Behind a host's command the library evaluates nothing more, and says nothing about it.
+  // Behind a built-in for the host the library evaluates nothing more, and says nothing about it.
   void CheckRest() const {
     const Word& closing = statement_.words[at_ - 1];
     const std::string_view text = statement_.text;
     const size_t rest = text.find_first_not_of(" \t", closing.end);
     if (rest == text.npos || text[rest] == ';' || text[rest] == '/') return;
-    throw Malformed("only a comment can stand behind " + statement_.words[0].text + "(...)");
+    throw Malformed("only a comment can stand behind " + std::string(statement_.Source({0, 0})) +
+                    "(...)");
   }
 
-  // Past the end it gives a kind that a call has no use for.
+  // Past the end it gives a kind that an invocation has no use for.
   WordKind KindAt(size_t at) const {
     return at < statement_.words.size() ? statement_.words[at].kind : WordKind::kEquals;
   }
@@ -183,9 +185,9 @@ class Grammar {
     return *found;
   }
 
-  static Failure WrongCount(const Builtin& command, const std::string& keyword) {
-    if (command.count == 0) return Malformed(keyword + " takes no arguments");
-    return Malformed(keyword + " takes " + Counted(command.count, "argument") +
+  static Failure WrongCount(const Builtin& builtin, const std::string& keyword) {
+    if (builtin.count == 0) return Malformed(keyword + " takes no arguments");
+    return Malformed(keyword + " takes " + Counted(builtin.count, "argument") +
                      ", and none may be empty");
   }
 
@@ -194,7 +196,7 @@ class Grammar {
     if (word.kind == WordKind::kEquals && at_ + 1 == statement_.words.size()) {
       return Malformed("nothing stands behind the \"=\"");
     }
-    return Malformed("\"" + word.text.substr(0, 1) + "\" has no meaning here");
+    return Malformed("\"" + statement_.text.substr(word.begin, 1) + "\" has no meaning here");
   }
 
   Statement& statement_;
@@ -208,6 +210,12 @@ std::string_view Statement::Source(Words range) const {
   return std::string_view(text).substr(begin, words[range.last].end - begin);
 }
 
+std::string Statement::TextOf(const Word& word) const {
+  std::string typed = text.substr(word.begin, word.end - word.begin);
+  std::erase_if(typed, [](char c) { return c == ' ' || c == '\t'; });
+  return typed;
+}
+
 Statement ReadStatement(std::string_view line) {
   Statement statement;
   statement.text = line;
@@ -217,9 +225,9 @@ Statement ReadStatement(std::string_view line) {
   if (const std::string_view begin = line.substr(first, 1); begin.find_first_of("(),") == 0) {
     throw Malformed("a statement can't begin with \"" + std::string(begin) + "\"");
   }
-  std::vector<Word> words = Split(line);
-  CheckComments(line, words);
-  statement.words = JoinLiterals(words);
+  statement.words = Split(line);
+  CheckComments(line, statement.words);
+  JoinLiterals(statement.words);
   statement.form = FormOf(statement.words);
   if (line[first] == '#' && statement.form == Form::kExpression) {
     throw Malformed("a comment begins with ;, and not with #");
@@ -234,11 +242,11 @@ Statement ReadStatement(std::string_view line) {
   return statement;
 }
 
-std::vector<Words> Arguments(const Statement& statement, const Call& call) {
+std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation) {
   std::vector<Words> arguments;
   size_t depth = 0;
-  size_t begin = call.words.first + 2;
-  for (size_t at = begin; at <= call.words.last; ++at) {
+  size_t begin = invocation.words.first + 2;
+  for (size_t at = begin; at <= invocation.words.last; ++at) {
     const WordKind kind = statement.words[at].kind;
     const bool ends = depth == 0 && (kind == WordKind::kComma || kind == WordKind::kClose);
     if (ends && at > begin) arguments.push_back({begin, at - 1});

@@ -10,12 +10,12 @@
 namespace host {
 
 // What a word of the language is; its first character decides.
-enum class WordKind { kVariable, kLiteral, kCall, kComma, kOpen, kClose, kEquals, kDollar };
+enum class WordKind { kVariable, kLiteral, kBuiltin, kComma, kOpen, kClose, kEquals, kDollar };
 
+// Its place in the statement's text. Literals side by side are one word.
 struct Word {
   WordKind kind;
-  std::string text;  // literals side by side are one word, without the blanks between them
-  size_t begin;      // its place in the statement, blanks included
+  size_t begin;
   size_t end;
 };
 
@@ -25,8 +25,8 @@ struct Words {
   size_t last;
 };
 
-// One call of a command, from its keyword to its closing parenthesis.
-struct Call {
+// A built-in with its arguments, from its keyword to its closing parenthesis.
+struct Invocation {
   const Builtin* builtin;
   Words words;
 };
@@ -40,7 +40,7 @@ enum class Form {
 
 // One statement that is sure to be complete. The library runs malformed statements as far as they
 // go and says nothing about it, so that half a command could reach a card; a Statement has every
-// command of it spelled right, with its parentheses and its number of arguments, and nothing that
+// built-in of it spelled right, with its parentheses and its number of arguments, and nothing that
 // the library would pass over.
 struct Statement {
   std::string text;
@@ -48,15 +48,22 @@ struct Statement {
   std::vector<Word> words;
   size_t value = 0;  // index of the first word behind the = of an assignment, else 0
   size_t end = 0;    // index behind the last word that is evaluated; a comment may stand there
-  std::vector<Call> calls;  // an inner call stands before the outer one
+  std::vector<Invocation> invocations;  // an inner one stands before the outer one
 
+  // Words as they were typed.
   std::string_view Source(Words range) const;
+  // A word without the blanks in it.
+  std::string TextOf(const Word& word) const;
+  // True if it asks the host to act, and has no value.
+  bool IsForHost() const { return !invocations.empty() && invocations.back().builtin->forHost; }
+  // True if its value is a command to the card.
+  bool Sends() const { return form == Form::kExpression && !IsForHost(); }
 };
 
 // Reads one line without its line end. Throws Failure (kScriptFault) with what is wrong with it.
 Statement ReadStatement(std::string_view line);
 
-// The words of each of a call's arguments.
-std::vector<Words> Arguments(const Statement& statement, const Call& call);
+// The words of each of a built-in's arguments.
+std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation);
 
 }  // namespace host

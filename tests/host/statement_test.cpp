@@ -55,7 +55,7 @@ TEST(Statement, IsRefusedWhereTheLibraryWouldPassOverSomething) {
     for (size_t level = 0; level < depth; ++level) text += "@strlen(";
     return text + "AB" + std::string(depth, ')');
   };
-  EXPECT_EQ(ReadStatement(nested(128)).calls.size(), 128u);
+  EXPECT_EQ(ReadStatement(nested(128)).invocations.size(), 128u);
   EXPECT_THROW(ReadStatement(nested(129)), Failure);
 }
 
