@@ -1,26 +1,17 @@
-// Parsing a template, next to a loop that walks its octets and keeps nothing; and the dictionary,
-// next to plain loops over the same records.
+// Parsing a template, next to a loop that walks its octets and keeps nothing.
 #include <benchmark/benchmark.h>
-#include <strings.h>
-#include <unistd.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "orvane.h"
-#include "tags/tag_dictionary.h"
+#include "refuse.h"
 
 namespace {
 
 void Require(bool condition, const char* what) {
-  if (condition) return;
-  std::fprintf(stderr, "%s: not the expected result\n", what);
-  std::exit(1);
+  if (!condition) Refuse(what);
 }
 
 using Octets = std::vector<std::uint8_t>;
@@ -113,97 +104,9 @@ void GetTag(benchmark::State& state) {
   TagParsing_Free(parser);
 }
 
-constexpr int kRecords = 10000;
-
-TagdictData Record(int number) {
-  TagdictData record{};
-  std::snprintf(record.tag, sizeof record.tag, "DF%04X", static_cast<unsigned>(number));
-  std::strcpy(record.shortText, "A name of common length");
-  std::memset(record.longText, 'd', 120);
-  return record;
-}
-
-// The current directory, with the file of these records, for as long as this lives.
-class DictionaryFolder {
- public:
-  DictionaryFolder() {
-    std::filesystem::create_directory(path_);
-    std::filesystem::current_path(path_);
-    for (int i = 0; i < kRecords; ++i) {
-      const TagdictData record = Record(i);
-      AddTagdictData(&record);
-    }
-    FlushTagdict();
-  }
-  ~DictionaryFolder() {
-    std::filesystem::current_path(before_);
-    std::filesystem::remove_all(path_);
-  }
-
- private:
-  std::filesystem::path before_ = std::filesystem::current_path();
-  std::filesystem::path path_ =
-      std::filesystem::temp_directory_path() / ("orvane-bench-" + std::to_string(getpid()));
-};
-
-// The exports load once in a process, so that here is what they do then.
-void Load(benchmark::State& state) {
-  const DictionaryFolder folder;
-  for (auto _ : state) {
-    orvane::TagDictionary dictionary;
-    dictionary.Load();
-    Require(dictionary.Find("df270f") != nullptr, "the last record");
-  }
-}
-
-// Records as the plainest reader of a trusted file would have them: one block, short lengths.
-void PlainLoad(benchmark::State& state) {
-  const DictionaryFolder folder;
-  for (auto _ : state) {
-    std::FILE* const file = std::fopen("dictdata.bin", "rb");
-    std::uint32_t count = 0;
-    Require(file != nullptr && std::fread(&count, sizeof count, 1, file) == 1, "fread");
-    auto* const records = static_cast<TagdictData*>(std::calloc(count, sizeof(TagdictData)));
-    for (std::uint32_t i = 0; i < count; ++i) {
-      for (char* field : {records[i].tag, records[i].shortText, records[i].longText}) {
-        const auto length = static_cast<std::size_t>(std::fgetc(file));
-        Require(std::fread(field, 1, length, file) == length, "fread");
-      }
-    }
-    std::fclose(file);
-    Require(strcasecmp(records[count - 1].tag, "df270f") == 0, "the last record");
-    std::free(records);
-  }
-}
-
-void Find(benchmark::State& state) {
-  const DictionaryFolder folder;
-  TagdictData found;
-  Require(FindTagdictData("df270f", &found) == 1, "FindTagdictData");
-  for (auto _ : state) FindTagdictData("df270f", &found);
-}
-
-void CompareAll(benchmark::State& state) {
-  std::vector<TagdictData> records;
-  for (int i = 0; i < kRecords; ++i) records.push_back(Record(i));
-  TagdictData found;
-  for (auto _ : state) {
-    for (const TagdictData& record : records) {
-      if (strcasecmp(record.tag, "df270f") != 0) continue;
-      found = record;
-      benchmark::DoNotOptimize(found);
-      break;
-    }
-  }
-}
-
 BENCHMARK(ParseAgain)->Name("Parse 33 elements/Orvane");
 BENCHMARK(WalkOctets)->Name("Parse 33 elements/walk alone");
 BENCHMARK(ParseWithNewParser)->Name("Parse with a new parser/Orvane");
 BENCHMARK(GetTag)->Name("TagParsing_GetTag/Orvane");
-BENCHMARK(Find)->Name("Find the last of 10,000/Orvane");
-BENCHMARK(CompareAll)->Name("Find the last of 10,000/strcasecmp");
-BENCHMARK(Load)->Name("Load 10,000 records/Orvane");
-BENCHMARK(PlainLoad)->Name("Load 10,000 records/fread");
 
 }  // namespace
