@@ -92,7 +92,7 @@ if(ORVANE_TOOLS)
 endif()
 
 # What a host is built with.
-install(FILES include/orvane.h TYPE INCLUDE COMPONENT development)
+install(FILES include/orvane.h include/orvane.hpp TYPE INCLUDE COMPONENT development)
 install(FILES src/commands/crypto_provider.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvane
         COMPONENT development)
 if(TARGET orvane_lib)
