@@ -431,6 +431,341 @@ class Script {
   }
 };
 
+/* ---- Readers ---- */
+
+/// True for the kinds whose answers end in a status word.
+constexpr bool HasStatusWord(int32_t kind) {
+  return kind != ReaderKindFm8201 && kind != ReaderKindTcp && kind != ReaderKindIcr;
+}
+
+/// The most octets of a command that go out to a reader of this kind.
+constexpr size_t LongestCommand(int32_t kind) {
+  if (kind == ReaderKindD8 || kind == ReaderKindWd) return 255;
+  return kind == ReaderKindS5009 || kind == ReaderKindS5009Ats ? 133 : 4096;
+}
+
+/// The most octets of data that an answer brings in beside its status word.
+constexpr size_t MostData(int32_t kind) {
+  if (kind == ReaderKindS5009 || kind == ReaderKindS5009Ats) return 126;
+  return kind == ReaderKindTyUsb || kind == ReaderKindTyCom ? 256 : 254;
+}
+
+/// A card's answer, in views of what SendCommand gave.
+struct ResponseParts {
+  std::string_view data;        // hexadecimal text
+  std::string_view statusWord;  // four digits; empty where it isn't known, or the kind has none
+  bool ok;  // the exchange ended in 9000; on a kind without status word, it has worked. Else
+            // statusWord is the answer's first two octets: the beginning of data, if there was any
+};
+
+/// Sorts what SendCommand gave by the kind of the reader; none if there was no answer.
+inline std::optional<ResponseParts> ReadResponse(int32_t kind, int32_t result,
+                                                 std::string_view text) {
+  constexpr std::string_view kSuccess = "9000";
+  if (!HasStatusWord(kind)) {
+    return result != 0 ? std::optional(ResponseParts{text, "", true}) : std::nullopt;
+  }
+  if (result == 0) {
+    if (text.empty()) return std::nullopt;
+    // An answer that ends in 9000 does not fail: this one begins so, and must not look like
+    // success.
+    return ResponseParts{"", text == kSuccess ? "" : text, false};
+  }
+  const bool keeps = kind == ReaderKindWd || kind == ReaderKindS5009 || kind == ReaderKindS5009Ats;
+  const bool replies = kind == ReaderKindTyUsb || kind == ReaderKindTyCom;
+  // What the kinds 1 and 2 replied is data in any case; the others give 9000 for an answer without.
+  const bool ends = keeps ? text.ends_with(kSuccess) : !replies && text == kSuccess;
+  return ResponseParts{text.substr(0, text.size() - (ends ? kSuccess.size() : 0)), kSuccess, true};
+}
+
+/// A card's answer; ResponseParts tells what its parts mean.
+class Response {
+ public:
+  const FixedText<8192>& Data() const { return data_; }
+  const FixedText<4>& StatusWord() const { return statusWord_; }
+  bool Ok() const { return ok_; }
+  std::vector<uint8_t> Octets() const { return ToOctets(data_); }
+
+ private:
+  friend class Reader;
+  bool Read(int32_t kind, int32_t result) {
+    const std::optional<ResponseParts> parts = ReadResponse(kind, result, data_);
+    if (!parts) return false;
+    statusWord_ = FixedText<4>(parts->statusWord);
+    ok_ = parts->ok;
+    data_.Area()[parts->data.size()] = '\0';  // the data stands at the beginning
+    return true;
+  }
+
+  FixedText<8192> data_;
+  FixedText<4> statusWord_;
+  bool ok_ = false;
+};
+
+/// One of the sixteen readers that a process can have open; closes itself.
+class Reader {
+ public:
+  /// The readers of one kind. ports is how many to offer where ports can't be asked for.
+  static std::vector<ReaderInfo> List(ReaderKind kind, int32_t ports = 0) {
+    if (ports < 0 || ports > 256) throw DataError("a list has 0 to 256 ports");
+    std::vector<ReaderInfo> list(static_cast<size_t>(std::max(ports + 1, 64)));
+    const int32_t count =
+        GetReaderList(kind, list.data(), ports, static_cast<int32_t>(list.size()));
+    list.resize(static_cast<size_t>(count));
+    return list;
+  }
+
+  /// Opens by name, as List gives it; a payment HSM by its address.
+  static Reader Open(ReaderKind kind, TextArgument name) {
+    return Reader(kind, [&] { return OpenReaderA(name.Get(), kind); });
+  }
+
+  /// Opens by port.
+  static Reader OpenPort(ReaderKind kind, int32_t port) {
+    return Reader(kind, [&] { return OpenReader(port, kind, 9600); });
+  }
+
+  Reader(Reader&& other) noexcept
+      : kind_(other.kind_), number_(std::exchange(other.number_, kClosed)) {}
+  Reader& operator=(Reader&& other) noexcept {
+    if (this != &other) {
+      Release();
+      kind_ = other.kind_;
+      number_ = std::exchange(other.number_, kClosed);
+    }
+    return *this;
+  }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader() { Release(); }
+
+  ReaderKind Kind() const { return kind_; }
+  bool IsOpen() const { return number_ != kClosed; }
+
+  /// Brings up the card and gives its ATR in hexadecimal, or what the kind gives instead. A card in
+  /// a PC/SC reader is not reset.
+  FixedText<1024> Reset() {
+    Select();
+    FixedText<1024> atr;
+    if (::Reset(atr.Area()) == 0) throw ReaderError("no answer to reset");
+    return atr;
+  }
+
+  /// Chooses a card slot; what a slot means is up to the kind.
+  void ChooseSlot(uint8_t slot) {
+    Select();
+    std::array<char, 3> digits{};
+    HexToAscii(&slot, digits.data(), 1);
+    ChangeSlot(digits.data());
+  }
+
+  /// Sends a command of hexadecimal digits; blanks may stand between them. Throws DataError, with
+  /// nothing sent, for anything else, below four octets (but for kinds without status word), and
+  /// above what the reader takes. Where a payment HSM has not answered the reader is closed, so
+  /// that an answer that comes late is not taken for the next command's.
+  Response Send(std::string_view hex) {
+    std::array<uint8_t, 4096> octets;
+    if (hex.size() > 4 * octets.size()) throw DataError("a command of too many digits");
+    return Send(std::span<const uint8_t>(octets.data(), ToOctets(hex, octets)));
+  }
+
+  /// Sends the octets of a command. Otherwise the same.
+  Response Send(std::span<const uint8_t> octets) {
+    Select();
+    const size_t least = HasStatusWord(kind_) ? 4 : 1;
+    if (octets.size() < least || octets.size() > LongestCommand(kind_)) {
+      throw DataError("a command of " + std::to_string(octets.size()) +
+                      " octets: this reader takes " + std::to_string(least) + " to " +
+                      std::to_string(LongestCommand(kind_)));
+    }
+    FixedText<8192> digits;
+    const size_t length = ToHex(octets, std::span(digits.Area(), 8192));
+    Response response;
+    const int32_t result =
+        SendCommand(digits.Get(), static_cast<int32_t>(length), response.data_.Area());
+    if (response.Read(kind_, result)) return response;
+    if (kind_ == ReaderKindTcp) Release();
+    throw ReaderError("no answer from the card or its reader");
+  }
+
+  /// Closes the reader, also where its library refuses: that is thrown then. Closed already:
+  /// nothing.
+  void Close() {
+    if (IsOpen() && !Release()) throw ReaderError("the reader's library refuses to close it");
+  }
+
+ private:
+  static constexpr uint32_t kClosed = 16;
+  static inline std::array<bool, kClosed> taken_{};
+
+  template <class Opening>
+  Reader(ReaderKind kind, const Opening& open)
+      : kind_(kind),
+        number_(static_cast<uint32_t>(std::find(taken_.begin(), taken_.end(), false) -
+                                      taken_.begin())) {
+    if (number_ == kClosed) throw ReaderError("sixteen readers are open");
+    SetReader(number_);
+    if (open() == 0) throw ReaderError("the reader doesn't open");
+    taken_[number_] = true;
+  }
+  void Select() const {
+    if (!IsOpen()) throw ReaderError("the reader is closed");
+    SetReader(number_);
+  }
+  bool Release() noexcept {
+    if (!IsOpen()) return true;
+    SetReader(number_);
+    taken_[std::exchange(number_, kClosed)] = false;
+    return CloseReader() != 0;
+  }
+
+  ReaderKind kind_;
+  uint32_t number_;
+};
+
+/* ---- Tags ---- */
+
+/// Takes BER-TLV data apart; every element of the tree, a child too, is found under its tag.
+class TagTree {
+ public:
+  TagTree() : parser_(TagParsing_Init()) {
+    if (parser_ == nullptr) throw std::bad_alloc();
+  }
+  explicit TagTree(TextArgument hex) : TagTree() { Parse(hex); }
+
+  /// Adds what a hexadecimal text holds. Throws DataError at the first element that is malformed;
+  /// what stands before it is kept.
+  void Parse(TextArgument hex) {
+    if (TagParsing_Parse(parser_.get(), hex.Get()) == 0) throw DataError("malformed BER-TLV data");
+  }
+
+  /// The value of the last element with a tag, in hexadecimal; none if there is no such element.
+  std::optional<FixedText<2046>> Find(TextArgument tag) const {
+    TagRecord record;
+    if (TagParsing_GetTag(parser_.get(), tag.Get(), record.lengthText) == 0) return std::nullopt;
+    const char* const end = std::find(record.value, std::end(record.value), '\0');
+    return FixedText<2046>(std::string_view(record.value, end));
+  }
+
+ private:
+  struct Free {
+    void operator()(TagParser* parser) const { TagParsing_Free(parser); }
+  };
+  std::unique_ptr<TagParser, Free> parser_;
+};
+
+/// A record of the dictionary. Throws DataError for a text that its field does not hold whole: 19,
+/// 199 and 1,023 bytes.
+inline TagdictData MakeTagEntry(TextArgument tag, TextArgument shortText,
+                                TextArgument longText = "") {
+  TagdictData entry{};
+  const auto store = [](std::string_view text, std::span<char> field) {
+    if (text.size() >= field.size()) throw DataError("a text of the dictionary is too long");
+    text.copy(field.data(), text.size());
+  };
+  store(tag.View(), entry.tag);
+  store(shortText.View(), entry.shortText);
+  store(longText.View(), entry.longText);
+  return entry;
+}
+
+/// The process's dictionary of tags, in the file dictdata.bin of the current folder.
+class TagDictionary {
+ public:
+  /// The whole list. How many records there are is known where a file was read or flushed through
+  /// this class, and no other code of the process uses the dictionary. Throws DataError before a
+  /// first flush, and if another program changed the file while it was read.
+  static std::vector<TagdictData> List() {
+    Load();
+    if (!loaded_ && added_ == 0) return {};
+    if (!loaded_) throw DataError("there is no dictdata.bin yet: flush first");
+    if (!known_) throw DataError("dictdata.bin changed while it was read");
+    std::vector<TagdictData> records(fileRecords_ + added_ + 1);
+    int32_t count = 0;
+    if (GetTagdict(records.data(), &count) == 0) throw std::bad_alloc();
+    records.resize(static_cast<size_t>(count));
+    return records;
+  }
+
+  /// The first record with a tag, in either case.
+  static std::optional<TagdictData> Find(TextArgument tag) {
+    Load();
+    TagdictData entry;
+    if (FindTagdictData(tag.Get(), &entry) == 0) return std::nullopt;
+    return entry;
+  }
+
+  /// Adds a record at the end. False if its tag is there, in either case.
+  static bool Add(const TagdictData& entry) {
+    Load();
+    ++added_;
+    return AddTagdictData(&entry) != 0;
+  }
+
+  /// Puts a record in the place of the one with exactly its tag, or adds it. False if the tag is
+  /// there in another case.
+  static bool Replace(const TagdictData& entry) {
+    Load();
+    ++added_;
+    return UpTagdictData(&entry) != 0;
+  }
+
+  /// Removes the first record with exactly this tag. False if there is none.
+  static bool Remove(TextArgument tag) {
+    Load();
+    return DeleteTagdictData(tag.Get()) != 0;
+  }
+
+  /// Writes the list to the file. Whether it could is not told.
+  static void Flush() {
+    Load();
+    FlushTagdict();
+    fileRecords_ = std::max(fileRecords_, Look().records);
+  }
+
+ private:
+  struct File {
+    bool read = false;
+    uint64_t size = 0;
+    size_t records = 0;
+    std::filesystem::file_time_type time{};
+    bool operator==(const File&) const = default;
+  };
+
+  // What the library would read now: as many records as the file says, but each has three octets.
+  static File Look() {
+    constexpr const char* kName = "dictdata.bin";
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(kName, error)) return {};
+    std::ifstream in(kName, std::ios::binary);
+    std::array<uint8_t, 4> octets{};
+    in.read(reinterpret_cast<char*>(octets.data()), 4);
+    std::reverse(octets.begin(), octets.end());
+    const auto size = static_cast<uint64_t>(std::filesystem::file_size(kName, error));
+    const auto time = std::filesystem::last_write_time(kName, error);
+    if (!in.is_open() || error) return {};
+    const auto said = static_cast<uint64_t>(std::max(ToNumber(octets), 0));
+    return {true, size, static_cast<size_t>(std::min(said, size / 3)), time};
+  }
+
+  // The library reads the file in the first call that finds it, and doesn't tell how much it was.
+  static void Load() {
+    if (loaded_) return;
+    TagdictData ignored;
+    const File before = Look();
+    FindTagdictData("", &ignored);
+    const File after = Look();
+    loaded_ = before.read && after.read;
+    known_ = known_ && before == after;
+    fileRecords_ = std::max({fileRecords_, before.records, after.records});
+  }
+
+  static inline bool loaded_ = false;
+  static inline bool known_ = true;
+  static inline size_t fileRecords_ = 0;
+  static inline size_t added_ = 0;
+};
+
 }  // namespace orvane
 
 #endif
