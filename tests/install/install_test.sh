@@ -67,12 +67,14 @@ case $name in
       "$examples/authenticate.orv" >out || fail "$(cat out)"
     ;;
   cmake)
-    for project in "$here/cmake_package" "$examples/c"; do
+    for project in "$here/cmake_package" "$examples"/{c,cpp}; do
       cmake -S "$project" -B "${project##*/}" -D CMAKE_PREFIX_PATH="$prefix" \
-        -D CMAKE_C_FLAGS="-std=c99 -pedantic -Wall -Wextra -Werror" >log 2>&1 || fail "$(cat log)"
+        -D CMAKE_C_FLAGS="-std=c99 -pedantic -Wall -Wextra -Werror" -D CMAKE_CXX_FLAGS="-pedantic -Wall -Wextra -Werror" >log 2>&1 || fail "$(cat log)"
     done
-    cmake --build c >log || fail "$(cat log)"
-    c/exchange "$script" | same
+    for folder in c cpp; do
+      cmake --build $folder >log || fail "$(cat log)"
+      $folder/exchange "$script" | same
+    done
     ;;
   pkg_config)
     # A shell can't take what it prints of every path.
