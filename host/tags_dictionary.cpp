@@ -7,6 +7,7 @@
 #include <new>
 #include <optional>
 
+#include "host/decode/tag_list.h"
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/text.h"
@@ -101,9 +102,20 @@ void PrintTags(std::ostream& out) {
 void PrintTag(std::ostream& out, std::string_view tag) {
   const Contents contents = ByTag(ReadDictionary());
   const auto found = contents.find(UpperCase(tag));
-  if (found == contents.end()) FailAbsent(tag);
-  PrintEntry(out, *found->second);
-  if (!found->second->text.empty()) out << "        " << Printable(found->second->text) << '\n';
+  constexpr std::string_view kIndent = "        ";
+  if (found != contents.end()) {
+    PrintEntry(out, *found->second);
+    if (!found->second->text.empty()) out << kIndent << Printable(found->second->text) << '\n';
+    out << kIndent << "from " << kDictionaryFile << '\n';
+    return;
+  }
+  const ListedTag* const listed = FindListedTag(tag);
+  if (listed == nullptr) {
+    throw Failure(kExpectationFailed,
+                  "neither the dictionary nor the program's own list has tag " + Printable(tag));
+  }
+  PrintEntry(out, {std::string(listed->tag), std::string(listed->name), ""});
+  out << kIndent << "from the program's own list: " << listed->standard << '\n';
 }
 
 void AddTag(const TagEntry& entry, bool replace) {

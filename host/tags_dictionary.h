@@ -15,6 +15,7 @@ namespace host {
 
 void PrintTags(std::ostream& out);
 
+// From the dictionary, else from the program's own list of tags, and which of the two it is.
 void PrintTag(std::ostream& out, std::string_view tag);
 
 // An entry that is there already stays, unless it is to be replaced.

@@ -1,5 +1,6 @@
 #include "host/text_input.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
@@ -133,6 +134,17 @@ char32_t TextInput::Unit(size_t at) const {
 
 void TextInput::Fail(const std::string& why) const {
   throw Failure(kFileFault, "can't read " + name_ + why);
+}
+
+std::string DigitsIn(std::string_view text) {
+  std::string digits(text);
+  std::erase_if(digits, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
+  if (digits.empty()) throw Failure(kScriptFault, "there is no data");
+  const auto wrong = std::find_if_not(digits.begin(), digits.end(), IsHexDigit);
+  if (wrong != digits.end()) {
+    throw Failure(kScriptFault, "'" + Printable({&*wrong, 1}) + "' is no hexadecimal digit");
+  }
+  return digits;
 }
 
 }  // namespace host

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace host {
 
@@ -42,5 +43,9 @@ class TextInput {
   std::string text_;
   size_t taken_ = 0;  // of text_
 };
+
+// The hexadecimal digits of a text, without its white space. Throws Failure (kScriptFault) if there
+// is none, or any other character.
+std::string DigitsIn(std::string_view text);
 
 }  // namespace host

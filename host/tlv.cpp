@@ -1,5 +1,6 @@
 #include "host/tlv.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <vector>
@@ -11,6 +12,12 @@ namespace {
 
 constexpr size_t kMostTagOctets = 4;
 constexpr size_t kMostLengthOctets = 4;  // behind the first one
+
+unsigned OctetAt(std::string_view digits, size_t at) {
+  unsigned octet = 0;
+  std::from_chars(digits.data() + 2 * at, digits.data() + 2 * at + 2, octet, 16);
+  return octet;
+}
 
 class Reader {
  public:
@@ -24,11 +31,7 @@ class Reader {
   }
 
  private:
-  unsigned Octet(size_t at) const {
-    unsigned octet = 0;
-    std::from_chars(digits_.data() + 2 * at, digits_.data() + 2 * at + 2, octet, 16);
-    return octet;
-  }
+  unsigned Octet(size_t at) const { return OctetAt(digits_, at); }
 
   // False at the end of the data.
   bool SkipToElement() {
@@ -37,6 +40,7 @@ class Reader {
       if (at_ < ends_.back()) return true;
       if (ends_.size() == 1) return false;
       ends_.pop_back();
+      parents_.pop_back();
     }
   }
 
@@ -55,8 +59,9 @@ class Reader {
     }
     const bool constructed = (first & 0x20) != 0;
     const size_t valueEnd = at_ + *length;
-    take_({tag, Digits(at_, valueEnd), ends_.size() - 1, constructed});
+    take_({tag, Digits(at_, valueEnd), parents_.back(), ends_.size() - 1, constructed});
     if (constructed) {
+      parents_.push_back(tag);
       ends_.push_back(valueEnd);
     } else {
       at_ = valueEnd;
@@ -64,13 +69,9 @@ class Reader {
   }
 
   bool SkipTag() {
-    const size_t begin = at_;
-    const size_t end = ends_.back();
-    if ((Octet(at_++) & 0x1F) != 0x1F) return true;
-    while (at_ < end && at_ - begin < kMostTagOctets) {
-      if ((Octet(at_++) & 0x80) == 0) return true;
-    }
-    return false;
+    const size_t octets = TagOctets(Digits(at_, ends_.back()));
+    at_ += octets;
+    return octets > 0;
   }
 
   std::optional<size_t> ReadLength() {
@@ -98,10 +99,21 @@ class Reader {
   const std::function<void(const TlvElement&)>& take_;
   size_t at_ = 0;             // in octets, like all places here
   std::vector<size_t> ends_;  // of the data and of the elements around this place
+  std::vector<std::string_view> parents_ = {""};  // their tags
   std::string fault_;
 };
 
 }  // namespace
+
+size_t TagOctets(std::string_view digits) {
+  const size_t most = std::min(digits.size() / 2, kMostTagOctets);
+  if (most == 0) return 0;
+  if ((OctetAt(digits, 0) & 0x1F) != 0x1F) return 1;
+  for (size_t at = 1; at < most; ++at) {
+    if ((OctetAt(digits, at) & 0x80) == 0) return at + 1;
+  }
+  return 0;
+}
 
 std::string ReadTlv(std::string_view digits, const std::function<void(const TlvElement&)>& take) {
   return Reader(digits, take).Read();

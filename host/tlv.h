@@ -11,9 +11,13 @@ namespace host {
 struct TlvElement {
   std::string_view tag;
   std::string_view value;
-  size_t level;  // how many elements stand around it
+  std::string_view parent;  // the tag of the element around it; empty if there is none
+  size_t level;             // how many elements stand around it
   bool constructed;
 };
+
+// The octets of the tag that digits begin with; 0 if it is cut or has more than four.
+size_t TagOctets(std::string_view digits);
 
 // Reads BER-TLV data as ISO/IEC 7816-4 has it: tags of one to four octets, lengths of up to five,
 // 00 between elements as filler. The text is hexadecimal digits without blanks. Hands over each

@@ -1,11 +1,11 @@
 #include "host/tlv_tree.h"
 
-#include <orvane.h>
-
 #include <algorithm>
 
+#include "host/decode/tag_list.h"
 #include "host/failure.h"
 #include "host/text.h"
+#include "host/text_input.h"
 
 namespace host {
 namespace {
@@ -14,12 +14,6 @@ constexpr size_t kRowOctets = 16;
 constexpr size_t kDeepestIndent = 64;  // in levels
 
 }  // namespace
-
-std::string TagName(std::string_view tag) {
-  TagdictData record;
-  if (FindTagdictData(std::string(tag).c_str(), &record) == 0) return "";
-  return Printable(record.shortText);
-}
 
 std::vector<std::string> TlvLines(const TlvElement& element) {
   const std::string indent(2 * std::min(element.level, kDeepestIndent), ' ');
@@ -39,14 +33,7 @@ std::vector<std::string> TlvLines(const TlvElement& element) {
 }
 
 void PrintTlv(std::ostream& out, std::string_view text) {
-  std::string digits(text);
-  std::erase_if(digits, [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
-  if (digits.empty()) throw Failure(kScriptFault, "there is no data");
-  const auto wrong = std::find_if_not(digits.begin(), digits.end(), IsHexDigit);
-  if (wrong != digits.end()) {
-    throw Failure(kScriptFault, "'" + Printable({&*wrong, 1}) + "' is no hexadecimal digit");
-  }
-  const std::string fault = ReadTlv(digits, [&out](const TlvElement& element) {
+  const std::string fault = ReadTlv(DigitsIn(text), [&out](const TlvElement& element) {
     for (const std::string& line : TlvLines(element)) out << line << '\n';
   });
   if (!fault.empty()) throw Failure(kScriptFault, "no BER-TLV: " + fault);

@@ -9,9 +9,6 @@
 
 namespace host {
 
-// A tag's short text in the dictionary of the current directory; empty if it has none.
-std::string TagName(std::string_view tag);
-
 // The lines of one element, indented by its level: tag, length in bytes, name; then its value, with
 // characters beside the octets. From level 64 on the indent stays, and the level stands as a number
 // before the tag.

@@ -24,7 +24,12 @@ TEST_F(Tags, AreEditedAndShown) {
     std::string input;
   } steps[] = {
       {"tags list", 0, "", "", ""},
-      {"tags find 5A", 1, "", "orvane: the dictionary has no tag 5A\n", ""},
+      {"tags find 5D00", 1, "",
+       "orvane: neither the dictionary nor the program's own list has tag 5D00\n", ""},
+      {"tags find 5a", 0,
+       "5A      Application primary account number\n"
+       "        from the program's own list: EMV book 3 and ISO/IEC 7816\n",
+       "", ""},
       {"tags add 5a Number \"of the card\"", 0, "", "", ""},
       {"tags add 5A Other", 1, "",
        "orvane: the dictionary has tag 5A already; --replace puts this in its place\n", ""},
@@ -32,7 +37,8 @@ TEST_F(Tags, AreEditedAndShown) {
       {"tags list", 0, "5A      Number\n9F36    Counter\n", "", ""},
       {"tags add 5A Other --replace", 0, "", "", ""},
       {"tlv 5A02 12 34 70039F3600", 0,
-       "5A  2  Other\n    12 34                                            .4\n70  3\n"
+       "5A  2  Other\n    12 34                                            .4\n70  3  Record "
+       "template\n"
        "  9F36  0  Counter\n",
        "", ""},
       {"tlv 5A0131 57", 3, "5A  1  Other\n    31                                               1\n",
@@ -46,7 +52,7 @@ TEST_F(Tags, AreEditedAndShown) {
       {"tags import -", 0, "2 entries\n", "",
        "# a comment\n\n5a\tThird  |  its text \r\n  57 Fourth\n"},
       {"tags list", 0, "5A      Third\n57      Fourth\n", "", ""},
-      {"tags find 5A", 0, "5A      Third\n        its text\n", "", ""},
+      {"tags find 5A", 0, "5A      Third\n        its text\n        from dictdata.bin\n", "", ""},
       {"tags import -", 3, "", "<stdin>:2: 5 is no tag: two hexadecimal digits an octet\n",
        "58 Fifth\n5 Sixth\n"},
       {"tags import -", 3, "", "<stdin>:1: the name has more than 199 bytes\n",
@@ -58,7 +64,8 @@ TEST_F(Tags, AreEditedAndShown) {
       {"tags import " + list, 0, "49 entries\n", "", ""},
       {"tags find 6f", 0,
        "6F      File control information\n"
-       "        Template in the answer to SELECT: parameters and management data\n",
+       "        Template in the answer to SELECT: parameters and management data\n"
+       "        from dictdata.bin\n",
        "", ""},
   };
   for (const auto& step : steps) {
@@ -80,8 +87,10 @@ TEST_F(Tags, TakeALineEachHoweverDeepTheyAreNested) {
   const std::string out = RunOrvane("tlv", digits).out;
   EXPECT_LT(out.size(), kLevels * 160);
   const std::string indent(2 * 64, ' ');
-  EXPECT_TRUE(Shows(out, '\n' + indent + "70  24675\n" + indent + "65> 70  24670\n")) << out;
-  EXPECT_TRUE(out.ends_with('\n' + indent + "4999> 70  0\n"));
+  EXPECT_TRUE(
+      Shows(out, '\n' + indent + "70  24675  Record template\n" + indent + "65> 70  24670  "))
+      << out;
+  EXPECT_TRUE(out.ends_with('\n' + indent + "4999> 70  0  Record template\n"));
 }
 
 TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {
@@ -90,7 +99,8 @@ TEST_F(Tags, NameTheElementsOfAnswersOnRequest) {
   const std::string plain = RunOrvane(select).out;
   const std::string tree = RunOrvane(select + " --tlv").out;
   EXPECT_FALSE(Shows(plain, "Inner")) << plain;
-  EXPECT_TRUE(Shows(tree, "             A5  29  Inner\n               50  10\n")) << tree;
+  EXPECT_TRUE(Shows(tree, "             A5  29  Inner\n               50  10  Application label\n"))
+      << tree;
 }
 
 TEST_F(Tags, StayAsTheyAreWhereTheyAreNoWholeDictionary) {
