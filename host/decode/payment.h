@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/decode/decoding.h"
+
+namespace host {
+
+// Data objects of EMV book 3, given as whole octets.
+
+Decoding DecodeDol(std::string_view digits);  // data object list
+Decoding DecodeAfl(std::string_view digits);  // application file locator
+Decoding DecodeAip(std::string_view digits);  // application interchange profile
+Decoding DecodeTvr(std::string_view digits);  // terminal verification results
+Decoding DecodeCvm(std::string_view digits);  // cardholder verification method list
+
+}  // namespace host
