@@ -36,8 +36,9 @@ struct Builtin {
   std::string_view keyword;  // in upper case
   size_t count = 0;          // of arguments
   std::array<Parameter, 4> parameters = {};
-  bool forHost = false;  // asks the host to act, and ends the statement's evaluation
-  bool hides = false;    // its value gives nothing away
+  bool forHost = false;     // asks the host to act, and ends the statement's evaluation
+  bool hides = false;       // its value gives nothing away
+  bool usesCrypto = false;  // runs in the crypto module
 };
 
 // The command of this keyword, in either case; null if there is none.

@@ -41,6 +41,7 @@ class Readers {
   // True once a reader has been named or the default one has opened.
   bool Used() const { return used_; }
   size_t Number() const { return current_; }  // of the current reader
+  bool IsOpen() const { return places_[current_] && places_[current_]->open; }
   // True if a simulator stands behind the current reader.
   bool Simulated() const;
   // Of the current reader; of none, that of the one that OpenDefault would open.

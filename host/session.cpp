@@ -20,6 +20,11 @@ std::string HeadingText(std::string_view statement) {
   return std::string(text == statement.npos ? "" : statement.substr(text));
 }
 
+bool UsesCrypto(const Statement& statement) {
+  return std::any_of(statement.invocations.begin(), statement.invocations.end(),
+                     [](const Invocation& each) { return each.builtin->usesCrypto; });
+}
+
 class Stopwatch {
  public:
   Timing Read() const { return {begin_, std::chrono::steady_clock::now() - start_}; }
@@ -71,23 +76,24 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
     return true;
   }
   const bool hide = Hides(statement);
+  if (UsesCrypto(statement)) trace_.Flush();
   CheckOperands(statement, hide);
   if (statement.Sends()) CheckCommand(statement, hide);
   const Result result = host::Run(statement);
   switch (result.code) {
     case KindAssignment:
-      Assign(statement, line, result.text);
+      Assign(statement, line, result.text, hide);
       return true;
     case KindExpression:
-      SendFrom(statement, line, result.text);
+      SendFrom(statement, line, result.text, hide);
       return true;
     case KindCompare:
-      Compare(statement, line, result.text == "1");
+      Compare(statement, line, result.text == "1", hide);
       return true;
   }
-  if (!hide) return Act(statement, line, result);
+  if (!hide) return Act(statement, line, result, hide);
   try {
-    return Act(statement, line, result);
+    return Act(statement, line, result, hide);
   } catch (const Failure& failure) {
     throw Failure(failure.Code(), statement.TextOf(statement.words[0]) +
                                       " failed; why is as secret as its " +
@@ -95,10 +101,11 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
   }
 }
 
-bool Session::Act(const Statement& statement, std::optional<size_t> line, const Result& result) {
-  const bool hide = Hides(statement);
+bool Session::Act(const Statement& statement, std::optional<size_t> line, const Result& result,
+                  bool hide) {
   if (result.code == KindReset || result.code == KindSetSlot) OpenDefault();
   Echo(line, hide ? MaskLiterals(statement, 0) : statement.text);
+  trace_.Flush();
   switch (result.code) {
     case KindSetReader:
       readers_.Select(result.text);
@@ -119,8 +126,8 @@ bool Session::Act(const Statement& statement, std::optional<size_t> line, const 
 }
 
 void Session::Assign(const Statement& statement, std::optional<size_t> line,
-                     const std::string& value) {
-  const bool hide = Hides(statement, value);
+                     const std::string& value, bool hideStatement) {
+  const bool hide = hideStatement || (!settings_.showSecrets && Secrets::BeginsAsSecret(value));
   secrets_.Follow(statement, value);
   Echo(line, hide ? MaskLiterals(statement, 0) : statement.text);
   const bool plain = statement.end == statement.value + 1 &&
@@ -137,10 +144,10 @@ void Session::Show(const Statement& expression) {
 }
 
 void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
-                       std::string_view digits) {
+                       std::string_view digits, bool hideStatement) {
   OpenDefault();
   const CardCommand command = ReadCommand(digits, readers_.CurrentFraming());
-  const bool hide = !settings_.showSecrets && (CarriesSecret(command) || Hides(statement));
+  const bool hide = hideStatement || (!settings_.showSecrets && CarriesSecret(command));
   Echo(line, hide ? MaskLiterals(statement, 2 * command.dataBegin) : statement.text);
   Exchange(command, hide);
 }
@@ -148,6 +155,7 @@ void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
 void Session::Send(std::string_view digits, std::string_view expected) {
   const CardCommand command = ReadCommand(digits, readers_.CurrentFraming());
   const Response response = Exchange(command, !settings_.showSecrets && CarriesSecret(command));
+  trace_.Flush();
   if (expected.empty()) return;
   const std::string parting =
       PartingFrom(ReadExpectation(expected), response, [](const std::string&) { return ""; });
@@ -156,8 +164,10 @@ void Session::Send(std::string_view digits, std::string_view expected) {
 }
 
 Response Session::Exchange(const CardCommand& command, bool hide) {
+  if (!readers_.IsOpen()) trace_.Flush();
   readers_.Check(command);
   trace_.Command(command, hide);
+  trace_.Flush();
   const Response response =
       Timed([&] { return readers_.Send(command); },
             [&](const std::optional<Response>& given, const Timing& timing) {
@@ -174,10 +184,10 @@ Response Session::Exchange(const CardCommand& command, bool hide) {
   return response;
 }
 
-void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held) {
+void Session::Compare(const Statement& statement, std::optional<size_t> line, bool held,
+                      bool hide) {
   const std::vector<Words> arguments = Arguments(statement, statement.invocations.back());
   const auto value = [&](size_t at) { return Evaluate(statement.Source(arguments[at])); };
-  const bool hide = Hides(statement);
   const std::string shown = hide ? MaskLiterals(statement, 0) : statement.text;
   const std::string left = value(0);
   const std::string right = value(1);
@@ -198,6 +208,7 @@ void Session::Compare(const Statement& statement, std::optional<size_t> line, bo
 
 void Session::OpenDefault() {
   if (readers_.Used()) return;
+  trace_.Flush();
   TellOpened(readers_.OpenDefault(), false);
 }
 
@@ -215,6 +226,7 @@ void Session::TellOpened(const ReaderAddress& address, bool hide) {
 
 void Session::ResetCard() {
   OpenDefault();
+  trace_.Flush();
   const std::string atr = Timed([&] { return readers_.ResetCard(); },
                                 [&](const std::optional<std::string>& given, const Timing& timing) {
                                   for (ExchangeListener* listener : settings_.listeners) {

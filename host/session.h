@@ -57,13 +57,15 @@ class Session {
   void Summarise(bool done);
 
  private:
-  bool Act(const Statement& statement, std::optional<size_t> line, const Result& result);
+  bool Act(const Statement& statement, std::optional<size_t> line, const Result& result, bool hide);
   void Echo(std::optional<size_t> line, std::string_view shown);
-  void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value);
-  void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits);
+  void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value,
+              bool hideStatement);
+  void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits,
+                bool hideStatement);
   Response Exchange(const CardCommand& command, bool hide);
   void TellOpened(const ReaderAddress& address, bool hide);
-  void Compare(const Statement& statement, std::optional<size_t> line, bool held);
+  void Compare(const Statement& statement, std::optional<size_t> line, bool held, bool hide);
   void OpenDefault();
 
   Readers& readers_;

@@ -29,7 +29,7 @@ bool OnlyLooks(const Statement& statement) {
 bool RunLine(Session& session, const std::string& line, bool interactive) {
   if (line == "quit" || line == "exit") return false;
   if (line == "help") {
-    std::cout << kHelp << std::flush;
+    std::cout << kHelp;
     return true;
   }
   constexpr std::string_view kSend = "send ";
@@ -51,10 +51,14 @@ bool RunLine(Session& session, const std::string& line, bool interactive) {
 }  // namespace
 
 int RunShell(Session& session, bool interactive) {
-  if (interactive) std::cout << "Statements of the card script; help, quit\n" << std::flush;
+  if (interactive) std::cout << "Statements of the card script; help, quit\n";
   TextInput in("-");
   int firstFailure = kDone;
-  while (const auto line = interactive ? EditLine("orvane> ") : in.NextLine()) {
+  const auto next = [&] {
+    std::cout << std::flush;
+    return interactive ? EditLine("orvane> ") : in.NextLine();
+  };
+  while (const auto line = next()) {
     try {
       if (!RunLine(session, *line, interactive)) break;
     } catch (const Failure& failure) {

@@ -47,7 +47,7 @@ std::string Trace::Paint(Colour colour, std::string_view text) const {
 void Trace::Detail(Colour colour, std::string_view label, std::string_view text) {
   std::string padded(label);
   padded.resize(kLabelWidth, ' ');
-  out_ << kIndent << Paint(colour, padded) << text << '\n' << std::flush;
+  out_ << kIndent << Paint(colour, padded) << text << '\n';
 }
 
 void Trace::Rows(Colour colour, std::string_view label, std::string_view digits) {
@@ -68,12 +68,11 @@ void Trace::Elements(std::string_view digits) {
 
 void Trace::Reader(const std::string& reader, bool simulated) {
   const std::string note = simulated ? ", simulated: no hardware is touched" : "";
-  out_ << kIndent << Paint(Colour::kBold, "reader " + reader) << Paint(Colour::kDim, note) << '\n'
-       << std::flush;
+  out_ << kIndent << Paint(Colour::kBold, "reader " + reader) << Paint(Colour::kDim, note) << '\n';
 }
 
 void Trace::Heading(std::string_view text) {
-  out_ << '\n' << Paint(Colour::kBold, Printable(text)) << '\n' << std::flush;
+  out_ << '\n' << Paint(Colour::kBold, Printable(text)) << '\n';
 }
 
 void Trace::Statement(std::optional<size_t> line, std::string_view statement) {
@@ -84,7 +83,7 @@ void Trace::Statement(std::optional<size_t> line, std::string_view statement) {
   } else {
     out_ << kIndent;
   }
-  out_ << Printable(statement) << '\n' << std::flush;
+  out_ << Printable(statement) << '\n';
 }
 
 void Trace::Value(std::string_view value) { Detail(Colour::kDim, "=", Printable(value)); }

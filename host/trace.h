@@ -20,7 +20,7 @@ class Trace {
     bool tlv = false;     // with the elements of answers that are BER-TLV data
   };
 
-  // A stream without a buffer shows nothing.
+  // A stream without a buffer shows nothing. What is shown may wait in the stream up to Flush.
   Trace(std::ostream& out, Settings settings) : out_(out), settings_(settings) {}
 
   void Reader(const std::string& reader, bool simulated);
@@ -33,7 +33,8 @@ class Trace {
   // A note stands below the status word.
   void Response(const host::Response& response, std::string_view note);
   void Expectation(std::string_view left, std::string_view right, bool equal, bool held);
-  void Summary(size_t commands, size_t expectations, bool done);
+  void Summary(size_t commands, size_t expectations, bool done);  // flushes
+  void Flush() { out_.flush(); }
 
  private:
   enum class Colour { kPlain, kBold, kDim, kGreen, kYellow, kRed, kCyan, kAlarm };

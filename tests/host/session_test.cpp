@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 #include <orvane.h>
 
+#include <cstdlib>
+#include <iostream>
 #include <sstream>
 
 #include "host/failure.h"
+#include "host/output.h"
+#include "host/run_program.h"
 #include "simulators/encryption_machine.h"
 #include "support/simulated_module.h"
 
@@ -179,6 +183,30 @@ TEST_F(SessionTest, PowersACardOffAndOnAtTheStart) {
   EXPECT_EQ(cold({"@reset()"}, "5:COM1"),
             "can't open the reader COM1 (D8): --cold-reset works through PC/SC alone, not with "
             "readers of the kind D8\n");
+}
+
+// What stands before an answer is out when the maker's library is called, which may crash.
+TEST_F(SessionTest, ShowsTheCommandBeforeItIsSent) {
+  const auto crash = [] {
+    const std::string shown = host_test::ReadText("shown");
+    const bool whole = host_test::Shows(shown, "%A = 12\n") &&
+                       host_test::Shows(shown, ">>   00 A4 00 00   SELECT\n");
+    std::_Exit(whole ? 7 : 8);
+  };
+  const auto run = [&] {
+    ASSERT_NE(std::freopen("shown", "w", stdout), nullptr);
+    const StandardStreams streams;
+    Readers readers(ReaderKindPcsc, false, kReader);
+    Secrets secrets;
+    Trace trace(std::cout, {});
+    Session session(readers, secrets, trace, {});
+    session.Run(ReadStatement("@reset()"), 1);
+    winscard_.CallBack(crash);
+    session.Run(ReadStatement("%A = 12"), 2);
+    session.Run(ReadStatement("00A40000"), 3);
+  };
+  const host_test::WorkingFolder folder;
+  EXPECT_EXIT(run(), testing::ExitedWithCode(7), "");
 }
 
 TEST_F(SessionTest, TriesTheDefaultReaderAgainAfterAFailure) {
