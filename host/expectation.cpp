@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "host/failure.h"
 #include "host/status_word.h"
 #include "host/text.h"
 
@@ -104,14 +103,14 @@ class Reader {
 
 // A pattern with its variables' values: digits, X, and for each gap one *.
 std::string Resolve(const Expectation::Pattern& pattern,
-                    const std::function<std::string(const std::string&)>& valueOf) {
+                    const std::map<std::string, std::string>& values) {
   std::string digits;
   for (const Part& part : pattern) {
     if (part.kind != Kind::kVariable) {
       digits += part.kind == Kind::kGap ? "*" : part.text;
       continue;
     }
-    const std::string value = WithoutBlanks(UpperCase(valueOf(part.text)));
+    const std::string value = WithoutBlanks(UpperCase(values.at(part.text)));
     if (value.size() % 2 != 0 || !std::all_of(value.begin(), value.end(), IsHexDigit)) {
       throw Failure(kScriptFault, "the value of " + part.text +
                                       " is not whole octets in hexadecimal: nothing can be "
@@ -139,7 +138,7 @@ size_t CountFitting(std::string_view wanted, std::string_view given) {
   return count;
 }
 
-// Where an answer and a pattern part, in digits of each; whole octets before it fit.
+// Where a response and a pattern part, in digits of each; whole octets before it fit.
 struct Place {
   size_t wanted;
   size_t given;
@@ -217,7 +216,7 @@ bool IsStatusWord(size_t place, const Response& response) {
   return place == response.data.size() && !response.statusWord.empty();
 }
 
-// The octets of a pattern or an answer, and which of them a place is.
+// The octets of a pattern or a response, and which of them a place is.
 struct Octets {
   std::vector<std::string> shown;
   size_t at = 0;
@@ -271,16 +270,41 @@ std::optional<size_t> FindExpectation(std::string_view line) {
   return wordGoesOn ? std::nullopt : std::optional(at);
 }
 
+Failure NoCommandAbove() {
+  return Failure(kScriptFault, "an expectation stands below the command that it is about");
+}
+
 Expectation ReadExpectation(std::string_view text, size_t begin) {
   return Reader(text, begin).Read();
 }
 
+std::vector<std::string> VariablesOf(const Expectation& expectation) {
+  std::vector<std::string> names;
+  for (const Expectation::Pattern& pattern : expectation.patterns) {
+    for (const Part& part : pattern) {
+      if (part.kind == Kind::kVariable) names.push_back(part.text);
+    }
+  }
+  return names;
+}
+
+std::string MaskExpectation(const Expectation& expectation) {
+  std::string masked = "; expect";
+  for (size_t at = 0; at < expectation.patterns.size(); ++at) {
+    if (at > 0) masked += " or";
+    for (const Part& part : expectation.patterns[at]) {
+      masked += part.kind == Kind::kDigits ? " **" : " " + part.text;
+    }
+  }
+  return masked;
+}
+
 std::string PartingFrom(const Expectation& expectation, const Response& response,
-                        const std::function<std::string(const std::string&)>& valueOf) {
+                        const std::map<std::string, std::string>& values) {
   std::string best;
   std::pair<bool, size_t> furthest;
   for (const Expectation::Pattern& pattern : expectation.patterns) {
-    const std::string wanted = Resolve(pattern, valueOf);
+    const std::string wanted = Resolve(pattern, values);
     const std::optional<Place> parting = FindParting(wanted, response);
     if (!parting) return "";
     const std::pair<bool, size_t> reached = {!IsStatusWord(parting->given, response),

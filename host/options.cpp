@@ -141,11 +141,7 @@ void AddDefinitions(CLI::App& command, Options& options) {
 
 // What is wrong with a pattern of --expect; empty if nothing is.
 std::string CheckPattern(const std::string& text) try {
-  for (const Expectation::Pattern& pattern : ReadExpectation(text).patterns) {
-    for (const Expectation::Part& part : pattern) {
-      if (part.kind == Expectation::Part::Kind::kVariable) return "there are no variables";
-    }
-  }
+  if (!VariablesOf(ReadExpectation(text)).empty()) return "there are no variables";
   return "";
 } catch (const Failure& failure) {
   return failure.what();

@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "host/expectation.h"
 #include "host/text_input.h"
 
 namespace host {
@@ -10,10 +11,13 @@ Script::Script(const std::string& file) {
   TextInput in(file);
   name_ = in.Name();
   size_t number = 0;
+  bool belowCommand = false;
   while (const std::optional<std::string> line = in.NextLine()) {
     ++number;
     try {
-      ReadStatement(*line);
+      const Statement statement = ReadStatement(*line);
+      if (statement.form == Form::kExpectation && !belowCommand) throw NoCommandAbove();
+      belowCommand = statement.Sends() || (belowCommand && statement.IsComment());
     } catch (const Failure& failure) {
       throw At(number, failure);
     }

@@ -315,7 +315,7 @@ void Secrets::Define(std::string_view name, std::string_view value) {
 
 bool Secrets::Learn(const Statement& statement) {
   const size_t before = marked_;
-  if (statement.form != Form::kNothing && statement.form != Form::kHeading) Look(statement);
+  if (!statement.IsComment() && statement.form != Form::kHeading) Look(statement);
   return marked_ != before;
 }
 

@@ -3,6 +3,7 @@
 #include <orvane.h>
 
 #include <algorithm>
+#include <map>
 
 #include "host/expectation.h"
 #include "host/failure.h"
@@ -13,6 +14,7 @@ namespace host {
 namespace {
 
 constexpr std::string_view kHidden = "**";
+const std::string kKeptBack = "\n  where they part is a secret, and shown with --show-secrets";
 
 std::string HeadingText(std::string_view statement) {
   const size_t dollar = statement.find('$');
@@ -71,6 +73,11 @@ void Session::Echo(std::optional<size_t> line, std::string_view shown) {
 
 bool Session::Run(const Statement& statement, std::optional<size_t> line) {
   if (statement.form == Form::kNothing) return true;
+  if (statement.form == Form::kExpectation) {
+    Expect(statement, line);
+    return true;
+  }
+  response_.reset();
   if (statement.form == Form::kHeading) {
     trace_.Heading(HeadingText(statement.text));
     return true;
@@ -149,7 +156,31 @@ void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
   const CardCommand command = ReadCommand(digits, readers_.CurrentFraming());
   const bool hide = hideStatement || (!settings_.showSecrets && CarriesSecret(command));
   Echo(line, hide ? MaskLiterals(statement, 2 * command.dataBegin) : statement.text);
-  Exchange(command, hide);
+  response_ = Exchange(command, hide);
+}
+
+void Session::Expect(const Statement& expectation, std::optional<size_t> line) {
+  if (!response_) throw NoCommandAbove();
+  const std::string& text = expectation.text;
+  const Expectation expected = ReadExpectation(text, *FindExpectation(text));
+  bool hide = false;
+  std::map<std::string, std::string> values;
+  for (const std::string& name : VariablesOf(expected)) {
+    const Statement operand = ReadStatement(name);
+    CheckOperands(operand, false);
+    values[name] = Evaluate(name);
+    hide = hide || Hides(operand, values[name]);
+  }
+  const std::string parting = PartingFrom(expected, *response_, values);
+  const std::string shown =
+      hide ? MaskExpectation(expected) : text.substr(text.find_first_not_of(" \t"));
+  Echo(line, shown);
+  trace_.Judgement(parting.empty() ? "as expected" : "not as expected", parting.empty());
+  if (!parting.empty()) {
+    throw Failure(kExpectationFailed,
+                  "not as expected: " + Printable(shown) + (hide ? kKeptBack : parting));
+  }
+  ++expectations_;
 }
 
 void Session::Send(std::string_view digits, std::string_view expected) {
@@ -157,8 +188,7 @@ void Session::Send(std::string_view digits, std::string_view expected) {
   const Response response = Exchange(command, !settings_.showSecrets && CarriesSecret(command));
   trace_.Flush();
   if (expected.empty()) return;
-  const std::string parting =
-      PartingFrom(ReadExpectation(expected), response, [](const std::string&) { return ""; });
+  const std::string parting = PartingFrom(ReadExpectation(expected), response, {});
   if (parting.empty()) return;
   throw Failure(kExpectationFailed, "not as expected: " + std::string(expected) + parting);
 }
@@ -195,7 +225,9 @@ void Session::Compare(const Statement& statement, std::optional<size_t> line, bo
   Echo(line, shown);
   const std::string_view shownLeft = hide ? kHidden : std::string_view(left);
   const std::string_view shownRight = hide ? kHidden : std::string_view(right);
-  trace_.Expectation(shownLeft, shownRight, held == (expected == "1"), held);
+  const bool equal = held == (expected == "1");
+  trace_.Judgement(std::string(shownLeft) + (equal ? " = " : " is not ") + std::string(shownRight),
+                   held);
   if (held) {
     ++expectations_;
     return;

@@ -57,6 +57,7 @@ class Session {
   void Summarise(bool done);
 
  private:
+  void Expect(const Statement& expectation, std::optional<size_t> line);
   bool Act(const Statement& statement, std::optional<size_t> line, const Result& result, bool hide);
   void Echo(std::optional<size_t> line, std::string_view shown);
   void Assign(const Statement& statement, std::optional<size_t> line, const std::string& value,
@@ -72,6 +73,7 @@ class Session {
   Secrets& secrets_;
   Trace& trace_;
   Settings settings_;
+  std::optional<Response> response_;  // to the command that stands directly above
   size_t commands_ = 0;
   size_t expectations_ = 0;
 };

@@ -1,5 +1,6 @@
 #include "host/statement.h"
 
+#include "host/expectation.h"
 #include "host/failure.h"
 #include "host/text.h"
 
@@ -77,6 +78,15 @@ void CheckComments(std::string_view text, const std::vector<Word>& words) {
         before == WordKind::kLiteral || before == WordKind::kVariable || before == WordKind::kClose;
     if (depth > 0 || !mark || !behind || words[at + 1].kind != WordKind::kLiteral) continue;
     throw Malformed("a comment needs a line of its own" + MarkedAt(text, word.begin));
+  }
+}
+
+// Behind a statement no host takes an expectation for a comment, or one for the host hides it.
+void CheckExpectations(std::string_view text) {
+  for (size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1)) {
+    if (!FindExpectation(text.substr(at))) continue;
+    throw Malformed("an expectation needs a line of its own, below the command" +
+                    MarkedAt(text, at));
   }
 }
 
@@ -220,12 +230,18 @@ Statement ReadStatement(std::string_view line) {
   Statement statement;
   statement.text = line;
   if (line.find('\0') != line.npos) throw Malformed("the line holds a zero byte");
+  if (const std::optional<size_t> pattern = FindExpectation(line)) {
+    ReadExpectation(line, *pattern);
+    statement.form = Form::kExpectation;
+    return statement;
+  }
   const size_t first = line.find_first_not_of(" \t");
   if (first == line.npos || line[first] == '/' || line[first] == ';') return statement;
   if (const std::string_view begin = line.substr(first, 1); begin.find_first_of("(),") == 0) {
     throw Malformed("a statement can't begin with \"" + std::string(begin) + "\"");
   }
   statement.words = Split(line);
+  if (line[first] != '$') CheckExpectations(line);
   CheckComments(line, statement.words);
   JoinLiterals(statement.words);
   statement.form = FormOf(statement.words);

@@ -32,8 +32,9 @@ struct Invocation {
 };
 
 enum class Form {
-  kNothing,  // a comment, or nothing but blanks
-  kHeading,  // begins with $
+  kNothing,      // a comment, or nothing but blanks
+  kHeading,      // begins with $
+  kExpectation,  // a comment that says what a command should bring
   kAssignment,
   kExpression,
 };
@@ -50,6 +51,8 @@ struct Statement {
   size_t end = 0;    // index behind the last word that is evaluated; a comment may stand there
   std::vector<Invocation> invocations;  // an inner one stands before the outer one
 
+  // True for what the library's language has nothing to do with.
+  bool IsComment() const { return form == Form::kNothing || form == Form::kExpectation; }
   // Words as they were typed.
   std::string_view Source(Words range) const;
   // A word without the blanks in it.

@@ -123,10 +123,10 @@ void Trace::Response(const host::Response& response, std::string_view note) {
   if (!note.empty()) Detail(Colour::kPlain, "", "      " + Paint(Colour::kYellow, note));
 }
 
-void Trace::Expectation(std::string_view left, std::string_view right, bool equal, bool held) {
-  const std::string text = Printable(left) + (equal ? " = " : " is not ") + Printable(right);
+void Trace::Judgement(std::string_view text, bool held) {
+  const std::string shown = Printable(text);
   Detail(held ? Colour::kGreen : Colour::kAlarm, held ? "ok" : "FAIL",
-         held ? text : Paint(Colour::kAlarm, text));
+         held ? shown : Paint(Colour::kAlarm, shown));
 }
 
 void Trace::Summary(size_t commands, size_t expectations, bool done) {

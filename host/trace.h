@@ -22,17 +22,21 @@ class Trace {
 
   // A stream without a buffer shows nothing. What is shown may wait in the stream up to Flush.
   Trace(std::ostream& out, Settings settings) : out_(out), settings_(settings) {}
+  virtual ~Trace() = default;
+  Trace(const Trace&) = delete;
+  Trace& operator=(const Trace&) = delete;
 
-  void Reader(const std::string& reader, bool simulated);
+  virtual void Reader(const std::string& reader, bool simulated);
   void Heading(std::string_view text);
   // With its line number where it has one.
-  void Statement(std::optional<size_t> line, std::string_view statement);
-  void Value(std::string_view value);
-  void Atr(std::string_view digits);  // nothing for a reader without one
+  virtual void Statement(std::optional<size_t> line, std::string_view statement);
+  virtual void Value(std::string_view value);
+  virtual void Atr(std::string_view digits);  // nothing for a reader without one
   void Command(const CardCommand& command, bool hideData);
   // A note stands below the status word.
   void Response(const host::Response& response, std::string_view note);
-  void Expectation(std::string_view left, std::string_view right, bool equal, bool held);
+  // Whether an expectation held, and what it compared.
+  virtual void Judgement(std::string_view text, bool held);
   void Summary(size_t commands, size_t expectations, bool done);  // flushes
   void Flush() { out_.flush(); }
 

@@ -19,11 +19,10 @@ std::string Fault(const std::string& text) {
 }
 
 std::string Parting(const std::string& expectation, const host::Response& response) {
-  const auto value = [](const std::string& name) {
-    return std::string(name == "%AID" ? "f0 4f52" : name == "%WORD" ? "9000" : "123");
-  };
+  const std::map<std::string, std::string> values = {
+      {"%AID", "f0 4f52"}, {"%WORD", "9000"}, {"%ODD", "123"}};
   try {
-    return PartingFrom(ReadExpectation(expectation), response, value);
+    return PartingFrom(ReadExpectation(expectation), response, values);
   } catch (const host::Failure& failure) {
     return failure.what();
   }

@@ -132,6 +132,30 @@ TEST_F(Program, StopsAtAnExpectationThatDoesNotHold) {
   });
 }
 
+TEST_F(Program, HoldsTheCardToWhatStandsBelowACommand) {
+  const std::string unable = "an expectation stands below the command that it is about\n";
+  const std::string behind = "an expectation needs a line of its own, below the command\n  ";
+  ExpectRows({
+      {"", "%A = 3f\n00A40000\n; a comment\n\n;expect 6f .. 83 02 %A 00 9000\n; expect 9000\n", 0,
+       "", "   5  ;expect 6f .. 83 02 %A 00 9000\n      ok   as expected\n|2 expectations met\n"},
+      {"", "00A40000021234\n; expect 9000 or 63CX\n00840000\n", 1,
+       "script:2: not as expected: ; expect 9000 or 63CX\n  expected  90 00\n"
+       "  came      6A 82   file or application not found\n            ^^ ^^\n",
+       "FAIL not as expected\n\nfailed  1 command"},
+      {"", "%PIN = 31\n00A40000\n; expect %PIN 07 9000\n", 1,
+       "script:3: not as expected: ; expect %PIN **\n"
+       "  where they part is a secret, and shown with --show-secrets\n",
+       "; expect %PIN **\n"},
+      {"", "; expect 9000\n00A40000\n", 3, "script:1: " + unable, ""},
+      {"", "00A40000\n%A = 1\n; expect 9000\n", 3, "script:3: " + unable, ""},
+      {"", "00A40000\n@compare(1,1,1) ; expect 9000\n", 3,
+       "script:2: " + behind + "@compare(1,1,1) ; expect 9000\n                  ^\n", ""},
+      {"", "%A = 00A40000;expect 9000\n", 3,
+       "script:1: " + behind + "%A = 00A40000;expect 9000\n               ^\n", ""},
+      {"-q", "00A40000\n; expect %U 9000\n", 3, "script:2: undefined variable %U\n", ""},
+  });
+}
+
 TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
   const std::string undefined = "script:1: undefined variable %U\n";
   const std::string longPart = "%A = " + std::string(4096, '0') + "\n";
