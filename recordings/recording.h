@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <istream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "recordings/event.h"
+
+namespace recordings {
+
+// Why a file can't be read as a recording. Line 0 stands for the file.
+class Fault : public std::runtime_error {
+ public:
+  Fault(size_t line, const std::string& message) : std::runtime_error(message), line_(line) {}
+  size_t Line() const { return line_; }
+
+ private:
+  size_t line_;
+};
+
+struct RecordedEvent : Event {
+  size_t line = 0;  // counted from 1
+};
+
+struct Recording {
+  std::vector<RecordedEvent> events;  // of the types that are known
+  size_t cutLine = 0;                 // the last one, where it is cut off and so passed over
+};
+
+// Throws Fault.
+Recording ReadRecording(const std::filesystem::path& file);
+Recording ReadRecording(std::istream& in);
+
+// True if the command, as upper-case digits, is the recorded one as far as that is shown.
+bool Matches(const Event& exchange, std::string_view command);
+
+}  // namespace recordings
