@@ -12,11 +12,13 @@ include(CMakePackageConfigHelpers)
 if(WIN32)
   set(module_prefix "")
   set(simulators_folder simulators)
+  set(recorder_folder recorder)
   set(package_folder cmake)
   set(pkgconfig_folder pkgconfig)
 else()
   set(module_prefix lib)
   set(simulators_folder lib/orvane/simulators)
+  set(recorder_folder lib/orvane/recorder)
   set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Orvane)
   set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endif()
@@ -39,7 +41,8 @@ endfunction()
 # Folders that an installation makes are open to everybody, whatever the umask; others stay as they
 # are.
 set(folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_INCLUDEDIR}/orvane
-    ${CMAKE_INSTALL_DOCDIR} ${simulators_folder}/wd ${package_folder} ${pkgconfig_folder})
+    ${CMAKE_INSTALL_DOCDIR} ${simulators_folder}/wd ${recorder_folder} ${package_folder}
+    ${pkgconfig_folder})
 install(CODE "set(folders \"${folders}\")" ALL_COMPONENTS)
 install(CODE [[
   set(new_folders)
@@ -66,9 +69,12 @@ if(ORVANE_TOOLS)
     INSTALL_RPATH "$ORIGIN;$ORIGIN/${libraries}" BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS orvane_host COMPONENT program)
   relative_path(simulators ${CMAKE_INSTALL_BINDIR} ${simulators_folder})
+  relative_path(recorder ${CMAKE_INSTALL_BINDIR} ${recorder_folder})
+  install_modules(program ${recorder_folder} recorder)
   relative_path(documents ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_DOCDIR})
   target_compile_definitions(orvane_host_parts PRIVATE
-    "INSTALLED_SIMULATORS=\"${simulators}\"" "INSTALLED_EXAMPLES=\"${documents}/examples\"")
+    "INSTALLED_SIMULATORS=\"${simulators}\"" "INSTALLED_RECORDER=\"${recorder}\""
+    "INSTALLED_EXAMPLES=\"${documents}/examples\"")
 
   # WD's simulator in a folder of its own: beside the library it would stand in the place of the
   # vendor's, which the library takes from there and from nowhere else.

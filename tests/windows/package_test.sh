@@ -24,7 +24,7 @@ while read -r file; do [ -e "$file" ] || fail "the package lacks $file"; done <<
 
 # Nothing but the library itself and what every Windows has is asked for; only C names are offered;
 # no code runs from the stack or at an address that is known before.
-for module in *.dll *.exe simulators/*.dll simulators/wd/*.dll; do
+for module in *.dll *.exe simulators/*.dll simulators/wd/*.dll recorder/*.dll; do
   tables=$(x86_64-w64-mingw32-objdump -p "$module")
   strangers=$(grep 'DLL Name' <<<"$tables" |
     grep -v -i -x -E '\s*DLL Name: (kernel32|msvcrt|ws2_32|advapi32|user32|orvane)\.dll' || true)
