@@ -1,6 +1,5 @@
 #include "tags/tag_dictionary.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -18,14 +17,32 @@ unsigned char Upper(char c) {
   return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
 }
 
-bool IsSameInAnyCase(const char* left, const char* right) {
+// The entry of the first record whose tag equals this one; none if there is none.
+template <typename Index, typename Equal>
+auto FindFirst(Index& index, const char* tag, Equal isEqual) {
+  auto first = index.end();
+  const auto [begin, end] = index.equal_range(tag);
+  for (auto entry = begin; entry != end; ++entry) {
+    if (!isEqual(entry->first, tag)) continue;
+    if (first == index.end() || entry->second.number < first->second.number) first = entry;
+  }
+  return first;
+}
+
+}  // namespace
+
+std::size_t TagDictionary::AnyCase::operator()(const char* tag) const {
+  std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
+  for (; *tag != '\0'; ++tag) hash = (hash ^ Upper(*tag)) * 0x100000001B3;
+  return static_cast<std::size_t>(hash);
+}
+
+bool TagDictionary::AnyCase::operator()(const char* left, const char* right) const {
   for (; Upper(*left) == Upper(*right); ++left, ++right) {
     if (*left == '\0') return true;
   }
   return false;
 }
-
-}  // namespace
 
 bool TagDictionary::Load() {
   if (loaded_) return true;
@@ -33,6 +50,12 @@ bool TagDictionary::Load() {
   if (!file) return true;
   std::list<PackedRecord> records = ReadRecords(file);
   if (file.Failed()) return false;
+  Index index = index_;
+  index.reserve(index.size() + records.size());
+  for (auto record = records.begin(); record != records.end(); ++record) {
+    index.emplace(record->Tag(), Place{record, appended_++});
+  }
+  index_.swap(index);
   records_.splice(records_.end(), records);
   loaded_ = true;
   return true;
@@ -53,34 +76,38 @@ std::int32_t TagDictionary::Copy(TagdictData* records) const {
 }
 
 const PackedRecord* TagDictionary::Find(const char* tag) const {
-  for (const PackedRecord& record : records_) {
-    if (IsSameInAnyCase(record.Tag(), tag)) return &record;
-  }
-  return nullptr;
+  const auto found = FindFirst(index_, tag, AnyCase());
+  return found != index_.end() ? &*found->second.record : nullptr;
 }
 
-bool TagDictionary::Add(const TagdictData& record) {
-  std::list added = {PackedRecord(record)};
-  if (Find(added.front().Tag()) != nullptr) return false;
-  records_.splice(records_.end(), added);
-  return true;
-}
+bool TagDictionary::Add(const TagdictData& record) { return Append(record, false); }
+
+bool TagDictionary::Update(const TagdictData& record) { return Append(record, true); }
 
 bool TagDictionary::Delete(const char* tag) {
-  const auto found = std::find_if(
-      records_.begin(), records_.end(),
-      [tag](const PackedRecord& record) { return std::strcmp(record.Tag(), tag) == 0; });
-  if (found == records_.end()) return false;
-  records_.erase(found);
+  const auto isEqual = [](const char* left, const char* right) {
+    return std::strcmp(left, right) == 0;
+  };
+  const auto found = FindFirst(index_, tag, isEqual);
+  if (found == index_.end()) return false;
+  const auto record = found->second.record;
+  index_.erase(found);
+  records_.erase(record);
   return true;
 }
 
-bool TagDictionary::Update(const TagdictData& record) {
-  std::list added = {PackedRecord(record)};  // before anything is deleted: this alone can fail
+bool TagDictionary::Append(const TagdictData& record, bool replace) {
+  // All that can fail comes before anything is deleted.
+  std::list added = {PackedRecord(record)};
   const char* const tag = added.front().Tag();
-  Delete(tag);
+  Index entry;
+  entry.emplace(tag, Place{added.begin(), appended_});
+  index_.reserve(index_.size() + 1);
+  if (replace) Delete(tag);
   if (Find(tag) != nullptr) return false;
+  index_.insert(entry.extract(entry.begin()));
   records_.splice(records_.end(), added);
+  ++appended_;
   return true;
 }
 

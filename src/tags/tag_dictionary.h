@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
+#include <unordered_map>
 
 #include "orvane.h"
 #include "tags/packed_record.h"
@@ -35,7 +37,24 @@ class TagDictionary {
   bool Update(const TagdictData& record);
 
  private:
+  // Where a record stands, and how many were appended before it.
+  struct Place {
+    std::list<PackedRecord>::iterator record;
+    std::uint64_t number;
+  };
+  // The hash of a tag, and whether two are equal, with letters in either case.
+  struct AnyCase {
+    std::size_t operator()(const char* tag) const;
+    bool operator()(const char* left, const char* right) const;
+  };
+  // By the tags that the records hold.
+  using Index = std::unordered_multimap<const char*, Place, AnyCase, AnyCase>;
+
+  bool Append(const TagdictData& record, bool replace);
+
   std::list<PackedRecord> records_;
+  Index index_;
+  std::uint64_t appended_ = 0;
   bool loaded_ = false;
 };
 
