@@ -5,6 +5,7 @@
 #include <exception>
 #include <iostream>
 
+#include "host/decode/decode.h"
 #include "host/definitions.h"
 #include "host/failure.h"
 #include "host/options.h"
@@ -107,11 +108,20 @@ void ShowReaders(const Options& options) {
   PrintReaders(std::cout, options.listedKind, options.ports);
 }
 
-void ShowTlv(const Options& options) {
+// The arguments one behind the other or, if there is none, standard input.
+std::string DataOf(const Options& options) {
   std::string text;
   for (const std::string& part : options.data) text += part;
-  if (options.data.empty()) text = TextInput("-").Rest();
-  PrintTlv(std::cout, text);
+  return options.data.empty() ? TextInput("-").Rest() : text;
+}
+
+void ShowDecoded(const Options& options) {
+  const std::string data = DataOf(options);
+  if (options.decodedKind == "tlv") {
+    PrintTlv(std::cout, data);
+  } else {
+    PrintDecoded(std::cout, options.decodedKind, data);
+  }
 }
 
 void EditTags(const CLI::App& tags, const Options& options) {
@@ -130,7 +140,8 @@ int Carry(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("apdu")) SendCommands(options);
   if (app.got_subcommand("shell")) return StartShell(options);
   if (app.got_subcommand("readers")) ShowReaders(options);
-  if (app.got_subcommand("tlv")) ShowTlv(options);
+  if (app.got_subcommand("tlv")) PrintTlv(std::cout, DataOf(options));
+  if (app.got_subcommand("decode")) ShowDecoded(options);
   if (app.got_subcommand("tags")) EditTags(*app.get_subcommand("tags"), options);
   return kDone;
 }

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/decode/decode.h"
 #include "host/definitions.h"
 #include "host/expectation.h"
 #include "host/failure.h"
@@ -50,12 +51,13 @@ Secrets
   are passed over.
 
 Tags
-  Names of tags come from the file dictdata.bin in the current directory.
+  Names of tags come from the file dictdata.bin in the current directory, and where it has
+  none from the program's own list: ISO/IEC 7816, EMV and GlobalPlatform.
   orvane tags import examples/tags.txt fills it.
 
 Exit codes
   0  done
-  1  an expectation (@compare) did not hold, or the dictionary has no such tag
+  1  an expectation (@compare) did not hold, or there is no such tag
   2  the command line is wrong
   3  the script or the data is wrong: an undefined variable, a command that is not
      hexadecimal, BER-TLV data that is cut, ...
@@ -207,6 +209,16 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(shell, options);
   AddTlv(shell, options);
 
+  std::vector<std::string> kinds = DecodedKinds();
+  kinds.emplace_back("tlv");
+  CLI::App& decode = *app.add_subcommand("decode", "Show what data of a card says, field by field");
+  decode
+      .add_option("WHAT", options.decodedKind,
+                  "atr, dol, afl, aip, tvr, cvm (a list of verification methods), sw, apdu or tlv")
+      ->required()
+      ->check(CLI::IsMember(kinds));
+  decode.add_option("HEX", options.data, "The data; if there is none, standard input");
+
   CLI::App& tlv = *app.add_subcommand("tlv", "Show BER-TLV data as a tree");
   tlv.add_option("HEX", options.data, "The data; if there is none, standard input");
 
@@ -227,7 +239,8 @@ void DescribeOptions(CLI::App& app, Options& options) {
 }
 
 void CheckArguments(const std::vector<std::string>& arguments) {
-  const bool octets = !arguments.empty() && (arguments[0] == "apdu" || arguments[0] == "tlv");
+  const bool octets = !arguments.empty() &&
+                      (arguments[0] == "apdu" || arguments[0] == "decode" || arguments[0] == "tlv");
   for (const std::string& each : arguments) {
     if (octets && each.starts_with('[') && each.ends_with(']')) {
       throw Failure(kScriptFault, "'[' is no hexadecimal digit");

@@ -17,7 +17,8 @@ struct Options {
   std::string file;                   // run
   std::vector<std::string> commands;  // apdu
   std::string expected;               // apdu; a pattern, empty for none
-  std::vector<std::string> data;      // tlv
+  std::string decodedKind;            // decode
+  std::vector<std::string> data;      // decode, tlv
   TagEntry entry;                     // tags find, add, remove
   std::string tagList;                // tags import
   bool replace = false;               // tags add

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/decode/decode.h"
 #include "host/decode/tag_list.h"
 #include "host/failure.h"
 #include "host/text.h"
@@ -28,6 +29,9 @@ std::vector<std::string> TlvLines(const TlvElement& element) {
     std::string octets = SpacedOctets(UpperCase(row));
     octets.resize(3 * kRowOctets + 1, ' ');
     lines.push_back(indent + "    " + octets + AsCharacters(row));
+  }
+  for (const std::string& line : ValueLines(element.tag, element.parent, element.value)) {
+    lines.push_back(indent + "    " + line);
   }
   return lines;
 }
