@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "host/expectation.h"
+#include "host/operands.h"
 #include "host/text_input.h"
 
 namespace host {
@@ -42,12 +43,29 @@ void Script::ForEach(const std::function<bool(const Statement&, size_t line)>& v
   }
 }
 
+namespace {
+
+bool IsSound(const Statement& statement) {
+  try {
+    CheckLiterals(statement, true);
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
+}  // namespace
+
 void LookAtScript(const Script& script, Session& session) {
   session.StartOver();
+  bool sound = true;
   script.ForEach([&](const Statement& statement, size_t) {
     session.Learn(statement);
+    sound = sound && IsSound(statement);
     return true;
   });
+  if (sound) return;
+  // What the message has to hide is known now.
   size_t assignments = 0;
   script.ForEach([&](const Statement& statement, size_t) {
     session.LookAt(statement, assignments);

@@ -148,20 +148,18 @@ Secrets::Known Secrets::Foresee(const Statement& statement, size_t first, When w
     const Word& word = statement.words[known.end];
     if (word.kind == WordKind::kComma || word.kind == WordKind::kClose) break;
     const bool literal = word.kind == WordKind::kLiteral;
-    const Number value = word.kind == WordKind::kVariable
-                             ? ValueOf(statement.Source({known.end, known.end}), when)
-                             : kNone;
-    const std::string text = literal ? UpperCase(statement.TextOf(word)) : "";
-    if (known.beginning.size() == known.length) {
-      known.beginning += value != kNone ? std::string_view(values_[value].beginning) : text;
-    }
+    const std::string_view source = statement.Source({known.end, known.end});
+    const Number number = word.kind == WordKind::kVariable ? ValueOf(source, when) : kNone;
+    const Value value = literal           ? Exact(source, " \t")
+                        : number != kNone ? values_[number]
+                                          : Value();
+    if (known.beginning.size() == known.length) known.beginning += value.beginning;
     known.beginning.resize(std::min(known.beginning.size(), kForeseen));
-    const bool whole = literal || (value != kNone && values_[value].length != kNone);
-    if (!whole) {
+    if (value.length == kNone) {
       known.length = kNone;
       break;
     }
-    known.length += literal ? static_cast<Number>(text.size()) : values_[value].length;
+    known.length += value.length;
     if (known.length <= kHeaderDigits) known.data = known.end + 1;
   }
   return known;
@@ -295,11 +293,17 @@ bool Secrets::BeginsAsSecret(std::string_view value) {
   return CarriesSecretData(exact.beginning, exact.length, false);
 }
 
-Secrets::Value Secrets::Exact(std::string_view text) {
-  const std::string digits = UpperCase(WithoutBlanks(text));
+Secrets::Value Secrets::Exact(std::string_view text, std::string_view blanks) {
+  std::array<char, kForeseen> digits;
   Value value;
-  value.beginning = Beginning(digits);
-  value.length = static_cast<Number>(digits.size());
+  value.length = 0;
+  for (const char c : text) {
+    if (blanks.find(c) != blanks.npos) continue;
+    if (value.length < digits.size()) digits[value.length] = c;
+    ++value.length;
+  }
+  const size_t known = std::min<size_t>(value.length, digits.size());
+  value.beginning = Beginning(UpperCase({digits.data(), known}));
   return value;
 }
 

@@ -64,19 +64,23 @@ void CheckComments(std::string_view text, const std::vector<Word>& words) {
   const auto textOf = [&](const Word& word) {
     return text.substr(word.begin, word.end - word.begin);
   };
-  const Builtin* const first = FindBuiltin(textOf(words[0]));
-  if (words[0].kind == WordKind::kDollar || (first != nullptr && first->forHost)) return;
+  if (words[0].kind == WordKind::kDollar) return;
+  if (words[0].kind == WordKind::kBuiltin) {
+    const Builtin* const first = FindBuiltin(textOf(words[0]));
+    if (first != nullptr && first->forHost) return;
+  }
   size_t depth = 0;
   for (size_t at = 1; at + 1 < words.size(); ++at) {
     const Word& word = words[at];
     if (word.kind == WordKind::kOpen) ++depth;
     if (word.kind == WordKind::kClose && depth > 0) --depth;
+    if (depth > 0 || word.kind != WordKind::kLiteral) continue;
     const std::string_view typed = textOf(word);
     const bool mark = typed == ";" || typed == "//" || typed == "#";
     const WordKind before = words[at - 1].kind;
     const bool behind =
         before == WordKind::kLiteral || before == WordKind::kVariable || before == WordKind::kClose;
-    if (depth > 0 || !mark || !behind || words[at + 1].kind != WordKind::kLiteral) continue;
+    if (!mark || !behind || words[at + 1].kind != WordKind::kLiteral) continue;
     throw Malformed("a comment needs a line of its own" + MarkedAt(text, word.begin));
   }
 }
