@@ -150,9 +150,7 @@ Secrets::Known Secrets::Foresee(const Statement& statement, size_t first, When w
     const bool literal = word.kind == WordKind::kLiteral;
     const std::string_view source = statement.Source({known.end, known.end});
     const Number number = word.kind == WordKind::kVariable ? ValueOf(source, when) : kNone;
-    const Value value = literal           ? Exact(source, " \t")
-                        : number != kNone ? values_[number]
-                                          : Value();
+    const Value value = literal ? Exact(source, true) : number != kNone ? values_[number] : Value();
     if (known.beginning.size() == known.length) known.beginning += value.beginning;
     known.beginning.resize(std::min(known.beginning.size(), kForeseen));
     if (value.length == kNone) {
@@ -293,12 +291,12 @@ bool Secrets::BeginsAsSecret(std::string_view value) {
   return CarriesSecretData(exact.beginning, exact.length, false);
 }
 
-Secrets::Value Secrets::Exact(std::string_view text, std::string_view blanks) {
+Secrets::Value Secrets::Exact(std::string_view text, bool skipsTabs) {
   std::array<char, kForeseen> digits;
   Value value;
   value.length = 0;
   for (const char c : text) {
-    if (blanks.find(c) != blanks.npos) continue;
+    if (c == ' ' || (c == '\t' && skipsTabs)) continue;
     if (value.length < digits.size()) digits[value.length] = c;
     ++value.length;
   }

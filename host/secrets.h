@@ -85,7 +85,7 @@ class Secrets {
   struct Known;
   enum class When { kNow, kAhead };
 
-  static Value Exact(std::string_view text, std::string_view blanks = " ");
+  static Value Exact(std::string_view text, bool skipsTabs = false);
   Number ValueOf(std::string_view name, When when) const;
   Known Foresee(const Statement& statement, size_t first, When when) const;
   bool IsSecret(std::string_view name) const;

@@ -45,13 +45,22 @@ std::vector<Word> Split(std::string_view text) {
     begin = end;
   };
   for (size_t at = 0; at < text.size(); ++at) {
-    const char c = text[at];
-    const bool blank = c == ' ' || c == '\t';
-    // Only the first = of a statement separates, and only behind a single word.
-    const bool separator = c == '(' || c == ')' || c == ',' || (c == '=' && words.size() <= 1);
-    if (blank || separator) add(at);
-    if (separator) add(at + 1);
-    if (blank) begin = at + 1;
+    switch (text[at]) {
+      case '=':  // only the first one of a statement separates, and only behind a single word
+        if (words.size() > 1) break;
+        [[fallthrough]];
+      case '(':
+      case ')':
+      case ',':
+        add(at);
+        add(at + 1);
+        break;
+      case ' ':
+      case '\t':
+        add(at);
+        begin = at + 1;
+        break;
+    }
   }
   add(text.size());
   return words;

@@ -66,16 +66,17 @@ std::string WithoutBlanks(std::string_view text) {
 
 std::string Printable(std::string_view text) {
   std::string shown;
+  size_t begin = 0;  // of what is not copied yet
   for (size_t at = 0; at < text.size();) {
-    const size_t length = PrintableLength(text.substr(at));
-    if (length == 0) {
-      shown += "\\x" + HexOctet(text[at++]);
-      continue;
-    }
-    shown += text.substr(at, length);
-    at += length;
+    const bool plain = text[at] >= ' ' && text[at] <= '~';
+    const size_t length = plain ? 1 : PrintableLength(text.substr(at));
+    at += std::max<size_t>(length, 1);
+    if (length > 0) continue;
+    shown += text.substr(begin, at - 1 - begin);
+    shown += "\\x" + HexOctet(text[at - 1]);
+    begin = at;
   }
-  return shown;
+  return shown += text.substr(begin);
 }
 
 std::string SpacedOctets(std::string_view digits) {
