@@ -1,0 +1,215 @@
+"""Readers, and what a card answers."""
+from __future__ import annotations
+
+import ctypes
+import enum
+import pathlib
+import warnings
+from dataclasses import dataclass
+from types import TracebackType
+from typing import Callable, List, Optional, Set, Type, Union
+
+from . import library
+from .conversions import to_hex, to_octets
+from .errors import DataError, ReaderError
+from .library import area, lock, native
+
+
+class ReaderKind(enum.IntEnum):
+    TY_USB = 1
+    TY_COM = 2
+    PCSC = 3
+    WD = 4
+    D8 = 5
+    FM8201 = 6
+    S5009 = 7
+    S5009_ATS = 8
+    TCP = 10
+    ICR = 11
+    BSIT = 12
+
+
+_KEEPS_STATUS_WORD = (ReaderKind.WD, ReaderKind.S5009, ReaderKind.S5009_ATS)
+_REPLIES_DATA = (ReaderKind.TY_USB, ReaderKind.TY_COM)
+
+
+def has_status_word(kind: int) -> bool:
+    """True for the kinds whose answers end in a status word."""
+    return kind not in (ReaderKind.FM8201, ReaderKind.TCP, ReaderKind.ICR)
+
+
+def longest_command(kind: int) -> int:
+    """The most octets of a command that go out to a reader of this kind."""
+    if kind in (ReaderKind.D8, ReaderKind.WD):
+        return 255
+    return 133 if kind in (ReaderKind.S5009, ReaderKind.S5009_ATS) else 4096
+
+
+def most_data(kind: int) -> int:
+    """The most octets of data that an answer brings in beside its status word."""
+    if kind in (ReaderKind.S5009, ReaderKind.S5009_ATS):
+        return 126
+    return 256 if kind in _REPLIES_DATA else 254
+
+
+@dataclass(frozen=True)
+class ReaderInfo:
+    kind: int
+    port: Optional[int]
+    name: str
+
+
+@dataclass(frozen=True)
+class Response:
+    """A card's answer. data is hexadecimal text; status_word four digits, empty where it isn't known
+    or the kind has none. ok: the exchange ended in 9000; on a kind without status word, it has worked.
+    Otherwise status_word is the answer's first two octets: the beginning of data, if there was any."""
+    data: str
+    status_word: str
+    ok: bool
+
+    @property
+    def octets(self) -> bytes:
+        return to_octets(self.data)
+
+    @staticmethod
+    def read(kind: int, result: int, text: str) -> Optional["Response"]:
+        """Sorts what SendCommand gave by the kind of the reader; none if there was no answer."""
+        if not has_status_word(kind):
+            return Response(text, "", True) if result else None
+        if not result:
+            # An answer that ends in 9000 does not fail: one that begins so must not look like success.
+            return Response("", "" if text == "9000" else text, False) if text else None
+        # What the kinds 1 and 2 replied is data in any case; the others give 9000 for none.
+        ends = (text.endswith("9000") if kind in _KEEPS_STATUS_WORD
+                else kind not in _REPLIES_DATA and text == "9000")
+        return Response(text[:-4] if ends else text, "9000", True)
+
+
+class Reader:
+    """One of the sixteen readers that a process can have open. Use it in a with statement, or close
+    it: one that is forgotten stays open."""
+
+    _taken: Set[int] = set()
+
+    def __init__(self, kind: ReaderKind, opening: Callable[[], int]) -> None:
+        """For open and open_port."""
+        self.kind = ReaderKind(kind)
+        self._number: Optional[int] = None
+        with lock:
+            free = [number for number in range(16) if number not in Reader._taken]
+            if not free:
+                raise ReaderError("sixteen readers are open")
+            native.SetReader(free[0])
+            if not opening():
+                raise ReaderError("the reader doesn't open")
+            self._number = free[0]
+            Reader._taken.add(free[0])
+
+    @staticmethod
+    def list(kind: ReaderKind, ports: int = 0) -> "List[ReaderInfo]":
+        """The readers of one kind. ports is how many to offer where ports can't be asked for."""
+        if not 0 <= ports <= 256:
+            raise DataError("a list has 0 to 256 ports")
+        records = (library.ReaderRecord * max(ports + 1, 64))()
+        with lock:
+            count = native.GetReaderList(kind, records, ports, len(records))
+        return [ReaderInfo(each.kind, each.port if each.has_port else None,
+                           library.decode_name(each.name)) for each in records[:count]]
+
+    @staticmethod
+    def open(kind: ReaderKind, name: str) -> "Reader":
+        """Opens by name, as list gives it; a payment HSM by its address."""
+        octets = library.encode_name(name)
+        return Reader(kind, lambda: int(native.OpenReaderA(octets, kind)))
+
+    @staticmethod
+    def open_port(kind: ReaderKind, port: int) -> "Reader":
+        """Opens by port."""
+        return Reader(kind, lambda: int(native.OpenReader(port, kind, 9600)))
+
+    @property
+    def is_open(self) -> bool:
+        return self._number is not None
+
+    def reset(self) -> str:
+        """Brings up the card and gives its ATR in hexadecimal, or what the kind gives instead. A card
+        in a PC/SC reader is not reset."""
+        atr = area(1025)
+        with lock:
+            self._select()
+            if not native.Reset(atr):
+                raise ReaderError("no answer to reset")
+        return atr.value.decode()
+
+    def choose_slot(self, slot: int) -> None:
+        """Chooses a card slot, 0 to 255; what a slot means is up to the kind."""
+        if not 0 <= slot <= 255:
+            raise DataError(f"there is no slot {slot}")
+        with lock:
+            self._select()
+            native.ChangeSlot(b"%02X" % slot)
+
+    def send(self, command: Union[str, bytes, bytearray]) -> Response:
+        """Sends a command: hexadecimal digits, between which blanks may stand, or octets. Raises
+        DataError, with nothing sent, for anything else, below four octets (but for kinds without
+        status word), and above what the reader takes. Where a payment HSM has not answered the reader
+        is closed, so that an answer that comes late is not taken for the next command's."""
+        octets = to_octets(command) if isinstance(command, str) else bytes(command)
+        answer = area(8193)
+        with lock:
+            self._select()
+            least, most = 4 if has_status_word(self.kind) else 1, longest_command(self.kind)
+            if not least <= len(octets) <= most:
+                raise DataError(f"a command of {len(octets)} octets: this reader takes {least} to {most}")
+            digits = to_hex(octets).encode()
+            result = native.SendCommand(digits, len(digits), answer)
+            response = Response.read(self.kind, result, answer.value.decode())
+            if response is None and self.kind == ReaderKind.TCP:
+                self._release()
+        if response is None:
+            raise ReaderError("no answer from the card or its reader")
+        return response
+
+    def close(self) -> None:
+        """Closes the reader, also where its library refuses: that is raised then. Closed already:
+        nothing."""
+        with lock:
+            if self.is_open and not self._release():
+                raise ReaderError("the reader's library refuses to close it")
+
+    def __enter__(self) -> "Reader":
+        return self
+
+    def __exit__(self, kind: Optional[Type[BaseException]], error: Optional[BaseException],
+                 trace: Optional[TracebackType]) -> None:
+        self.close()
+
+    # Closing here could come between two calls of another reader.
+    def __del__(self) -> None:
+        if getattr(self, "_number", None) is not None:
+            warnings.warn("a reader was not closed", ResourceWarning, source=self)
+
+    def _select(self) -> None:
+        if self._number is None:
+            raise ReaderError("the reader is closed")
+        native.SetReader(self._number)
+
+    def _release(self) -> bool:
+        self._select()
+        Reader._taken.discard(self._number)  # type: ignore[arg-type]
+        self._number = None
+        return bool(native.CloseReader())
+
+
+_simulators: List[object] = []
+
+
+def load_simulators(folder: Union[str, pathlib.Path, None] = None) -> None:
+    """Puts the simulators of the package, or of a folder, into the places of the vendors' libraries,
+    for the rest of the process. Call it before a reader is listed or opened."""
+    folder = pathlib.Path(folder) if folder else library.FOLDER / "simulators"
+    modules = sorted(folder.glob("*.dll" if library.WINDOWS else "*.so"))
+    if not modules:
+        raise ReaderError(f"there are no simulators in {folder}")
+    _simulators.extend(ctypes.CDLL(str(module)) for module in modules)
