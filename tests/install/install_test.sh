@@ -100,7 +100,13 @@ case $name in
     ;;
   python)
     need python3
-    python3 "$examples/python/exchange.py" "$script" "$prefix" | same
+    wheel=$("$root/script/package" python "$build")
+    # The Python that has pytest may not be the first one.
+    python=$(for each in python3 /usr/bin/python3; do "$each" -c 'import pytest' 2>/dev/null && echo $each && break; done)
+    "$python" -m venv --system-site-packages venv >log || fail "$(cat log)"
+    venv/bin/pip install -q --no-index "$wheel" >log 2>&1 || fail "$(cat log)"
+    venv/bin/python -m pytest -q -p no:cacheprovider "$root/tests/bindings/python_test.py" >log || fail "$(cat log)"
+    venv/bin/python "$examples/python/exchange.py" "$script" | same
     ;;
   node)
     need node npm
