@@ -1,30 +1,35 @@
+#include <type_traits>
+
 #include "commands/crypto_provider_table.h"
 #include "platform/library.h"
 
 namespace orvane {
 namespace {
 
-#define ENTRY(name) ORVANE_ENTRY_POINT(CryptoProvider, name)
+struct CryptoModule : platform::Library {
+  CryptoModule() : Library("orvane_crypto.dll", platform::LoadOwnModule) {}
 
-constexpr platform::EntryPoint kEntryPoints[] = {
-    ENTRY(CryptoHash),   ENTRY(CryptoBlockFlagged), ENTRY(CryptoBlockDefault),
-    ENTRY(CryptoSubKey), ENTRY(CryptoMac),          ENTRY(CryptoRsaPublic),
-};
+  template <typename Entry>
+  using Function = EntryPoint<std::remove_pointer_t<Entry>>;
 
-#undef ENTRY
-
-struct ProviderTable : CryptoProvider {
-  static constexpr char kFileName[] = "orvane_crypto.dll";
-  static std::span<const platform::EntryPoint> EntryPoints() { return kEntryPoints; }
+  Function<CryptoHashEntry> CryptoHash{*this, "CryptoHash"};
+  Function<CryptoBlockEntry> CryptoBlockFlagged{*this, "CryptoBlockFlagged"};
+  Function<CryptoBlockEntry> CryptoBlockDefault{*this, "CryptoBlockDefault"};
+  Function<CryptoSubKeyEntry> CryptoSubKey{*this, "CryptoSubKey"};
+  Function<CryptoMacEntry> CryptoMac{*this, "CryptoMac"};
+  Function<CryptoRsaPublicEntry> CryptoRsaPublic{*this, "CryptoRsaPublic"};
 };
 
 }  // namespace
 
 const CryptoProvider& BoundCryptoProvider() {
   // Never released, like everything that lives as long as the process.
-  static auto& provider = *new platform::Library<ProviderTable>;
-  provider.Bind(platform::LoadOwnModule);
-  return *provider;
+  static auto& module = *new CryptoModule;
+  module.Bind();
+  static CryptoProvider provider;
+  provider = {module.CryptoHash,   module.CryptoBlockFlagged, module.CryptoBlockDefault,
+              module.CryptoSubKey, module.CryptoMac,          module.CryptoRsaPublic};
+  return provider;
 }
 
 }  // namespace orvane

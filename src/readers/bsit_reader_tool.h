@@ -45,7 +45,7 @@ class CBSITReaderTool final : public CReaderToolBase {
  private:
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
-  platform::Library<BsitEntryPoints> m_bsit;
+  platform::TableLibrary<BsitEntryPoints> m_bsit;
 };
 
 }  // namespace orvane

@@ -55,7 +55,7 @@ class CD8ReaderTool final : public CReaderToolBase {
   bool Succeeded(std::int16_t result);
   bool ResetContactless(std::uint8_t& length, char* text);
 
-  platform::Library<D8EntryPoints> m_dcrf32;
+  platform::TableLibrary<D8EntryPoints> m_dcrf32;
 };
 
 }  // namespace orvane

@@ -42,7 +42,7 @@ class CICRTool final : public CReaderToolBase {
 
   std::int32_t m_nIcrPort = 0;
   std::int32_t m_nIfOpen = 0;
-  platform::Library<IcrEntryPoints> m_sdtapi;
+  platform::TableLibrary<IcrEntryPoints> m_sdtapi;
 };
 
 }  // namespace orvane

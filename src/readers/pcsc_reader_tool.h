@@ -68,7 +68,7 @@ class CPCSCReaderTool final : public CReaderToolBase {
   bool CardIsPresent();
 
   CardHandle m_card;  // m_nHandle is its low half
-  platform::Library<PcscEntryPoints> m_winscard;
+  platform::TableLibrary<PcscEntryPoints> m_winscard;
 };
 
 }  // namespace orvane

@@ -53,7 +53,7 @@ class CS5009ReaderTool final : public CReaderToolBase {
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
   std::int32_t m_nUseAts = 0;  // 1 makes ResetCard ask for the ATS
-  platform::Library<S5009EntryPoints> m_s5009;
+  platform::TableLibrary<S5009EntryPoints> m_s5009;
 };
 
 }  // namespace orvane

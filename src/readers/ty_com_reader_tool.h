@@ -42,7 +42,7 @@ class CTYCOMReaderTool final : public CReaderToolBase {
  private:
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
-  platform::Library<TyComEntryPoints> m_tyreader;
+  platform::TableLibrary<TyComEntryPoints> m_tyreader;
 };
 
 }  // namespace orvane

@@ -48,7 +48,7 @@ class CTYUSBReaderTool final : public CReaderToolBase {
  private:
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
-  platform::Library<TyUsbEntryPoints> m_tykeyint;
+  platform::TableLibrary<TyUsbEntryPoints> m_tykeyint;
 };
 
 }  // namespace orvane

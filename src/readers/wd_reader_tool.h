@@ -41,7 +41,7 @@ class CWDReaderTool final : public CReaderToolBase {
  private:
   bool Exchange(const std::uint8_t* command, std::uint32_t length, Reply& reply) override;
 
-  platform::Library<WdEntryPoints> m_wdcrwx;
+  platform::TableLibrary<WdEntryPoints> m_wdcrwx;
 };
 
 }  // namespace orvane
