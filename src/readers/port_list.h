@@ -1,33 +1,3 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-
-#include "orvane.h"
-
-namespace orvane {
-
-// How a driver that cannot enumerate lists its ports.
-struct PortListing {
-  std::int32_t kind;
-  std::string (*name)(std::int32_t port);
-  std::int32_t most;         // no more records than this; 0 for no such bound
-  bool honoursMax;           // whether the host's max counts too
-  std::int32_t usbPort = 0;  // the port of one more record behind the others; 0 for none
-  const char* usbName = nullptr;
-};
-
-// Writes one record per port from 1 up to count, within the listing's bounds, and gives the
-// number of records.
-std::int32_t ListPorts(const PortListing& listing, ReaderInfo* list, std::int32_t count,
-                       std::int32_t max);
-
-// Writes one record; a name that is too long is cut.
-void WriteRecord(ReaderInfo& record, std::int32_t kind, bool hasPort, std::int32_t port,
-                 std::string_view name);
-
-// "COM" and the port.
-std::string ComName(std::int32_t port);
-
-}  // namespace orvane
+#include "readers/ports.h"

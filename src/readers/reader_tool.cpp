@@ -1,20 +1,8 @@
 #include "readers/reader_tool.h"
 
-#include "platform/foreign_call.h"
 #include "readers/tool_selection.h"
 
 namespace orvane {
-namespace {
-
-template <typename Operation>
-std::int32_t Guarded(Operation operation) try {
-  return platform::CallForeign(operation);
-} catch (...) {
-  return 0;
-}
-
-}  // namespace
-
 CReaderTool::~CReaderTool() { CReaderTool::Close(); }
 
 std::int32_t CReaderTool::OpenByName(const char* name, std::int32_t kind) {

@@ -1,5 +1,3 @@
-#include "readers/status_word_exchange.h"
-
 #include <algorithm>
 
 #include "readers/reader_tool_base.h"
@@ -10,66 +8,68 @@ namespace {
 constexpr std::uint16_t kSuccess = 0x9000;
 constexpr std::uint8_t kMoreData = 0x61;
 
-bool HasStatusWord(const Reply& reply) { return reply.length >= 2; }
+bool HasStatusWord(const Response& response) { return response.length >= 2; }
 
-std::uint16_t StatusWordAtEnd(const Reply& reply) {
-  return static_cast<std::uint16_t>(reply.octets[reply.length - 2] << 8 |
-                                    reply.octets[reply.length - 1]);
+std::uint16_t StatusWordAtEnd(const Response& response) {
+  return static_cast<std::uint16_t>(response.octets[response.length - 2] << 8 |
+                                    response.octets[response.length - 1]);
 }
 
-void Copy(const Reply& reply, std::uint32_t length, std::uint8_t* resp, std::uint32_t* respLen) {
+void Copy(const Response& response, std::uint32_t length, std::uint8_t* resp,
+          std::uint32_t* respLen) {
   if (resp == nullptr) return;
-  std::copy_n(reply.octets.begin(), length, resp);
+  std::copy_n(response.octets.begin(), length, resp);
   *respLen = length;
 }
 
-std::uint32_t GivenLength(const ExchangeRules& rules, const Reply& reply) {
-  const bool strips = rules.copy == CopyRule::kStrip && reply.length > 2;
-  return strips ? reply.length - 2 : reply.length;
+std::uint32_t GivenLength(const ExchangeRules& rules, const Response& response) {
+  const bool strips = rules.copy == CopyRule::kStrip && response.length > 2;
+  return strips ? response.length - 2 : response.length;
 }
 
 }  // namespace
 
-bool CReaderToolBase::Exchange(const std::uint8_t*, std::uint32_t, Reply&) { return false; }
+bool CReaderToolBase::Exchange(const std::uint8_t*, std::uint32_t, Response&) { return false; }
 
-bool CReaderToolBase::ExchangeOnce(const ExchangeRules& rules, const std::uint8_t* command,
-                                   std::uint32_t length, Reply& reply) {
-  reply = {};
-  if (!Exchange(command, length, reply) || reply.length > kReplySize) return false;
-  if (rules.source == StatusWordSource::kReplyEnd) {
-    if (!HasStatusWord(reply)) return false;
-    reply.statusWord = StatusWordAtEnd(reply);
+bool CReaderToolBase::ExchangeOnce(const std::uint8_t* command, std::uint32_t length,
+                                   Response& response) {
+  response = {};
+  if (!Exchange(command, length, response) || response.length > kResponseSize) return false;
+  if (m_rules->source == StatusWordSource::kResponseEnd) {
+    if (!HasStatusWord(response)) return false;
+    response.statusWord = StatusWordAtEnd(response);
   }
-  m_wStatus = reply.statusWord;
+  m_wStatus = response.statusWord;
   return true;
 }
 
-std::int32_t CReaderToolBase::ExchangeWithStatusWord(const ExchangeRules& rules,
-                                                     const std::uint8_t* cmd, std::uint32_t cmdLen,
-                                                     std::uint8_t* resp, std::uint32_t* respLen) {
+std::int32_t CReaderToolBase::Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen,
+                                       std::uint8_t* resp, std::uint32_t* respLen) {
+  if (m_rules == nullptr || cmdLen > m_rules->longestCommand) return 0;
   if (resp != nullptr && respLen == nullptr) return 0;
-  Reply reply;
-  if (!ExchangeOnce(rules, cmd, cmdLen, reply)) return 0;
+  const ExchangeRules& rules = *m_rules;
+  Response response;
+  if (!ExchangeOnce(cmd, cmdLen, response)) return 0;
   if (m_wStatus == kSuccess) {
-    Copy(reply, GivenLength(rules, reply), resp, respLen);
+    Copy(response, GivenLength(rules, response), resp, respLen);
     return 1;
   }
-  Copy(reply, 2, resp, respLen);
+  Copy(response, 2, resp, respLen);
   if (m_wStatus >> 8 != kMoreData) return 0;
   if (resp == nullptr) return rules.moreDataUnwanted;
 
   const std::uint8_t getResponse[] = {0x00, 0xC0, 0x00, 0x00,
                                       static_cast<std::uint8_t>(m_wStatus & 0xFF)};
-  if (!ExchangeOnce(rules, getResponse, sizeof getResponse, reply)) return 0;
+  if (!ExchangeOnce(getResponse, sizeof getResponse, response)) return 0;
   if (m_wStatus == kSuccess && rules.confirmsSecondEnd) {
-    if (!HasStatusWord(reply)) return 0;
-    m_wStatus = StatusWordAtEnd(reply);
+    if (!HasStatusWord(response)) return 0;
+    m_wStatus = StatusWordAtEnd(response);
   }
   if (m_wStatus != kSuccess) {
-    if (rules.showsSecondStatus) Copy(reply, 2, resp, respLen);
+    if (rules.showsSecondStatus) Copy(response, 2, resp, respLen);
     return 0;
   }
-  Copy(reply, GivenLength(rules, reply), resp, respLen);
+  Copy(response, GivenLength(rules, response), resp, respLen);
   return 1;
 }
 

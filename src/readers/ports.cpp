@@ -1,4 +1,4 @@
-#include "readers/port_list.h"
+#include "readers/ports.h"
 
 #include <algorithm>
 #include <limits>
@@ -31,5 +31,17 @@ void WriteRecord(ReaderInfo& record, std::int32_t kind, bool hasPort, std::int32
 }
 
 std::string ComName(std::int32_t port) { return "COM" + std::to_string(port); }
+
+std::optional<std::int32_t> NumberBehind(std::string_view marker, std::string_view name) {
+  const std::size_t at = name.find(marker);
+  if (at == std::string_view::npos) return std::nullopt;
+  std::int64_t number = 0;
+  for (const char c : name.substr(at + marker.size())) {
+    if (c < '0' || c > '9') break;
+    number =
+        std::min<std::int64_t>(number * 10 + (c - '0'), std::numeric_limits<std::int32_t>::max());
+  }
+  return static_cast<std::int32_t>(number);
+}
 
 }  // namespace orvane
