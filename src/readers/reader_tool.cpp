@@ -3,8 +3,6 @@
 #include "readers/tool_selection.h"
 
 namespace orvane {
-CReaderTool::~CReaderTool() { CReaderTool::Close(); }
-
 std::int32_t CReaderTool::OpenByName(const char* name, std::int32_t kind) {
   if (SelectTool(kind) == 0) return 0;
   return Guarded([&] { return m_pTool->OpenByName(name, kind); });
@@ -42,7 +40,7 @@ std::int32_t CReaderTool::Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen
 std::int32_t CReaderTool::SelectTool(std::int32_t kind) {
   return Guarded([&] {
     if (m_pTool && m_pTool->GetKind() == kind) return 1;
-    m_pTool.reset();
+    Drop();
     m_pTool = MakeTool(kind);
     return m_pTool ? 1 : 0;
   });
@@ -55,4 +53,10 @@ std::int32_t CReaderTool::ListReaders(std::int32_t kind, ReaderInfo* list, std::
   return Guarded([&] { return m_pTool->ListReaders(kind, list, count, max); });
 }
 
+void CReaderTool::Drop() {
+  CReaderTool::Close();
+  m_pTool.reset();
+}
+
 }  // namespace orvane
+

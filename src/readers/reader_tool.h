@@ -15,7 +15,7 @@ class CReaderTool {
   CReaderTool() = default;
   CReaderTool(const CReaderTool&) = delete;
   CReaderTool& operator=(const CReaderTool&) = delete;
-  virtual ~CReaderTool();
+  virtual ~CReaderTool() { Drop(); }
 
   virtual std::int32_t OpenByName(const char* name, std::int32_t kind);
   virtual std::int32_t OpenByPort(std::int32_t port, std::int32_t kind, std::int32_t baud);
@@ -25,14 +25,16 @@ class CReaderTool {
   virtual std::int32_t Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen, std::uint8_t* resp,
                                 std::uint32_t* respLen);
 
-  // Makes sure that the driver in place is one for this kind. 0 if there is no such kind; the
-  // place is then empty.
+  // Makes sure that the driver in place is one for this kind; one of another kind is closed and
+  // dropped. 0 if there is no such kind; the place is then empty.
   std::int32_t SelectTool(std::int32_t kind);
 
   std::int32_t ListReaders(std::int32_t kind, ReaderInfo* list, std::int32_t count,
                            std::int32_t max);
 
  private:
+  void Drop();
+
   std::unique_ptr<CReaderToolBase> m_pTool;
 };
 

@@ -1,9 +1,8 @@
 #include "readers/tool_selection.h"
 
 #include "readers/bsit_reader_tool.h"
+#include "readers/drivers.h"
 #include "readers/d8_reader_tool.h"
-#include "readers/fm8201_reader_tool.h"
-#include "readers/icr_tool.h"
 #include "readers/pcsc_reader_tool.h"
 #include "readers/s5009_reader_tool.h"
 #include "readers/sjl_tool.h"
@@ -26,14 +25,14 @@ std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
     case ReaderKindD8:
       return std::make_unique<CD8ReaderTool>();
     case ReaderKindFm8201:
-      return std::make_unique<CFM8201ReaderTool>();
+      return MakeFm8201ReaderTool();
     case ReaderKindS5009:
     case ReaderKindS5009Ats:
       return std::make_unique<CS5009ReaderTool>();
     case ReaderKindTcp:
       return std::make_unique<CSJLTool>();
     case ReaderKindIcr:
-      return std::make_unique<CICRTool>();
+      return MakeIcrTool();
     case ReaderKindBsit:
       return std::make_unique<CBSITReaderTool>();
     default:
