@@ -1,8 +1,6 @@
 #include "readers/tool_selection.h"
 
-#include "readers/bsit_reader_tool.h"
 #include "readers/drivers.h"
-#include "readers/d8_reader_tool.h"
 #include "readers/pcsc_reader_tool.h"
 #include "readers/s5009_reader_tool.h"
 #include "readers/sjl_tool.h"
@@ -23,7 +21,7 @@ std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
     case ReaderKindWd:
       return std::make_unique<CWDReaderTool>();
     case ReaderKindD8:
-      return std::make_unique<CD8ReaderTool>();
+      return MakeD8ReaderTool();
     case ReaderKindFm8201:
       return MakeFm8201ReaderTool();
     case ReaderKindS5009:
@@ -34,7 +32,7 @@ std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
     case ReaderKindIcr:
       return MakeIcrTool();
     case ReaderKindBsit:
-      return std::make_unique<CBSITReaderTool>();
+      return MakeBsitReaderTool();
     default:
       return nullptr;
   }
