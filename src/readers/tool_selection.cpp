@@ -4,8 +4,6 @@
 #include "readers/pcsc_reader_tool.h"
 #include "readers/s5009_reader_tool.h"
 #include "readers/sjl_tool.h"
-#include "readers/ty_com_reader_tool.h"
-#include "readers/ty_usb_reader_tool.h"
 #include "readers/wd_reader_tool.h"
 
 namespace orvane {
@@ -13,9 +11,9 @@ namespace orvane {
 std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
   switch (kind) {
     case ReaderKindTyUsb:
-      return std::make_unique<CTYUSBReaderTool>();
+      return MakeTyUsbReaderTool();
     case ReaderKindTyCom:
-      return std::make_unique<CTYCOMReaderTool>();
+      return MakeTyComReaderTool();
     case ReaderKindPcsc:
       return std::make_unique<CPCSCReaderTool>();
     case ReaderKindWd:
