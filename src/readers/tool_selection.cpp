@@ -2,9 +2,7 @@
 
 #include "readers/drivers.h"
 #include "readers/pcsc_reader_tool.h"
-#include "readers/s5009_reader_tool.h"
 #include "readers/sjl_tool.h"
-#include "readers/wd_reader_tool.h"
 
 namespace orvane {
 
@@ -17,14 +15,14 @@ std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
     case ReaderKindPcsc:
       return std::make_unique<CPCSCReaderTool>();
     case ReaderKindWd:
-      return std::make_unique<CWDReaderTool>();
+      return MakeWdReaderTool();
     case ReaderKindD8:
       return MakeD8ReaderTool();
     case ReaderKindFm8201:
       return MakeFm8201ReaderTool();
     case ReaderKindS5009:
     case ReaderKindS5009Ats:
-      return std::make_unique<CS5009ReaderTool>();
+      return MakeS5009ReaderTool();
     case ReaderKindTcp:
       return std::make_unique<CSJLTool>();
     case ReaderKindIcr:
