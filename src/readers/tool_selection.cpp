@@ -2,7 +2,6 @@
 
 #include "readers/drivers.h"
 #include "readers/pcsc_reader_tool.h"
-#include "readers/sjl_tool.h"
 
 namespace orvane {
 
@@ -24,7 +23,7 @@ std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
     case ReaderKindS5009Ats:
       return MakeS5009ReaderTool();
     case ReaderKindTcp:
-      return std::make_unique<CSJLTool>();
+      return MakeTcpTool();
     case ReaderKindIcr:
       return MakeIcrTool();
     case ReaderKindBsit:
