@@ -1,7 +1,6 @@
 #include "readers/tool_selection.h"
 
 #include "readers/drivers.h"
-#include "readers/pcsc_reader_tool.h"
 
 namespace orvane {
 
@@ -12,7 +11,7 @@ std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
     case ReaderKindTyCom:
       return MakeTyComReaderTool();
     case ReaderKindPcsc:
-      return std::make_unique<CPCSCReaderTool>();
+      return MakePcscReaderTool();
     case ReaderKindWd:
       return MakeWdReaderTool();
     case ReaderKindD8:
