@@ -1,8 +1,41 @@
 #include "readers/reader_tool.h"
 
-#include "readers/tool_selection.h"
+#include "readers/drivers.h"
 
 namespace orvane {
+namespace {
+
+// Null if there is no such kind.
+std::unique_ptr<CReaderToolBase> MakeTool(std::int32_t kind) {
+  switch (kind) {
+    case ReaderKindTyUsb:
+      return MakeTyUsbReaderTool();
+    case ReaderKindTyCom:
+      return MakeTyComReaderTool();
+    case ReaderKindPcsc:
+      return MakePcscReaderTool();
+    case ReaderKindWd:
+      return MakeWdReaderTool();
+    case ReaderKindD8:
+      return MakeD8ReaderTool();
+    case ReaderKindFm8201:
+      return MakeFm8201ReaderTool();
+    case ReaderKindS5009:
+    case ReaderKindS5009Ats:
+      return MakeS5009ReaderTool();
+    case ReaderKindTcp:
+      return MakeTcpTool();
+    case ReaderKindIcr:
+      return MakeIcrTool();
+    case ReaderKindBsit:
+      return MakeBsitReaderTool();
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
 std::int32_t CReaderTool::OpenByName(const char* name, std::int32_t kind) {
   if (SelectTool(kind) == 0) return 0;
   return Guarded([&] { return m_pTool->OpenByName(name, kind); });
@@ -59,4 +92,3 @@ void CReaderTool::Drop() {
 }
 
 }  // namespace orvane
-

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <string_view>
-#include <utility>
 
 #include "orvane.h"
 #include "platform/foreign_call.h"
@@ -21,12 +20,8 @@ struct Response {
   std::uint16_t statusWord;  // where the library's result is the status word
 };
 
-// For drivers that still name them so.
-using Reply = Response;
-constexpr std::uint32_t kReplySize = kResponseSize;
-
 // Where a driver finds the status word.
-enum class StatusWordSource { kResponseEnd, kLibraryResult, kReplyEnd = kResponseEnd };
+enum class StatusWordSource { kResponseEnd, kLibraryResult };
 
 // What the host gets of a good response.
 enum class CopyRule {
@@ -78,14 +73,6 @@ class CReaderToolBase {
   virtual std::int32_t GetOpenFlag();
 
  protected:
-  // Transmit by these rules.
-  std::int32_t ExchangeWithStatusWord(const ExchangeRules& rules, const std::uint8_t* cmd,
-                                      std::uint32_t cmdLen, std::uint8_t* resp,
-                                      std::uint32_t* respLen) {
-    m_rules = &rules;
-    return CReaderToolBase::Transmit(cmd, cmdLen, resp, respLen);
-  }
-
   // OpenByPort with the number that stands behind the marker in the name. 0 without a marker.
   std::int32_t OpenByPortBehind(std::string_view marker, const char* name, std::int32_t kind);
 
@@ -117,7 +104,7 @@ class CReaderToolBase {
 
   bool ExchangeOnce(const std::uint8_t* command, std::uint32_t length, Response& response);
 
-  const ExchangeRules* m_rules;
+  const ExchangeRules* const m_rules;
   const PortListing* const m_ports;
 };
 
@@ -129,20 +116,6 @@ std::int32_t Guarded(Operation operation) noexcept {
   } catch (...) {
     return 0;
   }
-}
-
-// Likewise for an operation that gives nothing.
-template <typename Operation>
-void Quietly(Operation operation) noexcept {
-  Guarded([&] {
-    operation();
-    return 1;
-  });
-}
-
-template <typename Tool>
-void CloseQuietly(Tool& tool) noexcept {
-  Quietly([&tool] { tool.Tool::Close(); });
 }
 
 }  // namespace orvane

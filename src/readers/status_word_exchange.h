@@ -1,3 +1,0 @@
-#pragma once
-
-#include "readers/reader_tool_base.h"
