@@ -5,13 +5,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string>
-#include <vector>
 
 #include "orvane.h"
-#include "support/export_names.h"
 #include "support/module_loading.h"
+#include "support/simulated_module.h"
 
 namespace orvane_test {
 namespace {
@@ -74,11 +72,7 @@ TEST_F(MissingProvider, OnlyTheCommandsOfALackingEntryFail) {
   fs::copy_file(kBuild / kProvider, folder_ / kProvider);
   EXPECT_EXIT(RunStatements(""), testing::ExitedWithCode(0), "");
   for (const auto& [entry, call, value] : kEntries) {
-    std::ifstream in(kBuild / kProvider, std::ios::binary);
-    std::vector<char> octets{std::istreambuf_iterator<char>(in), {}};
-    ASSERT_TRUE(support::HideExport(octets, entry)) << entry;
-    std::ofstream(folder_ / kProvider, std::ios::binary)
-        .write(octets.data(), static_cast<std::streamsize>(octets.size()));
+    support::CopyWithout(kBuild / kProvider, entry, folder_ / kProvider);
     EXPECT_EXIT(RunStatements(entry), testing::ExitedWithCode(0), "") << entry;
   }
 }

@@ -1,4 +1,4 @@
-#include "modules/library_copy.h"
+#include "support/library_copy.h"
 
 namespace orvane_test {
 namespace {
@@ -6,8 +6,7 @@ namespace {
 const std::string kLibrary = support::ModuleFileName("orvane");
 
 TEST_F(LibraryCopy, KeepsItsVariablesWhenItIsUnloaded) {
-  Copy(kBuild, {"orvane"}, root_);
-  void* library = Load(root_ / kLibrary);
+  void* library = LoadLibraryCopy(root_);
   EXPORT_OF(library, SetVarValue)("%KEPT", "1234");
   support::UnloadModule(library);
   library = Load(root_ / kLibrary);
@@ -15,8 +14,7 @@ TEST_F(LibraryCopy, KeepsItsVariablesWhenItIsUnloaded) {
 }
 
 TEST_F(LibraryCopy, CallsItsOwnFunctions) {
-  Copy(kBuild, {"orvane"}, root_);
-  void* const library = Load(root_ / kLibrary);
+  void* const library = LoadLibraryCopy(root_);
   char digits[9] = "";
   std::int32_t value = 0;
   EXPORT_OF(library, IntToHexStr)(digits, 0x1234, &value);

@@ -12,16 +12,13 @@ namespace {
 std::vector<int> ResultsWithout(const char* missing) {
   const auto folder = MakeTemporaryFolder();
   if (missing != nullptr) support::WriteModuleWithout("wdcrwx", missing, folder);
-  void* const copy = support::LoadLibraryCopy(folder);
-  const auto find = [copy]<typename Function>(Function*, const char* name) {
-    return reinterpret_cast<Function*>(support::FindExport(copy, name));
-  };
+  void* const copy = LoadLibraryCopy(folder);
   std::array<char, 8193> text{};
-  const std::vector<int> results = {
-      find(OpenReaderA, "OpenReaderA")("WDUSB1", ReaderKindWd), find(Reset, "Reset")(text.data()),
-      find(SendCommand, "SendCommand")("00A4000C023F00", 14, text.data()),
-      find(CloseReader, "CloseReader")()};
-  find(OpenReader, "OpenReader")(1, 13, 9600);
+  const std::vector<int> results = {EXPORT_OF(copy, OpenReaderA)("WDUSB1", ReaderKindWd),
+                                    EXPORT_OF(copy, Reset)(text.data()),
+                                    EXPORT_OF(copy, SendCommand)("00A4000C023F00", 14, text.data()),
+                                    EXPORT_OF(copy, CloseReader)()};
+  EXPORT_OF(copy, OpenReader)(1, 13, 9600);
   std::error_code ignored;
   std::filesystem::remove_all(folder, ignored);
   return results;

@@ -1,14 +1,10 @@
 #include "support/simulated_module.h"
 
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
-#include "support/export_names.h"
 #include "support/module_loading.h"
+#include "tags/working_folder.h"
 
 namespace support {
 namespace {
@@ -18,32 +14,6 @@ namespace {
 std::filesystem::path FolderOf(const std::string& vendor) {
   const std::filesystem::path build = u8"" ORVANE_BUILD_FOLDER;
   return vendor == "wdcrwx" ? build : build / "simulators";
-}
-
-std::filesystem::path MakeTemporaryFolder() {
-  std::random_device random;
-  for (;;) {
-    const std::string name = "orvane-" + std::to_string(random());
-    const auto folder = std::filesystem::temp_directory_path() / name;
-    if (std::filesystem::create_directory(folder)) return folder;
-  }
-}
-
-std::vector<char> ReadFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw std::runtime_error("cannot read " + path.string());
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteFile(const std::filesystem::path& path, const std::vector<char>& octets) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(octets.data(), static_cast<std::streamsize>(octets.size()));
-  if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
-}
-
-void RemoveFolder(const std::filesystem::path& folder) {
-  std::error_code ignored;
-  if (!folder.empty()) std::filesystem::remove_all(folder, ignored);
 }
 
 }  // namespace
@@ -69,7 +39,8 @@ SimulatedModule::SimulatedModule(SimulatedModule&& other) noexcept
 
 SimulatedModule::~SimulatedModule() {
   if (module_) UnloadModule(module_);
-  RemoveFolder(temporaryFolder_);
+  std::error_code ignored;
+  if (!temporaryFolder_.empty()) std::filesystem::remove_all(temporaryFolder_, ignored);
 }
 
 void SimulatedModule::Restart() const { Find<decltype(SimulatorRestart)>("SimulatorRestart")(); }
@@ -93,27 +64,29 @@ void SimulatedModule::InsertCard(bool present) const {
 
 void* SimulatedModule::Export(const char* name) const { return FindExport(module_, name); }
 
+void CopyWithout(const std::filesystem::path& file, const std::string& exported,
+                 const std::filesystem::path& copy) {
+  std::string octets = orvane_test::ReadFile(file).value_or("");
+  const std::string name = '\0' + exported + '\0';
+  auto at = octets.find(name);
+  if (at == octets.npos) throw std::runtime_error(file.string() + " has no " + exported);
+  // The last character, and to a lower one: the names of a DLL stand in their order.
+  for (; at != octets.npos; at = octets.find(name, at)) octets[at + exported.size()] = '!';
+  orvane_test::WriteFile(copy, octets);
+}
+
 void WriteModuleWithout(const std::string& vendor, const std::string& function,
                         const std::filesystem::path& folder) {
   const std::string fileName = ModuleFileName(vendor);
-  std::vector<char> octets = ReadFile(FolderOf(vendor) / fileName);
-  if (!HideExport(octets, function)) {
-    throw std::runtime_error(fileName + " does not export " + function);
-  }
-  WriteFile(folder / fileName, octets);
+  CopyWithout(FolderOf(vendor) / fileName, function, folder / fileName);
 }
 
 SimulatedModule ModuleWithout(const std::string& vendor, const std::string& function) {
-  const std::filesystem::path folder = MakeTemporaryFolder();
-  try {
-    WriteModuleWithout(vendor, function, folder);
-    SimulatedModule module(vendor, folder);
-    module.temporaryFolder_ = folder;
-    return module;
-  } catch (...) {
-    RemoveFolder(folder);
-    throw;
-  }
+  const std::filesystem::path folder = orvane_test::MakeTemporaryFolder();
+  WriteModuleWithout(vendor, function, folder);
+  SimulatedModule module(vendor, folder);
+  module.temporaryFolder_ = folder;
+  return module;
 }
 
 bool IsLoaded(const std::string& vendor) {

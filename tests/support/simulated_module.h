@@ -12,8 +12,7 @@
 namespace support {
 
 // Loads the module, of the build or of another folder, at its start state and unloads it at the end
-// of its own life. The functions are
-// those of simulators/simulator.h.
+// of its own life. The functions are those of simulators/simulator.h.
 //
 // A reader of the library that is bound to the module keeps it loaded as well, until a reader of
 // another kind is opened in its place; so does the reader that lists, until another kind is listed.
@@ -49,13 +48,16 @@ class SimulatedModule {
   std::filesystem::path temporaryFolder_;  // removed at the end unless empty
 };
 
-// Writes the vendor's module to the folder as it would be without one of its functions. Throws
-// std::runtime_error if it has no such function.
+// Copies a module's file so that nobody finds this exported name in it. Throws std::runtime_error
+// if there is none.
+void CopyWithout(const std::filesystem::path& file, const std::string& exported,
+                 const std::filesystem::path& copy);
+
+// The same with the vendor's module, into a folder.
 void WriteModuleWithout(const std::string& vendor, const std::string& function,
                         const std::filesystem::path& folder);
 
-// The vendor's module as it would be without one of its functions. Throws std::runtime_error if it
-// has no such function.
+// The vendor's module as it would be without one of its functions.
 SimulatedModule ModuleWithout(const std::string& vendor, const std::string& function);
 
 // Whether any module of this vendor is loaded in this process.

@@ -11,28 +11,19 @@ namespace {
 // A dictionary that no call has touched yet, as a process has it that has just begun.
 class DictionaryProcess {
  public:
-  List Records() const { return ListOf(Export<decltype(GetTagdict)>("GetTagdict")); }
+  List Records() const { return ListOf(EXPORT_OF(module_, GetTagdict)); }
   int Find(const std::string& tag, TagdictData& out) const {
-    return Export<decltype(FindTagdictData)>("FindTagdictData")(tag.c_str(), &out);
+    return EXPORT_OF(module_, FindTagdictData)(tag.c_str(), &out);
   }
   int Delete(const std::string& tag) const {
-    return Export<decltype(DeleteTagdictData)>("DeleteTagdictData")(tag.c_str());
+    return EXPORT_OF(module_, DeleteTagdictData)(tag.c_str());
   }
-  int Add(const TagdictData& record) const {
-    return Export<decltype(AddTagdictData)>("AddTagdictData")(&record);
-  }
-  int Update(const TagdictData& record) const {
-    return Export<decltype(UpTagdictData)>("UpTagdictData")(&record);
-  }
-  int Flush() const { return Export<decltype(FlushTagdict)>("FlushTagdict")(); }
+  int Add(const TagdictData& record) const { return EXPORT_OF(module_, AddTagdictData)(&record); }
+  int Update(const TagdictData& record) const { return EXPORT_OF(module_, UpTagdictData)(&record); }
+  int Flush() const { return EXPORT_OF(module_, FlushTagdict)(); }
 
  private:
-  template <typename Function>
-  Function* Export(const char* name) const {
-    return reinterpret_cast<Function*>(support::FindExport(module_, name));
-  }
-
-  void* const module_ = support::LoadLibraryCopy();
+  void* const module_ = LoadLibraryCopy();
 };
 
 std::string operator""_octets(const char* text, std::size_t size) { return {text, size}; }

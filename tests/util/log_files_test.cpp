@@ -72,8 +72,8 @@ TEST_F(LogFiles, HoldWholeEntriesOfThreadsAndProcesses) {
   constexpr std::size_t kEntries = 300;
   const auto octets = Octets(5000);
   const std::string hex = Hex(octets), text = "<" + std::string(9000, 't') + "\n>";
-  void* const copy = support::LoadLibraryCopy();
-  const auto log = reinterpret_cast<decltype(AsciiLog)*>(support::FindExport(copy, "AsciiLog"));
+  void* const copy = orvane_test::LoadLibraryCopy();
+  const auto log = EXPORT_OF(copy, AsciiLog);
   const auto write = [&](decltype(AsciiLog)* entry) {
     for (std::size_t i = 0; i < kEntries; ++i) entry(path, text.c_str());
   };

@@ -1,7 +1,7 @@
 // Where the crypto module comes from, with one in every other place that has its name alone.
 #include <windows.h>
 
-#include "modules/library_copy.h"
+#include "support/library_copy.h"
 
 namespace orvane_test {
 namespace {
