@@ -159,7 +159,7 @@ else()
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
   set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-  # The PC/SC module loads pcsc-lite when it is first called.
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libpcsclite1, pcscd")
+  # The PC/SC module loads pcsc-lite when it is first called, the program libedit when a person types.
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libpcsclite1, pcscd, libedit2")
 endif()
 include(CPack)

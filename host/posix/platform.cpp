@@ -37,15 +37,6 @@ std::filesystem::path ProgramFolder() {
                     error.message());
 }
 
-std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
-  std::vector<std::filesystem::path> modules;
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    if (entry.path().extension() == ".so") modules.push_back(entry.path());
-  }
-  return modules;
-}
-
 bool LoadModule(const std::filesystem::path& file) {
   return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr;
 }
