@@ -104,7 +104,10 @@ int StartShell(const Options& options) {
 }
 
 void ShowReaders(const Options& options) {
-  if (options.simulate) LoadSimulators();
+  for (const int32_t kind : ReaderKinds()) {
+    const bool listed = options.listedKind == 0 || options.listedKind == kind;
+    if (options.simulate && listed) LoadSimulator(kind);
+  }
   PrintReaders(std::cout, options.listedKind, options.ports);
 }
 

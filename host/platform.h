@@ -51,9 +51,6 @@ std::optional<std::string> EnvironmentVariable(const std::string& name);
 // Where this program's file stands. Throws Failure (kReaderFault) if the system doesn't tell.
 std::filesystem::path ProgramFolder();
 
-// The modules' files in a folder; none if it can't be read.
-std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder);
-
 // Loads a module for the rest of the process's life; what is looked for under its bare file name
 // later is then this one.
 bool LoadModule(const std::filesystem::path& file);

@@ -38,19 +38,20 @@ std::optional<std::string> ReadAtr() {
 
 }  // namespace
 
-void LoadSimulators() {
-  const std::filesystem::path beside = ProgramFolder() / "simulators",
-                              installed =
-                                  (ProgramFolder() / INSTALLED_SIMULATORS).lexically_normal();
-  for (const auto& folder : {beside, installed}) {
-    const auto modules = ModulesIn(folder);
-    for (const auto& module : modules) {
-      if (!LoadModule(module)) throw Failure(kReaderFault, "can't load " + module.string());
-    }
-    if (!modules.empty()) return;
+// The one of WD stands beside the library.
+void LoadSimulator(int32_t kind) {
+  if (KindLibrary(kind).empty() || kind == ReaderKindWd) return;
+  const std::string file = ModuleFileName(KindLibrary(kind));
+  const auto beside = ProgramFolder() / "simulators",
+             installed = (ProgramFolder() / INSTALLED_SIMULATORS).lexically_normal();
+  std::error_code error;
+  const auto module = (std::filesystem::exists(beside / file, error) ? beside : installed) / file;
+  if (LoadModule(module)) return;
+  if (std::filesystem::exists(module, error)) {
+    throw Failure(kReaderFault, "can't load " + module.string());
   }
-  throw Failure(kReaderFault,
-                "there are no simulators in " + beside.string() + " or " + installed.string());
+  throw Failure(kReaderFault, "there is no simulator " + file + " in " + beside.string() + " or " +
+                                  installed.string());
 }
 
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
@@ -100,11 +101,6 @@ void Readers::Select(std::string_view number) {
   current_ = index;
 }
 
-void Readers::LoadSimulatorsOnce() {
-  if (simulate_ && !simulatorsLoaded_) LoadSimulators();
-  simulatorsLoaded_ = true;
-}
-
 ReaderAddress Readers::OpenDefault() {
   const auto open = [this](const std::string& text) {
     ReaderAddress opened = OpenAddress(text);
@@ -146,7 +142,7 @@ void Readers::ColdResetOnce(const ReaderAddress& address) {
 
 ReaderAddress Readers::OpenAddress(std::string_view text) {
   ReaderAddress address = ReadReaderAddress(text, defaultKind_);
-  LoadSimulatorsOnce();
+  if (simulate_) LoadSimulator(address.kind);
   if (simulate_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
     throw Failure(kReaderFault,
                   "beside Orvane's library stands no simulator of WD's: nothing is opened");

@@ -15,9 +15,10 @@
 
 namespace host {
 
-// Puts the simulators in the vendor libraries' places: loads every module of the folder simulators
-// beside the program, or of the installed layout. Throws Failure (kReaderFault) if there is none.
-void LoadSimulators();
+// Puts a simulator in the place of the kind's vendor library, if it has one: loads it from the
+// folder simulators beside the program, or of the installed layout. Throws Failure (kReaderFault)
+// if there is none.
+void LoadSimulator(int32_t kind);
 
 // The readers of one kind, offering this many ports where ports can't be asked for.
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
@@ -26,9 +27,10 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
 // (kReaderFault). What is open is closed at the end.
 class Readers {
  public:
-  // defaultKind is for addresses without one. simulate loads the simulators before the first
-  // reader is opened. defaultReader is what OpenDefault opens otherwise; it may be empty. coldReset
-  // takes the power from a card and gives it back before its reader is opened for the first time.
+  // defaultKind is for addresses without one. simulate loads a kind's simulator before a
+  // reader of it is opened. defaultReader is what OpenDefault opens otherwise; it may be empty.
+  // coldReset takes the power from a card and gives it back before its reader is opened for the
+  // first time.
   Readers(int32_t defaultKind, bool simulate, std::string defaultReader, bool coldReset = false)
       : defaultKind_(defaultKind),
         simulate_(simulate),
@@ -73,7 +75,6 @@ class Readers {
     std::string slot;  // empty: none was chosen
   };
 
-  void LoadSimulatorsOnce();
   void ColdResetOnce(const ReaderAddress& address);
   ReaderAddress OpenAddress(std::string_view text);
   Place& Use();
@@ -87,7 +88,6 @@ class Readers {
   std::string defaultReader_;
   std::set<std::string> coldResets_;  // the readers whose cards have had theirs
   bool used_ = false;
-  bool simulatorsLoaded_ = false;
   size_t current_ = 0;
   std::array<std::optional<Place>, 16> places_;
 };

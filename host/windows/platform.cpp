@@ -20,18 +20,6 @@ std::filesystem::path ProgramFolder() {
 }
 
 // The standard library's own iterator ends at paths of 260 characters.
-std::vector<std::filesystem::path> ModulesIn(const std::filesystem::path& folder) {
-  std::vector<std::filesystem::path> modules;
-  WIN32_FIND_DATAW file;
-  const HANDLE search = FindFirstFileW((folder / "*.dll").c_str(), &file);
-  if (search == INVALID_HANDLE_VALUE) return modules;
-  do {
-    modules.push_back(folder / file.cFileName);
-  } while (FindNextFileW(search, &file) != 0);
-  FindClose(search);
-  return modules;
-}
-
 bool LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()) != nullptr; }
 
 std::string ModuleFileName(std::string_view vendor) { return std::string(vendor) + ".dll"; }

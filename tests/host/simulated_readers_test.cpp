@@ -78,6 +78,10 @@ TEST_F(SimulatedReaders, DoNotStandInForTheLibraryOfWd) {
   const Outcome real = RunOrvane("run -r 4:WDUSB1 script", "", here.string());
   EXPECT_EQ(real.exitCode, 0) << real.err;
   EXPECT_FALSE(Shows(real.out, kSimulated)) << real.out;
+  // Nor is another maker's opened where there is no simulator of it.
+  fs::remove("simulators/" + support::ModuleFileName("dcrf32"));
+  const Outcome none = RunOrvane("run --simulate -r 5:COM1 script", "", here.string());
+  EXPECT_TRUE(none.err.starts_with("orvane: there is no simulator ")) << none.err;
 }
 
 // The library has them in the ANSI code page, on POSIX in UTF-8.
