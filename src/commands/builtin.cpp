@@ -7,8 +7,8 @@
 #include "commands/data_commands.h"
 #include "commands/reader_commands.h"
 #include "commands/text_commands.h"
-#include "engine/arguments.h"
 #include "engine/command_table.h"
+#include "engine/executor.h"
 #include "engine/tokeniser.h"
 #include "util/hex.h"
 

@@ -1,9 +1,10 @@
 #include "engine/engine.h"
 
+#include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include "engine/tokeniser.h"
+#include "util/entrance.h"
 
 namespace orvane {
 namespace {
@@ -34,6 +35,23 @@ std::int32_t RunToCode(ScriptEngine& engine, std::string_view script) try {
 }
 
 }  // namespace
+
+// Octets are taken eight at a time. The bit that tells lower from upper case does not count.
+std::size_t NameHash::operator()(std::string_view name) const {
+  constexpr std::uint64_t kCaseBits = 0x2020202020202020;
+  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
+  std::uint64_t hash = 0;
+  std::uint64_t octets = 0;
+  const auto mix = [&] { hash = ((hash ^ (octets | kCaseBits)) * kFactor) ^ (hash >> 29U); };
+  for (; name.size() >= sizeof octets; name.remove_prefix(sizeof octets)) {
+    std::memcpy(&octets, name.data(), sizeof octets);
+    mix();
+  }
+  octets = name.size();
+  for (const char c : name) octets = octets << 8U | static_cast<unsigned char>(c);
+  mix();
+  return static_cast<std::size_t>(hash);
+}
 
 ScriptEngine::ScriptEngine() {
   for (const char* name : {"SYS_RESP", "SYS_SW", "SYS_FUNCRTN", "SYS_STATE"}) variables[name];
@@ -66,10 +84,9 @@ std::int32_t RunStatement(ScriptEngine& engine, std::string_view script, char* r
 
 std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std::string& out) try {
   if (name.empty()) return ScriptEmptyName;
-  const std::string key = UpperCased(name);
-  const auto entry = engine.variables.find(key);
+  const auto entry = engine.variables.find(name);
   if (entry == engine.variables.end()) {
-    out = "var \"" + key + "\" not define ";
+    out = "var \"" + UpperCased(name) + "\" not define ";
     return ScriptUndefinedVariable;
   }
   out = entry->second;
@@ -80,12 +97,11 @@ std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std:
 
 std::int32_t SetVariable(ScriptEngine& engine, std::string_view name, std::string_view value) try {
   if (name.empty()) return ScriptEmptyName;
-  std::string key = UpperCased(name);
-  const auto entry = engine.variables.find(key);
+  const auto entry = engine.variables.find(name);
   if (entry != engine.variables.end()) {
     entry->second = value;
   } else {
-    engine.variables.emplace(std::move(key), value);
+    engine.variables.emplace(UpperCased(name), value);
   }
   return ScriptDone;
 } catch (...) {
@@ -93,7 +109,30 @@ std::int32_t SetVariable(ScriptEngine& engine, std::string_view name, std::strin
 }
 
 void UpperCase(std::string& text) {
-  for (char& c : text) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c);
+  for (char& c : text) c = UpperCase(c);
 }
 
 }  // namespace orvane
+
+std::int32_t RunScript(const char* script, char* result) {
+  const orvane::Entrance entrance;
+  if (!entrance) {
+    std::memset(result, 0, orvane::kResultSize);
+    return ScriptException;
+  }
+  orvane::ScriptEngine* const engine = orvane::EnsureEngine();
+  if (engine == nullptr) return ScriptNoEngine;
+  return orvane::RunStatement(*engine, script != nullptr ? script : "", result);
+}
+
+std::int32_t SetVarValue(const char* name, const char* value) {
+  orvane::ScriptEngine* const engine = orvane::EnsureEngine();
+  return engine != nullptr ? orvane::SetVariable(*engine, name, value) : ScriptNoEngine;
+}
+
+std::int32_t GetVarValue(const char* name) {
+  orvane::ScriptEngine* const engine = orvane::EnsureEngine();
+  if (engine == nullptr) return ScriptNoEngine;
+  std::string value;
+  return orvane::GetVariable(*engine, name, value);
+}

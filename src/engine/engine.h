@@ -2,20 +2,33 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "orvane.h"
+#include "util/upper_case.h"
 
 namespace orvane {
 
 // The room for a statement's text.
 inline constexpr std::size_t kResultSize = 512;
 
-// Names in upper case to values. Ordered byte by byte; searched without making a string.
-using VariableTable = std::map<std::string, std::string, std::less<>>;
+struct NameHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view name) const;
+};
+
+struct NameEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view left, std::string_view right) const {
+    return EqualInAnyCase(left, right);
+  }
+};
+
+// Names in upper case to values. A lookup takes a name in any case and makes no string of it.
+using VariableTable = std::unordered_map<std::string, std::string, NameHash, NameEqual>;
 
 // Runs one statement at a time; only `variables` lives from one statement to the next.
 struct ScriptEngine {
@@ -27,7 +40,7 @@ struct ScriptEngine {
   std::vector<std::string_view> tokens;         // views of `statement`
   VariableTable variables;
 
-  std::string statement;       // the engine's own copy, which the tokeniser changes
+  std::string statement;       // the engine's own copy, in which the tokeniser joins literals
   std::int32_t callDepth = 0;  // calls that are running inside each other's arguments
 };
 
@@ -44,7 +57,7 @@ std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std:
 // Stores a value: ScriptDone, ScriptEmptyName, or ScriptException with the table as it was.
 std::int32_t SetVariable(ScriptEngine& engine, std::string_view name, std::string_view value);
 
-// a to z become A to Z; no other byte changes.
+// Upper-cases a whole text.
 void UpperCase(std::string& text);
 
 }  // namespace orvane

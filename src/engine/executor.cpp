@@ -1,6 +1,5 @@
 #include "engine/executor.h"
 
-#include <string>
 #include <string_view>
 #include <utility>
 
@@ -19,8 +18,31 @@ bool IsAssignment(const ScriptEngine& engine) {
          ClassifyToken(TokenAt(engine, 1)) == ClassEquals;
 }
 
-// Evaluates one operand. Unlike inside an argument, a call that fails is an operand all the same,
-// and a token that is none contributes nothing.
+// An operand of an argument: a call that fails, or a token that is no operand, is a failure.
+bool EvaluateOperand(ScriptEngine& engine, std::size_t& position, std::string& operand) try {
+  const std::string_view token = TokenAt(engine, position);
+  switch (ClassifyToken(token)) {
+    case ClassVariable:
+      return GetVariable(engine, token, operand) == ScriptDone;
+    case ClassLiteral:
+      operand = token;
+      return true;
+    case ClassCall:
+      return RunBuiltin(engine, operand, position);
+    default:
+      return false;
+  }
+} catch (...) {
+  return false;
+}
+
+bool IsOperand(std::string_view token) {
+  const TokenClass tokenClass = ClassifyToken(token);
+  return tokenClass == ClassVariable || tokenClass == ClassLiteral || tokenClass == ClassCall;
+}
+
+// An operand of the statement itself: a call that fails is one all the same, and a token that is no
+// operand contributes nothing.
 bool EvaluateStatementOperand(ScriptEngine& engine, std::string& value, std::size_t& position) try {
   value.clear();
   const std::string_view token = TokenAt(engine, position);
@@ -89,6 +111,22 @@ std::int32_t ExecuteTokens(ScriptEngine& engine) try {
   return Finish(engine, target, assigned);
 } catch (...) {
   return ScriptException;
+}
+
+bool EvaluateArgument(ScriptEngine& engine, std::size_t& position, std::string& argument) {
+  argument.clear();
+  if (!EvaluateOperand(engine, position, argument)) return false;
+  if (!IsOperand(TokenAt(engine, position + 1))) return true;
+
+  // An operand without text repeats the one before it.
+  std::string part = argument;
+  do {
+    ++position;
+    const bool evaluated = EvaluateOperand(engine, position, part);
+    argument += part;
+    if (!evaluated) return false;
+  } while (IsOperand(TokenAt(engine, position + 1)));
+  return true;
 }
 
 }  // namespace orvane

@@ -1,6 +1,8 @@
 #include "engine/tokeniser.h"
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "engine/engine.h"
 #include "engine/executor.h"
@@ -38,49 +40,25 @@ constexpr auto kWordCharacters = MakeWordCharacters();
 
 // Fills engine.tokens, or gives the code that ends the statement before anything is executed.
 std::int32_t Split(ScriptEngine& engine) {
-  char* word = engine.statement.data();
-  char* end = word;  // of the word, which is written over the statement's own text
-  const auto flush = [&] {
-    if (word == end) return;
-    engine.tokens.push_back({word, static_cast<std::size_t>(end - word)});
-    word = end;
-  };
-  const auto addSeparator = [&](char c) {
-    flush();
-    *end++ = c;
-    flush();
-  };
-  const auto atStart = [&] { return engine.tokenCount == 0 && word == end; };
-
-  for (const char c : engine.statement) {
-    if (kWordCharacters[static_cast<unsigned char>(c)]) {
-      *end++ = c;
-      continue;
+  auto& tokens = engine.tokens;
+  const char* word = engine.statement.data();
+  const char* const end = word + engine.statement.size();
+  for (const char* next = word; next != end; ++next) {
+    if (kWordCharacters[static_cast<unsigned char>(*next)]) continue;
+    engine.tokenCount = static_cast<std::int32_t>(tokens.size());
+    const bool isBlank = *next == ' ' || *next == '\t';
+    if (!isBlank) {
+      const bool isFirst = engine.tokenCount == 0 && word == next;
+      const bool isComment = *next == '/' || *next == ';';
+      if (isComment && isFirst) return ScriptNothingToRun;
+      if (isComment || (*next == '=' && engine.tokenCount > 1)) continue;
+      if (isFirst && *next != '=') return kRefused;
     }
-    engine.tokenCount = static_cast<std::int32_t>(engine.tokens.size());
-    switch (c) {
-      case ' ':
-      case '\t':
-        flush();
-        continue;
-      case '=':
-        if (engine.tokenCount > 1) break;
-        addSeparator(c);
-        continue;
-      case '(':
-      case ')':
-      case ',':
-        if (atStart()) return kRefused;
-        addSeparator(c);
-        continue;
-      case '/':
-      case ';':
-        if (atStart()) return ScriptNothingToRun;
-        break;
-    }
-    *end++ = c;
+    if (word != next) tokens.emplace_back(word, next);
+    if (!isBlank) tokens.emplace_back(next, next + 1);
+    word = next + 1;
   }
-  flush();
+  if (word != end) tokens.emplace_back(word, end);
   return ScriptDone;
 }
 
@@ -88,10 +66,6 @@ std::int32_t Split(ScriptEngine& engine) {
 
 TokenClass ClassifyToken(std::string_view token) {
   return token.empty() ? ClassEmpty : kTokenClasses[static_cast<unsigned char>(token.front())];
-}
-
-std::string_view TokenAt(const ScriptEngine& engine, std::size_t position) {
-  return position < engine.tokens.size() ? engine.tokens[position] : std::string_view();
 }
 
 std::int32_t Tokenise(ScriptEngine& engine) {
@@ -103,18 +77,22 @@ std::int32_t Tokenise(ScriptEngine& engine) {
 }
 
 void MergeLiteralRuns(ScriptEngine& engine) {
+  char* const text = engine.statement.data();
   auto& tokens = engine.tokens;
-  auto last = tokens.begin();
+  auto next = tokens.begin();
+  TokenClass before = ClassEmpty;
   for (const std::string_view token : tokens) {
-    const bool joins = last != tokens.begin() && ClassifyToken(token) == ClassLiteral &&
-                       ClassifyToken(last[-1]) == ClassLiteral;
-    if (joins) {
-      last[-1] = {last[-1].data(), last[-1].size() + token.size()};
+    const TokenClass tokenClass = ClassifyToken(token);
+    if (tokenClass == ClassLiteral && before == ClassLiteral) {
+      std::string_view& run = next[-1];
+      std::memmove(text + (run.data() - text) + run.size(), token.data(), token.size());
+      run = {run.data(), run.size() + token.size()};
     } else {
-      *last++ = token;
+      *next++ = token;
     }
+    before = tokenClass;
   }
-  tokens.erase(last, tokens.end());
+  tokens.erase(next, tokens.end());
 }
 
 }  // namespace orvane

@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
+#include "engine/engine.h"
+
 namespace orvane {
 
-struct ScriptEngine;
-
 // What a token is, by its first character alone.
-enum TokenClass {
+enum TokenClass : unsigned char {
   ClassVariable = 0,  // %
   ClassLiteral = 1,   // any character not named here
   ClassCall = 2,      // @
@@ -24,16 +24,16 @@ enum TokenClass {
 TokenClass ClassifyToken(std::string_view token);
 
 // The token at a position; the empty text, which is of ClassEmpty, at or past the end.
-std::string_view TokenAt(const ScriptEngine& engine, std::size_t position);
+inline std::string_view TokenAt(const ScriptEngine& engine, std::size_t position) {
+  return position < engine.tokens.size() ? engine.tokens[position] : std::string_view();
+}
 
-// Splits engine.statement into engine.tokens and executes them. The statement's bytes are moved
-// together while it is split, blanks squeezed out, so that the tokens stand back to back in it.
-// Gives what ExecuteTokens gives, or 1 for a statement that begins with a separator, or
-// ScriptNothingToRun.
+// Splits engine.statement into engine.tokens and executes them. Gives what ExecuteTokens gives, or
+// 1 for a statement that begins with a separator, or ScriptNothingToRun.
 std::int32_t Tokenise(ScriptEngine& engine);
 
-// Makes one token of every run of adjacent literals. They stand back to back, so a joined token
-// is a longer view.
+// Makes one token of every run of adjacent literals. Their texts are moved together in
+// engine.statement, over the blanks between them.
 void MergeLiteralRuns(ScriptEngine& engine);
 
 }  // namespace orvane

@@ -33,7 +33,7 @@ TEST(Memory, MissingMakesNoEngine) {
 
 TEST(Memory, MissingLeavesVariables) {
   const std::string name = "%" + kLong;
-  const std::string longer = kLong + kLong;
+  const std::string longer = kLong + kLong, longest = longer + longer;
   const auto set = [&](const std::string& value) {
     return SetVarValue(name.c_str(), value.c_str());
   };
@@ -42,7 +42,7 @@ TEST(Memory, MissingLeavesVariables) {
   EXPECT_GT(FailuresOf(setFirst, [&] { EXPECT_EQ(get(), ScriptUndefinedVariable); }), 0);
   const auto setAgain = [&] { return set(longer) == ScriptDone; };
   EXPECT_GT(FailuresOf(setAgain, [&] { EXPECT_EQ(Value(name).text, kLong); }), 0);
-  EXPECT_EQ(RunWith(0, [&] { return set(kLong); }), ScriptException);
+  EXPECT_EQ(RunWith(0, [&] { return set(longest); }), ScriptException);
   EXPECT_EQ(RunWith(0, get), ScriptException);
   EXPECT_EQ(Value(name).text, longer);
 }
