@@ -1,16 +1,12 @@
 #include "commands/builtin.h"
 
-#include <array>
+#include <algorithm>
 #include <new>
 
-#include "commands/crypto_commands.h"
-#include "commands/data_commands.h"
-#include "commands/reader_commands.h"
-#include "commands/text_commands.h"
-#include "engine/command_table.h"
 #include "engine/executor.h"
 #include "engine/tokeniser.h"
 #include "util/hex.h"
+#include "util/upper_case.h"
 
 namespace orvane {
 namespace {
@@ -18,31 +14,45 @@ namespace {
 constexpr std::int32_t kDeepestCall = 128;
 constexpr std::size_t kLongestValue = 16 << 20;
 
-consteval std::array<CommandBody, kCommandCount> MakeBodies() {
-  std::array<CommandBody, kCommandCount> bodies{};
-  bodies[kReset] = ResetRequest;
-  bodies[kStop] = StopRequest;
-  bodies[kStrMid] = StrMid;
-  bodies[kStrMidH] = StrMidH;
-  bodies[kCompare] = Compare;
-  bodies[kSetReader] = SetReaderRequest;
-  bodies[kSetSlot] = SetSlotRequest;
-  bodies[kStrLen] = StrLen;
-  bodies[kStrLenH] = StrLenH;
-  bodies[kDes] = Des;
-  bodies[kDesCbc] = DesCbc;
-  bodies[kMac] = Mac;
-  bodies[kXor] = Xor;
-  bodies[kAscToHex] = AscToHex;
-  bodies[kHexToAsc] = HexToAsc;
-  bodies[kSubKey] = SubKey;
-  bodies[kOpenReader] = OpenReaderRequest;
-  bodies[kRsaPubEnc] = RsaPubEnc;
-  bodies[kHash] = Hash;
-  return bodies;
-}
+struct CommandEntry {
+  std::string_view keyword;    // in upper case
+  std::int32_t argumentCount;  // only zero or not counts: the bodies read what they need
+  std::int32_t commandId;
+  CommandBody* body;
+};
 
-constexpr auto kBodies = MakeBodies();
+constexpr CommandEntry kCommandTable[] = {
+    {"@RESET", 0, 1, ResetRequest},
+    {"@STOP", 0, 2, StopRequest},
+    {"@STRMID", 3, 3, StrMid},
+    {"@STRMIDH", 3, 4, StrMidH},
+    {"@COMPARE", 2, 5, Compare},
+    {"@SETREADER", 1, 6, SetReaderRequest},
+    {"@SETSLOT", 1, 7, SetSlotRequest},
+    {"@STRLEN", 1, 8, StrLen},
+    {"@STRLENH", 1, 9, StrLenH},
+    {"@DES", 3, 10, Des},
+    {"@DESCBC", 4, 11, DesCbc},
+    {"@MAC", 4, 12, Mac},
+    {"@XOR", 2, 13, Xor},
+    {"@ASC2HEX", 1, 14, AscToHex},
+    {"@HEX2ASC", 1, 15, HexToAsc},
+    {"@SUBKEY", 2, 16, SubKey},
+    {"@OPENREADER", 1, 17, OpenReaderRequest},
+    {"@RSAPUBENC", 3, 18, RsaPubEnc},
+    {"@HASH", 1, 19, Hash},
+};
+
+// All zero for a word that is no keyword.
+CommandEntry FindCommand(std::string_view word) {
+  const auto matches = [](char c, char upper) { return UpperCase(c) == upper; };
+  for (const CommandEntry& entry : kCommandTable) {
+    if (std::equal(word.begin(), word.end(), entry.keyword.begin(), entry.keyword.end(), matches)) {
+      return entry;
+    }
+  }
+  return {};
+}
 
 class DepthGuard {
  public:
@@ -61,23 +71,23 @@ void CheckSize(std::size_t size) {
 
 }  // namespace
 
-bool Call::Read(std::string& argument) {
+bool CommandCall::Read(std::string& argument) {
   if (EvaluateArgument(engine, position, argument)) return true;
   out = argument;
   return false;
 }
 
-bool Call::ReadNext(std::string& argument) {
+bool CommandCall::ReadNext(std::string& argument) {
   position += 2;
   return Read(argument);
 }
 
-void Call::Give(std::string_view text) {
+void CommandCall::Give(std::string_view text) {
   CheckSize(text.size());
   out = text;
 }
 
-void Call::GiveHex(const unsigned char* octets, std::size_t count) {
+void CommandCall::GiveHex(const unsigned char* octets, std::size_t count) {
   CheckSize(2 * count);
   out.resize(2 * count);
   EncodeHex(octets, count, out.data());
@@ -86,8 +96,7 @@ void Call::GiveHex(const unsigned char* octets, std::size_t count) {
 bool RunBuiltin(ScriptEngine& engine, std::string& out, std::size_t& position) try {
   if (ClassifyToken(TokenAt(engine, position + 1)) != ClassOpen) return false;
   const CommandEntry command = FindCommand(TokenAt(engine, position));
-  const CommandBody body = kBodies[static_cast<std::size_t>(command.commandId)];
-  if (body == nullptr) return false;
+  if (command.commandId == 0) return false;
 
   const DepthGuard guard(engine.callDepth);
   if (engine.callDepth > kDeepestCall) {
@@ -95,8 +104,8 @@ bool RunBuiltin(ScriptEngine& engine, std::string& out, std::size_t& position) t
     return false;
   }
   if (command.argumentCount > 0) position += 2;
-  Call call{engine, out, position};
-  return body(call);
+  CommandCall call{engine, out, position};
+  return command.body(call);
 } catch (...) {
   return false;
 }

@@ -1,10 +1,9 @@
-#include "commands/crypto_commands.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string_view>
 
+#include "commands/builtin.h"
 #include "commands/crypto_provider_table.h"
 #include "platform/foreign_call.h"
 #include "util/hex.h"
@@ -43,7 +42,7 @@ struct BlockAreas {
   std::int32_t resultCount = -1;  // not a length: the provider has to set one
 };
 
-bool ReadKey(Call& call, std::string& key) {
+bool ReadKey(CommandCall& call, std::string& key) {
   if (!call.Read(key)) return false;
   const std::size_t count = ByteCount(key);
   return count == 8 || count == 16 || count == 24;
@@ -58,13 +57,13 @@ std::unique_ptr<BlockAreas> FillAreas(const std::string& key, const std::string&
 
 bool IsLongKey(const std::string& key) { return ByteCount(key) > 8; }
 
-bool GiveOctets(Call& call, const std::uint8_t* area, std::size_t size, std::int32_t count) {
+bool GiveOctets(CommandCall& call, const std::uint8_t* area, std::size_t size, std::int32_t count) {
   if (count < 0 || static_cast<std::size_t>(count) > size) return false;
   call.GiveHex(area, static_cast<std::size_t>(count));
   return true;
 }
 
-bool GiveResult(Call& call, const BlockAreas& areas) {
+bool GiveResult(CommandCall& call, const BlockAreas& areas) {
   return GiveOctets(call, areas.result, kResultBytes, areas.resultCount);
 }
 
@@ -73,7 +72,7 @@ std::int32_t CallProvider(Entry entry, Arguments... arguments) {
   return platform::CallForeign([&] { return entry(arguments...); });
 }
 
-bool RunBlockEntry(Call& call, BlockAreas& areas, const std::string& flag, std::int32_t mode,
+bool RunBlockEntry(CommandCall& call, BlockAreas& areas, const std::string& flag, std::int32_t mode,
                    bool withIv) {
   const CryptoProvider& provider = BoundCryptoProvider();
   const CryptoBlockEntry entry =
@@ -87,14 +86,14 @@ bool RunBlockEntry(Call& call, BlockAreas& areas, const std::string& flag, std::
 
 void RemoveBlanks(std::string& text) { std::erase(text, ' '); }
 
-bool Fail(Call& call, std::string_view message) {
+bool Fail(CommandCall& call, std::string_view message) {
   call.Give(message);
   return false;
 }
 
 }  // namespace
 
-bool Des(Call& call) {
+bool Des(CommandCall& call) {
   std::string key;
   std::string data;
   std::string flag;
@@ -104,7 +103,7 @@ bool Des(Call& call) {
   return areas && RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 1 : 0, false);
 }
 
-bool DesCbc(Call& call) {
+bool DesCbc(CommandCall& call) {
   std::string key;
   std::string data;
   std::string iv;
@@ -117,7 +116,7 @@ bool DesCbc(Call& call) {
   return areas && RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 4 : 3, true);
 }
 
-bool Mac(Call& call) {
+bool Mac(CommandCall& call) {
   std::string key;
   std::string data;
   std::string iv;
@@ -139,7 +138,7 @@ bool Mac(Call& call) {
   return true;
 }
 
-bool SubKey(Call& call) {
+bool SubKey(CommandCall& call) {
   std::string key;
   std::string data;
   if (!ReadKey(call, key) || !call.ReadNext(data)) return false;
@@ -153,7 +152,7 @@ bool SubKey(Call& call) {
   return GiveResult(call, *areas);
 }
 
-bool RsaPubEnc(Call& call) {
+bool RsaPubEnc(CommandCall& call) {
   std::string modulus;
   std::string exponent;
   std::string data;
@@ -174,7 +173,7 @@ bool RsaPubEnc(Call& call) {
   return true;
 }
 
-bool Hash(Call& call) {
+bool Hash(CommandCall& call) {
   std::string hex;
   if (!call.Read(hex)) return false;
   call.Close();

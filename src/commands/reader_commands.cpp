@@ -1,16 +1,16 @@
-#include "commands/reader_commands.h"
+#include "commands/builtin.h"
 
 namespace orvane {
 namespace {
 
 // What stands between the parentheses is not looked at.
-bool Mark(Call& call, StatementKind kind) {
+bool Mark(CommandCall& call, StatementKind kind) {
   call.engine.statementKind = kind;
   call.position += 2;
   return true;
 }
 
-bool MarkAndPass(Call& call, StatementKind kind) {
+bool MarkAndPass(CommandCall& call, StatementKind kind) {
   call.engine.statementKind = kind;
   std::string argument;
   if (!call.Read(argument)) return false;
@@ -21,14 +21,14 @@ bool MarkAndPass(Call& call, StatementKind kind) {
 
 }  // namespace
 
-bool ResetRequest(Call& call) { return Mark(call, KindReset); }
+bool ResetRequest(CommandCall& call) { return Mark(call, KindReset); }
 
-bool StopRequest(Call& call) { return Mark(call, KindStop); }
+bool StopRequest(CommandCall& call) { return Mark(call, KindStop); }
 
-bool SetReaderRequest(Call& call) { return MarkAndPass(call, KindSetReader); }
+bool SetReaderRequest(CommandCall& call) { return MarkAndPass(call, KindSetReader); }
 
-bool SetSlotRequest(Call& call) { return MarkAndPass(call, KindSetSlot); }
+bool SetSlotRequest(CommandCall& call) { return MarkAndPass(call, KindSetSlot); }
 
-bool OpenReaderRequest(Call& call) { return MarkAndPass(call, KindOpenReader); }
+bool OpenReaderRequest(CommandCall& call) { return MarkAndPass(call, KindOpenReader); }
 
 }  // namespace orvane
