@@ -1,30 +1,17 @@
 #include <algorithm>
 #include <memory>
-#include <mutex>
 #include <new>
 
 #include "orvane.h"
-#include "platform/log_mutex.h"
-#include "platform/text_file.h"
+#include "platform/log_file.h"
 #include "util/hex.h"
 
-namespace {
+using orvane::platform::LogFile;
 
-using orvane::platform::LogMutex;
-using orvane::platform::TextFile;
-
-}  // namespace
-
-void AsciiLog(const char* path, const char* text) {
-  LogMutex mutex;
-  const std::lock_guard lock(mutex);
-  TextFile(path).Append(text);
-}
+void AsciiLog(const char* path, const char* text) { LogFile(path).Append(text); }
 
 void HexLog(const char* path, const unsigned char* octets, int32_t count) {
-  LogMutex mutex;
-  const std::lock_guard lock(mutex);
-  TextFile file(path);
+  LogFile file(path);
   std::size_t left = count > 0 ? static_cast<std::size_t>(count) : 0;
   // One piece keeps the entry whole. Where there is no memory for it, there are more.
   char area[4096];

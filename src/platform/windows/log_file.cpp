@@ -1,4 +1,4 @@
-#include "platform/text_file.h"
+#include "platform/log_file.h"
 
 #include <windows.h>
 
@@ -8,6 +8,9 @@
 
 namespace orvane::platform {
 namespace {
+
+// Made as the library is loaded: no first call can fail for want of memory.
+const HANDLE LogMutex = CreateMutexW(nullptr, FALSE, nullptr);
 
 OVERLAPPED At(DWORD high, DWORD low) {
   OVERLAPPED place{};
@@ -55,16 +58,19 @@ void Write(std::intptr_t file, std::string_view text) {
 
 }  // namespace
 
-TextFile::TextFile(const char* path)
-    : file_(reinterpret_cast<std::intptr_t>(
-          CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                      FILE_ATTRIBUTE_NORMAL, nullptr))) {}
-
-TextFile::~TextFile() {
-  if (file_ != kNone) CloseHandle(reinterpret_cast<HANDLE>(file_));
+LogFile::LogFile(const char* path) {
+  WaitForSingleObject(LogMutex, INFINITE);
+  file_ = reinterpret_cast<std::intptr_t>(CreateFileA(path, GENERIC_WRITE,
+                                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                      OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-void TextFile::Append(std::string_view text) {
+LogFile::~LogFile() {
+  if (file_ != kNone) CloseHandle(reinterpret_cast<HANDLE>(file_));
+  ReleaseMutex(LogMutex);
+}
+
+void LogFile::Append(std::string_view text) {
   constexpr std::string_view kLineEnd = "\r\n";
   if (file_ == kNone) return;
   const AppendLock lock(file_);

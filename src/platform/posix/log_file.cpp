@@ -1,22 +1,31 @@
-#include "platform/text_file.h"
+#include "platform/log_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <mutex>
 
 #include "write_signals.h"
 
 namespace orvane::platform {
+namespace {
 
-TextFile::TextFile(const char* path)
-    : file_(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)) {}
+constinit std::mutex LogMutex;
 
-TextFile::~TextFile() {
-  if (file_ != kNone) close(static_cast<int>(file_));
+}  // namespace
+
+LogFile::LogFile(const char* path) {
+  LogMutex.lock();
+  file_ = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
 }
 
-void TextFile::Append(std::string_view text) {
+LogFile::~LogFile() {
+  if (file_ != kNone) close(static_cast<int>(file_));
+  LogMutex.unlock();
+}
+
+void LogFile::Append(std::string_view text) {
   const WriteSignals blocked;
   while (file_ != kNone && !text.empty()) {
     const ssize_t written = write(static_cast<int>(file_), text.data(), text.size());
