@@ -8,8 +8,8 @@
 namespace orvane::platform {
 
 // A character set of narrow text, under its Windows number. The first two are the system's own, as
-// they are set at the time of the call; where the system knows no such pair, both are the
-// character set of the environment's locale, or UTF-8 if that is the C locale.
+// they are set at the time of the call. On POSIX both are the character set of the environment's
+// locale, or UTF-8 in the C locale.
 enum class CodePage : unsigned { kAnsi = 0, kOem = 1, kUtf8 = 65001 };
 
 // What a conversion came to.

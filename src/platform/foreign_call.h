@@ -8,12 +8,12 @@ extern "C" {
 bool OrvaneRunForeign(void (*operation)(void*), void* argument);
 }
 
-// What stands for an exception of another compiler's making.
+// Thrown in place of an exception that another compiler's code threw.
 struct ForeignException {};
 
-// Gives what call gives. Whatever a foreign library throws in it leaves as an exception that
-// catch (...) sees. An exception of another compiler's making passes by the destructors of what
-// stands between here and the library: call keeps nothing that has to be destroyed.
+// Gives what call gives. Whatever a foreign library throws in it becomes an exception that
+// catch (...) sees. An exception of another compiler's code skips the destructors between here and
+// the library, so call must own nothing.
 template <typename Call>
 auto CallForeign(Call call) {
   decltype(call()) result{};

@@ -6,8 +6,8 @@
 
 namespace orvane::platform {
 
-// A file of the current folder, under an ASCII name, that is read from its start, untranslated.
-// Empty if it can't be opened; folders, pipes and devices can't.
+// Reads a regular file of the current folder from its start, untranslated. The name is ASCII. Empty
+// if the file can't be opened; folders, pipes and devices count as such.
 class InputFile {
  public:
   explicit InputFile(const std::string& name);

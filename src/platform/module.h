@@ -20,19 +20,19 @@ class Module {
   void* handle_ = nullptr;
 };
 
-// Loads a library by its bare Windows name, such as "winscard.dll". Elsewhere that stands for
-// libwinscard.so. One that the process has loaded already, by its own name or its file's, is the
-// one that is found; else it is looked for as the system does, then in folders that the host has
-// named to the system for this, then in the folder of this library.
+// Loads a library by its bare Windows name, such as "winscard.dll"; on POSIX that means
+// libwinscard.so. The first one counts that is found
+//  - among the libraries of the process, by its own name or that of its file,
+//  - where the system looks for libraries,
+//  - on Windows, in folders that the host has named to AddDllDirectory,
+//  - in the folder of this library.
 Module LoadModule(const char* fileName);
 
-// Likewise for a module that is given secrets: on Windows neither the current folder nor PATH is
-// looked in.
+// The same for a module that is given secrets: on Windows the current folder and PATH are left out.
 Module LoadOwnModule(const char* fileName);
 
-// Loads a library of that name from the folder that this library was loaded from and from nowhere
-// else. A library that was loaded through a link has two: the link's, which comes first, and, but
-// on Windows, that of the file which the link leads to.
+// Loads a library of that name from the folder of this library alone. If this library was loaded
+// through a link, the folder is that of the link; on POSIX that of its file comes second.
 Module LoadModuleFromOwnFolder(const char* fileName);
 
 }  // namespace orvane::platform

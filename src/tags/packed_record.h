@@ -7,8 +7,8 @@
 
 namespace orvane {
 
-// A record of the dictionary in the room that its texts take. Octets behind their terminators are
-// kept where there are any but zeros, and take their room.
+// A record of the dictionary in the room that its texts take. If an octet behind a terminator is
+// not zero, the record is kept whole.
 class PackedRecord {
  public:
   // A field without a terminator loses its last character.
@@ -21,7 +21,7 @@ class PackedRecord {
   TagdictData Unpack() const;
 
  private:
-  // The texts with a zero between two, or all octets of the record: those are always more.
+  // The three texts with zeros between them, or all octets of the record, which are always more.
   std::string octets_;
 };
 

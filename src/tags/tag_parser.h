@@ -8,8 +8,8 @@
 
 #include "orvane.h"
 
-// The object behind the host's handle: of each tag that was parsed, the last value. An element
-// costs no copy and no allocation of its own; the host's record is made when it asks.
+// The object behind the host's handle. It keeps the last value of each tag. The parsed text is kept
+// whole, and an entry points into it; the host's record is made when it asks.
 struct TagParser {
  public:
   // Adds the elements of a text, up to the first fault. True if there was none. Throws

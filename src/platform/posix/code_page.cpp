@@ -17,8 +17,8 @@ namespace {
 
 constexpr auto kUtf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
-// The character set of the environment's locale, without touching the process's own locale.
-// The C locale names none: UTF-8 stands in there.
+// The character set of the environment's locale. The process's own locale stays as it is. In the C
+// locale it is UTF-8.
 std::string EnvironmentCharacterSet() {
   const std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)> environment(
       newlocale(LC_CTYPE_MASK, "", nullptr), &freelocale);
@@ -60,7 +60,7 @@ class Converter {
     }
   }
 
-  // Appends a character that is held back until it is known whether the next one belongs to it.
+  // Where a set combines characters, iconv holds one back until it sees the next. This appends it.
   void Flush(std::string& out) {
     std::array<char, 64> area;
     char* next = area.data();
@@ -94,10 +94,10 @@ bool IsPair(std::u16string_view text) {
   return text.size() > 1 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
 }
 
-// Each character that does not map becomes '?'. They are converted one by one: glibc takes a long
-// way back from a character that it can't convert in the middle of a text.
+// Each character that does not map becomes '?'. They are converted one by one: glibc is slow to go
+// on behind a character that it can't convert.
 std::optional<std::string> Encode(const std::string& to, std::u16string_view text) {
-  // Language tags begin with this unit. Where a set lacks them, iconv silently leaves them out.
+  // The first unit of a language tag. iconv drops such a tag silently if the set has none.
   constexpr char16_t kTagLead = 0xDB40;
   Converter converter(to, kUtf16);
   if (!converter) return std::nullopt;
@@ -137,7 +137,7 @@ Conversion FromWide(CodePage to, const char16_t* text, std::span<char> out) {
 }
 
 std::string AnsiText(std::u16string_view text) {
-  // The terminator brings out what a set of combined characters holds back.
+  // With the terminator, iconv also gives out a character that it holds back.
   const std::u16string terminated(text);
   auto out = Encode(EnvironmentCharacterSet(), {terminated.c_str(), terminated.size() + 1});
   if (!out) return {};

@@ -28,7 +28,8 @@ class Descriptor {
   int number_;
 };
 
-// A file's name in its folder; both stay right when the folder is moved. Without a folder: nowhere.
+// A name in an open folder. It stays right when the folder is moved. Without a folder it is
+// nowhere.
 struct Place {
   Descriptor folder;
   std::string name;
@@ -37,11 +38,11 @@ struct Place {
 // The name in the current folder.
 Place PlaceHere(const std::string& name);
 
-// Where the open file lies that was opened under this name, once all links are followed.
+// Where an open file lies, with all links followed. It was opened under this name.
 Place PlaceOf(const Descriptor& file, const std::string& name);
 
-// A file NAME.NUMBER.new that was not there, beside another one. It goes again, unless it takes the
-// other one's place. It is locked: unlocked ones are those of processes that died.
+// A new file NAME.NUMBER.new beside the file NAME. It is removed in the end, unless it has taken
+// the place of NAME. It is locked; one without a lock was left by a process that died.
 class NewFile {
  public:
   NewFile(const Place& place, mode_t mode);
