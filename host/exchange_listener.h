@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@ namespace host {
 // When something began, and how long it took.
 struct Timing {
   std::chrono::system_clock::time_point begin;
+  std::chrono::steady_clock::time_point start;  // the same by the clock that never jumps
   std::chrono::nanoseconds duration;
 };
 
@@ -34,10 +36,13 @@ class ExchangeListener {
  public:
   virtual ~ExchangeListener() = default;
 
+  virtual void Opening() {}
   virtual void Opened(size_t reader, const ReaderAddress& address, bool simulated, bool hidden) = 0;
   // Digits; no ATR if the card gave none, empty digits if its reader has none.
   virtual void CardReset(size_t reader, const std::optional<std::string>& atr,
                          const Timing& timing) = 0;
+  // Before a command goes out.
+  virtual void Sending(const CardCommand& /*command*/, bool /*hidden*/) {}
   virtual void Exchanged(const CardExchange& exchange) = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <memory>
 
 #include "host/decode/decode.h"
 #include "host/definitions.h"
@@ -14,6 +15,7 @@
 #include "host/reader_list.h"
 #include "host/script.h"
 #include "host/session.h"
+#include "host/session_recorder.h"
 #include "host/shell.h"
 #include "host/tags_dictionary.h"
 #include "host/text.h"
@@ -40,13 +42,16 @@ void StoreDefinitions(const Options& options, Secrets& secrets) {
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
-      : readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
+      : recorder_(RecorderFor(options)),
+        readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
                  options.coldReset),
         silent_(nullptr),
         trace_(options.quiet ? silent_ : std::cout,
                {.colour = WantsColour(options), .tlv = options.tlv}),
         session_(readers_, secrets_, trace_,
-                 {.showSecrets = options.showSecrets, .echoStatements = echoStatements}) {
+                 {.showSecrets = options.showSecrets,
+                  .echoStatements = echoStatements,
+                  .listeners = Listeners()}) {
     StoreDefinitions(options, secrets_);
     if (!options.reader.empty()) session_.Open(options.reader);
   }
@@ -54,7 +59,19 @@ class Workplace {
   Session& Work() { return session_; }
   void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
 
+  // To be called when all has gone well: throws Failure if the recording is not whole.
+  void Finish() {
+    readers_.CloseAll();
+    if (recorder_) recorder_->Finish();
+  }
+
  private:
+  std::vector<ExchangeListener*> Listeners() {
+    if (!recorder_) return {};
+    return {recorder_.get()};
+  }
+
+  std::unique_ptr<SessionRecorder> recorder_;  // outlives the readers
   Readers readers_;
   Secrets secrets_;
   std::ostream silent_;
@@ -67,6 +84,7 @@ void RunFile(const Options& options) {
   Workplace workplace(options);
   LookAtScript(script, workplace.Work());
   RunScriptFile(script, workplace.Work());
+  workplace.Finish();
 }
 
 // With the lines of standard input in the place of -.
@@ -95,12 +113,15 @@ void SendCommands(const Options& options) {
   for (const std::string& command : commands) {
     workplace.Work().Send(command, options.expected);
   }
+  workplace.Finish();
 }
 
 int StartShell(const Options& options) {
   const bool interactive = InputIsTerminal();
   Workplace workplace(options, !interactive || !OutputIsTerminal());
-  return RunShell(workplace.Work(), interactive);
+  const int code = RunShell(workplace.Work(), interactive);
+  workplace.Finish();
+  return code;
 }
 
 void ShowReaders(const Options& options) {

@@ -105,6 +105,11 @@ void AddReader(CLI::App& command, Options& options) {
       ->transform(kKindNames);
   command.add_flag("--simulate", options.simulate,
                    "Put simulators in the place of all vendor libraries");
+  command
+      .add_option("--record", options.record,
+                  "Record what goes to and from cards (docs/recordings.md). %p in the name "
+                  "becomes this process's number")
+      ->type_name("FILE");
   command.add_flag("--cold-reset", options.coldReset,
                    "Take the power from a card and give it back before its PC/SC reader is opened");
 }

@@ -31,6 +31,7 @@ struct Options {
   std::vector<std::string> environment;    // names
   std::string colour = "auto";
   bool simulate = false;
+  std::string record;  // a file; empty: nothing is recorded
   bool coldReset = false;
   bool quiet = false;
   bool showSecrets = false;

@@ -52,8 +52,8 @@ std::optional<std::string> EnvironmentVariable(const std::string& name);
 std::filesystem::path ProgramFolder();
 
 // Loads a module for the rest of the process's life; what is looked for under its bare file name
-// later is then this one.
-bool LoadModule(const std::filesystem::path& file);
+// later is then this one. Null if it can't be loaded.
+void* LoadModule(const std::filesystem::path& file);
 
 // True if a module stands loaded under this vendor's name and exports such a function.
 bool LoadedModuleExports(std::string_view vendor, const char* function);

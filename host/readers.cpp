@@ -10,6 +10,7 @@
 #include "host/pcsc_service.h"
 #include "host/platform.h"
 #include "host/reader_trouble.h"
+#include "host/session_recorder.h"
 #include "host/text.h"
 
 #ifndef INSTALLED_SIMULATORS  // from the program's folder, if there is an installation
@@ -46,7 +47,10 @@ void LoadSimulator(int32_t kind) {
              installed = (ProgramFolder() / INSTALLED_SIMULATORS).lexically_normal();
   std::error_code error;
   const auto module = (std::filesystem::exists(beside / file, error) ? beside : installed) / file;
-  if (LoadModule(module)) return;
+  if (LoadModule(module) != nullptr) {
+    if (kind == ReaderKindPcsc) PutRecorderFirst();
+    return;
+  }
   if (std::filesystem::exists(module, error)) {
     throw Failure(kReaderFault, "can't load " + module.string());
   }
@@ -66,11 +70,11 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
   return names;
 }
 
-Readers::~Readers() {
+void Readers::CloseAll() {
   for (size_t number = 0; number < places_.size(); ++number) {
     if (!places_[number] || !places_[number]->open) continue;
     SetReader(static_cast<uint32_t>(number));
-    CloseReader();
+    Close(*places_[number]);
   }
 }
 

@@ -36,9 +36,11 @@ class Readers {
         simulate_(simulate),
         coldReset_(coldReset),
         defaultReader_(std::move(defaultReader)) {}
-  ~Readers();
+  ~Readers() { CloseAll(); }
   Readers(const Readers&) = delete;
   Readers& operator=(const Readers&) = delete;
+
+  void CloseAll();
 
   // True once a reader has been named or the default one has opened.
   bool Used() const { return used_; }

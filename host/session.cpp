@@ -29,7 +29,7 @@ bool UsesCrypto(const Statement& statement) {
 
 class Stopwatch {
  public:
-  Timing Read() const { return {begin_, std::chrono::steady_clock::now() - start_}; }
+  Timing Read() const { return {begin_, start_, std::chrono::steady_clock::now() - start_}; }
 
  private:
   std::chrono::system_clock::time_point begin_ = std::chrono::system_clock::now();
@@ -198,6 +198,7 @@ Response Session::Exchange(const CardCommand& command, bool hide) {
   readers_.Check(command);
   trace_.Command(command, hide);
   trace_.Flush();
+  for (ExchangeListener* listener : settings_.listeners) listener->Sending(command, hide);
   const Response response =
       Timed([&] { return readers_.Send(command); },
             [&](const std::optional<Response>& given, const Timing& timing) {
@@ -241,11 +242,17 @@ void Session::Compare(const Statement& statement, std::optional<size_t> line, bo
 void Session::OpenDefault() {
   if (readers_.Used()) return;
   trace_.Flush();
+  TellOpening();
   TellOpened(readers_.OpenDefault(), false);
 }
 
 void Session::Open(std::string_view address, bool hide) {
+  TellOpening();
   TellOpened(readers_.Open(address), hide);
+}
+
+void Session::TellOpening() const {
+  for (ExchangeListener* listener : settings_.listeners) listener->Opening();
 }
 
 void Session::TellOpened(const ReaderAddress& address, bool hide) {

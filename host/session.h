@@ -65,6 +65,7 @@ class Session {
   void SendFrom(const Statement& statement, std::optional<size_t> line, std::string_view digits,
                 bool hideStatement);
   Response Exchange(const CardCommand& command, bool hide);
+  void TellOpening() const;
   void TellOpened(const ReaderAddress& address, bool hide);
   void Compare(const Statement& statement, std::optional<size_t> line, bool held, bool hide);
   void OpenDefault();

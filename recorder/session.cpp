@@ -43,6 +43,7 @@ void BeginByEnvironment() {
   if (settings.append != nullptr || !file) return;
   const auto shown = EnvironmentPath("ORVANE_RECORD_SECRETS");
   log = new recordings::SessionLog(*file, shown && *shown == "1");
+  log->Begin();
   settings = {.append = Append,
               .ready = IsReady,
               .nextReader = NextReader,
@@ -84,11 +85,11 @@ int64_t ReaderOf(winscard::SCARDHANDLE card) {
   return found != readers.end() ? found->second : 0;
 }
 
-void SetCommand(Event& event, std::string digits) {
+void SetCommand(Event& event, const std::string& digits) {
   const bool secret = recordings::CarriesSecret(digits);
   event.command = digits;
   if (settings.showSecrets != 0 || !(secret || hideAll)) return;
-  event.command = recordings::WithoutData(std::move(digits));
+  event.command = recordings::WithoutData(digits, recordings::FindParts(digits));
   if (event.command.find('*') == event.command.npos) return;
   event.hidden = secret ? "data of " + std::string(recordings::InstructionName(event.command))
                         : "data made from a secret";

@@ -25,7 +25,7 @@ int64_t AddReader(winscard::SCARDHANDLE card);
 int64_t ReaderOf(winscard::SCARDHANDLE card);
 
 // Puts a command into its event, with the data hidden that are not to be shown.
-void SetCommand(Event& event, std::string digits);
+void SetCommand(Event& event, const std::string& digits);
 
 std::string ToHex(const void* octets, std::size_t count);
 std::string CodeText(winscard::DWORD code);  // as 0x80100069

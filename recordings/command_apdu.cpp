@@ -122,6 +122,7 @@ bool PutsDataObject(std::string_view digits) {
 }  // namespace
 
 CommandParts FindParts(std::string_view digits) {
+  if (digits.size() < 8) return {};
   const auto octets = digits.size() / 2;
   const auto part = [&](size_t begin, size_t end) {
     return digits.substr(2 * begin, 2 * (end - begin));
@@ -161,11 +162,11 @@ std::string_view InstructionName(std::string_view beginning) {
   return instruction != nullptr ? instruction->name : "";
 }
 
-std::string WithoutData(std::string digits) {
-  if (digits.size() < 8) return digits;
-  const CommandParts parts = FindParts(digits);
-  std::fill(digits.begin() + static_cast<std::ptrdiff_t>(2 * parts.dataBegin),
-            digits.begin() + static_cast<std::ptrdiff_t>(2 * parts.dataEnd), '*');
+std::string WithoutData(std::string digits, const CommandParts& parts) {
+  const size_t begin = std::min(2 * parts.dataBegin, digits.size());
+  const size_t end = std::clamp(2 * parts.dataEnd, begin, digits.size());
+  std::fill(digits.begin() + static_cast<std::ptrdiff_t>(begin),
+            digits.begin() + static_cast<std::ptrdiff_t>(end), '*');
   return digits;
 }
 

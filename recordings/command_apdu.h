@@ -16,7 +16,7 @@ struct CommandParts {
   size_t expectedData = 0;  // how many octets of data its Le asks for
 };
 
-// Of whole octets in upper-case hexadecimal digits, a header's four or more.
+// Of whole octets in upper-case hexadecimal digits; fewer than a header's four have no parts.
 CommandParts FindParts(std::string_view digits);
 
 // True where the data field carries a PIN or a key, as far as the beginning tells: four digits tell
@@ -28,6 +28,6 @@ bool CarriesSecret(std::string_view beginning);
 std::string_view InstructionName(std::string_view beginning);
 
 // The command with a * for every digit of its data.
-std::string WithoutData(std::string digits);
+std::string WithoutData(std::string digits, const CommandParts& parts);
 
 }  // namespace recordings

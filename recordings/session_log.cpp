@@ -46,16 +46,23 @@ void SetTimes(Event& event, Steady::time_point origin, Steady::time_point begin,
   event.took = duration_cast<Microseconds>(end - begin).count();
 }
 
-SessionLog::SessionLog(const std::filesystem::path& file, bool showSecrets)
-    : showSecrets_(showSecrets), trouble_(file_.Open(FileFor(file), showSecrets)) {
+void SessionLog::Begin() {
+  const std::lock_guard lock(mutex_);
+  BeginLocked();
+}
+
+void SessionLog::BeginLocked() {
+  if (std::exchange(open_, true)) return;
+  trouble_ = file_.Open(FileFor(name_), showSecrets_);
   if (!trouble_.empty()) return;
-  Append(WriteEvent({.type = EventType::kRecording,
-                     .begun = TextOf(std::chrono::system_clock::now()),
-                     .secrets = showSecrets ? "shown" : "hidden"}));
+  trouble_ = file_.Append(WriteEvent({.type = EventType::kRecording,
+                                      .begun = TextOf(begun_),
+                                      .secrets = showSecrets_ ? "shown" : "hidden"}));
 }
 
 void SessionLog::Append(std::string_view line) {
   const std::lock_guard lock(mutex_);
+  BeginLocked();
   if (trouble_.empty()) trouble_ = file_.Append(line);
 }
 

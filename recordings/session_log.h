@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "recordings/event.h"
 #include "recordings/recording_file.h"
@@ -19,13 +20,16 @@ using Steady = std::chrono::steady_clock;
 void SetTimes(Event& event, Steady::time_point origin, Steady::time_point begin,
               Steady::time_point end);
 
-// A session that is being recorded. Any thread may append; once a line could not be written, no
+// A session that is being recorded. Any thread may call it; once a line could not be written, no
 // other one is.
 class SessionLog {
  public:
-  // Opens the file and writes its first line, unless there is trouble. %p in its name becomes the
-  // number of this process.
-  SessionLog(const std::filesystem::path& file, bool showSecrets);
+  // %p in the file's name becomes the number of this process.
+  SessionLog(std::filesystem::path file, bool showSecrets)
+      : name_(std::move(file)), showSecrets_(showSecrets) {}
+
+  // Opens the file and writes its first line, unless that has been done.
+  void Begin();
 
   void Append(std::string_view line);
 
@@ -39,10 +43,15 @@ class SessionLog {
   bool ShowsSecrets() const { return showSecrets_; }
 
  private:
+  void BeginLocked();
+
   mutable std::mutex mutex_;
-  Steady::time_point origin_ = Steady::now();
+  const std::filesystem::path name_;
+  const bool showSecrets_;
+  const Steady::time_point origin_ = Steady::now();
+  const std::chrono::system_clock::time_point begun_ = std::chrono::system_clock::now();
   std::atomic<int64_t> readers_ = 0;
-  bool showSecrets_;
+  bool open_ = false;
   RecordingFile file_;
   std::string trouble_;
 };

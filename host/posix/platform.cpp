@@ -37,8 +37,8 @@ std::filesystem::path ProgramFolder() {
                     error.message());
 }
 
-bool LoadModule(const std::filesystem::path& file) {
-  return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr;
+void* LoadModule(const std::filesystem::path& file) {
+  return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
 std::string ModuleFileName(std::string_view vendor) { return "lib" + std::string(vendor) + ".so"; }

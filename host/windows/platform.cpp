@@ -20,7 +20,7 @@ std::filesystem::path ProgramFolder() {
 }
 
 // The standard library's own iterator ends at paths of 260 characters.
-bool LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()) != nullptr; }
+void* LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()); }
 
 std::string ModuleFileName(std::string_view vendor) { return std::string(vendor) + ".dll"; }
 

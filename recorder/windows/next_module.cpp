@@ -63,7 +63,10 @@ void* LoadNextModule() {
 }
 
 void* FindFunction(void* module, const char* name) {
-  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
+  const auto function = GetProcAddress(static_cast<HMODULE>(module), name);
+  // Under the bare name of two modules Wine finds the one that it was asked about last.
+  GetProcAddress(Own(), name);
+  return reinterpret_cast<void*>(function);
 }
 
 std::optional<fs::path> EnvironmentPath(const char* name) {
