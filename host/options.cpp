@@ -1,6 +1,7 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <sstream>
 
 #include "host/decode/decode.h"
 #include "host/definitions.h"
@@ -8,6 +9,7 @@
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/reader_address.h"
+#include "host/reader_list.h"
 
 namespace host {
 namespace {
@@ -84,6 +86,15 @@ std::string TryIt() try {
   return "";
 } catch (const Failure&) {  // the system does not tell where the program stands
   return "";
+}
+
+std::string DescribeVersion() {
+  std::ostringstream text;
+  text << "orvane " ORVANE_VERSION "\n" << SystemName() << "\n\n";
+  PrintModules(text);
+  std::string lines = text.str();
+  lines.pop_back();  // its last line end is added
+  return lines;
 }
 
 // Puts the kind's number in the place of its name.
@@ -178,6 +189,8 @@ void DescribeOptions(CLI::App& app, Options& options) {
   app.description("Runs card scripts and APDUs against smart-card readers.");
   app.footer(kShortFooter);  // what the subcommands inherit
   app.require_subcommand(1);
+  app.set_version_flag("--version", DescribeVersion,
+                       "Show the version, the system and the modules that are found");
 
   CLI::App& run = *app.add_subcommand("run", "Run a script, one statement a line");
   run.add_option("FILE", options.file, "The script; - is standard input")->required();

@@ -77,7 +77,7 @@ Code Connect(void* module, Handle context, const char* reader, Then then) {
 }
 
 std::string Ask(const std::string& reader, Then then) {
-  const FoundModule found = FindModule("winscard", false);
+  const FoundModule found = FindModule("winscard", Lookup::kByName);
   if (found.module == nullptr) {
     return "the library " + ModuleFileName("winscard") + " can't be loaded (" + found.message + ")";
   }

@@ -63,17 +63,30 @@ bool LoadedModuleExports(std::string_view vendor, const char* function);
 std::string ToLibrary(const std::string& name);
 std::string FromLibrary(std::string_view name);
 
-// The file name of a maker's library, which is given without lib and ending.
-std::string ModuleFileName(std::string_view vendor);
+// The file name of a module, which is given without lib and ending.
+std::string ModuleFileName(std::string_view name);
 
 struct FoundModule {
   void* module = nullptr;  // null if it can't be had
   std::string message;     // the path of its file, or what is wrong
 };
 
-// A maker's library as Orvane's own finds it, by its bare name and beside itself, or beside itself
-// alone. It stays loaded.
-FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone);
+// How Orvane's library looks for a module before it looks beside itself.
+enum class Lookup {
+  kByName,         // where the system looks for libraries
+  kInOwnFolders,   // not in PATH and the current folder: the crypto module
+  kBesideLibrary,  // nowhere
+};
+
+// A module as Orvane's library finds it. It stays loaded.
+FoundModule FindModule(std::string_view name, Lookup lookup);
+
+// The same without the module, which does nothing in this process: not even one that crashes where
+// it is loaded.
+std::string LocateModule(std::string_view name, Lookup lookup);
+
+// The system's name and release, and the processor's.
+std::string SystemName();
 
 // An exported function; null if there is none.
 void* ModuleFunction(void* module, const char* name);

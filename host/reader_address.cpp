@@ -71,6 +71,9 @@ const std::vector<int32_t>& ReaderKinds() {
 
 std::string_view KindName(int32_t kind) { return KindAt(kind).name; }
 std::string_view KindLibrary(int32_t kind) { return KindAt(kind).library; }
+Lookup KindLookup(int32_t kind) {
+  return kind == ReaderKindWd ? Lookup::kBesideLibrary : Lookup::kByName;
+}
 std::string_view KindExample(int32_t kind) { return KindAt(kind).example; }
 
 std::optional<int32_t> FindKind(std::string_view text) {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/platform.h"
+
 namespace host {
 
 // The kinds of reader, in the order of their numbers.
@@ -16,6 +18,7 @@ std::optional<int32_t> FindKind(std::string_view text);
 std::string KindShortNames();
 // The library behind it, without lib and ending; empty if there is none.
 std::string_view KindLibrary(int32_t kind);
+Lookup KindLookup(int32_t kind);             // of that library
 std::string_view KindExample(int32_t kind);  // a reader's name
 
 // What the text of --reader and of @OPENREADER means: [KIND:]PORT or [KIND:]NAME. A port is digits

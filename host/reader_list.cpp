@@ -14,7 +14,7 @@ namespace host {
 namespace {
 
 constexpr int kNameWidth = 28;
-constexpr int kFileWidth = 18;
+constexpr int kFileWidth = 22;
 
 bool KnowsItsReaders(int32_t kind) {
   return kind == ReaderKindTyUsb || kind == ReaderKindPcsc || kind == ReaderKindBsit;
@@ -38,11 +38,10 @@ size_t PrintKind(std::ostream& out, int32_t kind, int32_t ports) {
   return names.size();
 }
 
-void PrintLibrary(std::ostream& out, int32_t kind) {
-  if (KindLibrary(kind).empty()) return;
-  const FoundModule library = FindModule(KindLibrary(kind), kind == ReaderKindWd);
-  out << std::left << std::setw(kNameWidth) << KindName(kind) << std::setw(kFileWidth)
-      << ModuleFileName(KindLibrary(kind)) << Printable(library.message) << '\n';
+void PrintModule(std::ostream& out, std::string_view what, std::string_view name,
+                 const std::string& message) {
+  out << std::left << std::setw(kNameWidth) << what << std::setw(kFileWidth) << ModuleFileName(name)
+      << Printable(message) << '\n';
 }
 
 }  // namespace
@@ -60,7 +59,19 @@ void PrintReaders(std::ostream& out, int32_t kind, int32_t ports) {
   }
   out << "\nlibraries\n";
   for (const int32_t each : ReaderKinds()) {
-    if (kind == 0 || each == kind) PrintLibrary(out, each);
+    const std::string_view library = KindLibrary(each);
+    if ((kind != 0 && each != kind) || library.empty()) continue;
+    PrintModule(out, KindName(each), library, FindModule(library, KindLookup(each)).message);
+  }
+}
+
+void PrintModules(std::ostream& out) {
+  constexpr std::string_view kCrypto = "orvane_crypto";
+  PrintModule(out, "cryptography", kCrypto, LocateModule(kCrypto, Lookup::kInOwnFolders));
+  for (const int32_t each : ReaderKinds()) {
+    const std::string_view library = KindLibrary(each);
+    if (library.empty() || each == ReaderKindS5009Ats) continue;  // the same as S5009's
+    PrintModule(out, KindName(each), library, LocateModule(library, KindLookup(each)));
   }
 }
 

@@ -11,4 +11,8 @@ namespace host {
 // was found, or what is wrong with it.
 void PrintReaders(std::ostream& out, int32_t kind, int32_t ports);
 
+// Prints the crypto module and each maker's library: where it is, or that it is not found. None of
+// their code runs.
+void PrintModules(std::ostream& out);
+
 }  // namespace host

@@ -81,7 +81,7 @@ std::string WhyNotOpened(const ReaderAddress& address) {
   if (kind == ReaderKindPcsc) return WhyNotConnected(address);
   if (kind == ReaderKindTcp) return "nothing takes a connection there";
   if (kind == ReaderKindFm8201) return "readers of this kind never open";
-  const FoundModule library = FindModule(KindLibrary(kind), kind == ReaderKindWd);
+  const FoundModule library = FindModule(KindLibrary(kind), KindLookup(kind));
   if (library.module == nullptr) {
     return "the library " + ModuleFileName(KindLibrary(kind)) + " can't be loaded (" +
            library.message + ")";

@@ -54,7 +54,7 @@ void LoadRecorder() {
 void PutRecorderFirst() {
   if (recorder == nullptr) return;
   LoadModule(recorderFile);
-  if (FindModule("winscard", false).module == recorder) return;
+  if (FindModule("winscard", Lookup::kByName).module == recorder) return;
   throw Failure(kReaderFault, "can't record: another module has PC/SC's place already");
 }
 

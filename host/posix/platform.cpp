@@ -2,10 +2,18 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <sys/utsname.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
 #include <cstdlib>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "host/failure.h"
@@ -41,15 +49,15 @@ void* LoadModule(const std::filesystem::path& file) {
   return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
-std::string ModuleFileName(std::string_view vendor) { return "lib" + std::string(vendor) + ".so"; }
+std::string ModuleFileName(std::string_view name) { return "lib" + std::string(name) + ".so"; }
 
-FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone) {
-  const std::string file = ModuleFileName(vendor);
+FoundModule FindModule(std::string_view name, Lookup lookup) {
+  const std::string file = ModuleFileName(name);
   Dl_info library{};
   dladdr(dlsym(RTLD_DEFAULT, "RunScript"), &library);
   const auto folder = std::filesystem::path(library.dli_fname).parent_path();
   std::vector<std::string> places = {folder / file, folder / "orvane" / file};
-  if (!besideLibraryAlone) places.insert(places.begin(), file);
+  if (lookup != Lookup::kBesideLibrary) places.insert(places.begin(), file);
   std::string message = "not found";
   for (const std::string& place : places) {
     if (void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL)) {
@@ -61,6 +69,35 @@ FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone) {
     if (!said.starts_with(place + ": cannot open shared object file")) message = said;
   }
   return {nullptr, message};
+}
+
+// The module is loaded in a process of its own.
+std::string LocateModule(std::string_view name, Lookup lookup) {
+  constexpr unsigned kPatience = 5;  // seconds
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) return std::generic_category().message(errno);
+  const pid_t child = fork();
+  if (child == 0) {
+    alarm(kPatience);
+    const std::string message = FindModule(name, lookup).message;
+    _exit(write(ends[1], message.data(), message.size()) < 0 ? 1 : 0);
+  }
+  close(ends[1]);
+  int status = 0;
+  while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+  std::string message(PIPE_BUF, '\0');
+  message.resize(
+      static_cast<size_t>(std::max<ssize_t>(0, read(ends[0], message.data(), PIPE_BUF))));
+  close(ends[0]);
+  if (!message.empty()) return message;
+  return WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM ? "can't be loaded: it takes too long"
+                                                            : "can't be loaded: it crashes";
+}
+
+std::string SystemName() {
+  utsname system{};
+  uname(&system);
+  return std::string(system.sysname) + ' ' + system.release + ' ' + system.machine;
 }
 
 void* ModuleFunction(void* module, const char* name) { return dlsym(module, name); }

@@ -19,20 +19,25 @@ std::filesystem::path ProgramFolder() {
   return std::filesystem::path(name.data(), name.data() + length).parent_path();
 }
 
-// The standard library's own iterator ends at paths of 260 characters.
 void* LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()); }
 
-std::string ModuleFileName(std::string_view vendor) { return std::string(vendor) + ".dll"; }
+std::string ModuleFileName(std::string_view name) { return std::string(name) + ".dll"; }
 
-FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone) {
-  const std::filesystem::path file = ModuleFileName(vendor);
+namespace {
+
+FoundModule Load(std::string_view name, Lookup lookup, DWORD besides) {
+  const std::filesystem::path file = ModuleFileName(name);
   std::vector<wchar_t> path(32768);
   const DWORD room = static_cast<DWORD>(path.size());
   GetModuleFileNameW(GetModuleHandleW(L"orvane.dll"), path.data(), room);
-  HMODULE module = besideLibraryAlone ? nullptr : LoadLibraryW(file.c_str());
+  HMODULE module = nullptr;
+  if (lookup != Lookup::kBesideLibrary) {
+    const DWORD folders = lookup == Lookup::kInOwnFolders ? LOAD_LIBRARY_SEARCH_DEFAULT_DIRS : 0;
+    module = LoadLibraryExW(file.c_str(), nullptr, besides | folders);
+  }
   if (module == nullptr) {
     const auto beside = std::filesystem::path(path.data()).parent_path() / file;
-    module = LoadLibraryExW(beside.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    module = LoadLibraryExW(beside.c_str(), nullptr, besides | LOAD_WITH_ALTERED_SEARCH_PATH);
   }
   if (module == nullptr) {
     const DWORD error = GetLastError();
@@ -43,6 +48,27 @@ FoundModule FindModule(std::string_view vendor, bool besideLibraryAlone) {
   const DWORD length = GetModuleFileNameW(module, path.data(), room);
   const auto text = std::filesystem::path(path.data(), path.data() + length).u8string();
   return {module, std::string(text.begin(), text.end())};
+}
+
+}  // namespace
+
+FoundModule FindModule(std::string_view name, Lookup lookup) { return Load(name, lookup, 0); }
+
+// None of its code runs.
+std::string LocateModule(std::string_view name, Lookup lookup) {
+  return Load(name, lookup, DONT_RESOLVE_DLL_REFERENCES).message;
+}
+
+std::string SystemName() {
+  RTL_OSVERSIONINFOW version{};
+  version.dwOSVersionInfoSize = sizeof version;
+  // What the documented functions tell depends on the program's manifest.
+  const auto get = reinterpret_cast<LONG(WINAPI*)(RTL_OSVERSIONINFOW*)>(
+      ModuleFunction(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion"));
+  if (get != nullptr) get(&version);
+  return "Windows " + std::to_string(version.dwMajorVersion) + '.' +
+         std::to_string(version.dwMinorVersion) + '.' + std::to_string(version.dwBuildNumber) +
+         " x86_64";
 }
 
 void* ModuleFunction(void* module, const char* name) {

@@ -452,6 +452,9 @@ TEST_F(Program, ListsReadersAsTheyAreOpened) {
                 " 1:USB1  listed as USB0\n| 1:USB2  listed as USB1\n| 12:BSIT:1\n| "
                 "12:BSIT:2\n|libraries\n|TY USB token|simulators|D8 "
                 "|dcrf32|simulators|S5009, reset gives the ATS|S5009|simulators");
+  ExpectInOrder(RunOrvane("--version").out,
+                "orvane |\n\ncryptography |orvane_crypto|orvane_crypto|\nPC/SC |winscard|\nBSIT "
+                "|not found\n");
   const Outcome without = RunOrvane("readers -k S5009");
   ExpectInOrder(without.out, "no readers found; |\nS5009 |S5009|not found\n");
   EXPECT_EQ(without.exitCode, 0);
