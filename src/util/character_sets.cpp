@@ -1,19 +1,22 @@
-#include "util/character_sets.h"
-
+#include <cstring>
 #include <span>
 #include <stdexcept>
+#include <string>
 
-namespace orvane {
+#include "orvane.h"
+#include "platform/code_page.h"
+
 namespace {
 
-using platform::CodePage;
-using platform::Conversion;
+using orvane::platform::CodePage;
+using orvane::platform::Conversion;
 
 constexpr auto kNoTranslation = "Invalid UTF-8 sequence.";
 constexpr auto kError = "Error in conversion.";
 constexpr auto kCountsDiffer = "La falla!";
 
-// Sizes, converts and gives the text before the first zero.
+// One conversion of the system's: asks for the size, converts, and gives the text before the first
+// zero. Throws std::runtime_error where the system fails.
 template <typename Unit, typename Convert>
 std::basic_string<Unit> Leg(const char* noTranslation, Convert convert) {
   const Conversion size = convert(std::span<Unit>{});
@@ -24,25 +27,29 @@ std::basic_string<Unit> Leg(const char* noTranslation, Convert convert) {
   return area;
 }
 
-std::u16string ToWide(const CodePageCalls& calls, CodePage from, const char* text) {
-  return Leg<char16_t>(kNoTranslation,
-                       [&](std::span<char16_t> area) { return calls.toWide(from, text, area); });
-}
-
-std::string FromWide(const CodePageCalls& calls, CodePage to, const std::u16string& text) {
-  // Nothing is invalid about what can't be put into UTF-8 here: wide text comes from the first leg.
-  return Leg<char>(to == CodePage::kUtf8 ? kError : kNoTranslation,
-                   [&](std::span<char> area) { return calls.fromWide(to, text.c_str(), area); });
+std::string Converted(CodePage from, CodePage to, const char* text) {
+  const auto wide = Leg<char16_t>(kNoTranslation, [&](std::span<char16_t> area) {
+    return orvane::platform::ToWide(from, text, area);
+  });
+  // UTF-8 has every character, so there is no "invalid" text on the way to it.
+  return Leg<char>(to == CodePage::kUtf8 ? kError : kNoTranslation, [&](std::span<char> area) {
+    return orvane::platform::FromWide(to, wide.c_str(), area);
+  });
 }
 
 }  // namespace
 
-std::string AnsiToUtf8(const CodePageCalls& calls, const char* text) {
-  return FromWide(calls, CodePage::kUtf8, ToWide(calls, CodePage::kAnsi, text));
+void ASCII2UTF_8(const char* text, char* out) {
+  const std::string utf8 = Converted(CodePage::kAnsi, CodePage::kUtf8, text);
+  // Callers are told of three octets for each of theirs, but in TSCII one stands for up to four
+  // characters: whole characters that fit are handed over.
+  std::size_t room = 3 * std::strlen(text);
+  const auto isInside = [](char octet) { return (octet & 0xC0) == 0x80; };
+  while (room < utf8.size() && isInside(utf8[room])) --room;
+  utf8.copy(out, room);
 }
 
-std::string Utf8ToOem(const CodePageCalls& calls, const char* text) {
-  return FromWide(calls, CodePage::kOem, ToWide(calls, CodePage::kUtf8, text));
+void UTF_82ASCII(const char* text, char* out) {
+  const std::string narrow = Converted(CodePage::kUtf8, CodePage::kOem, text);
+  narrow.copy(out, 4 * std::strlen(text));
 }
-
-}  // namespace orvane

@@ -1,11 +1,23 @@
-#include "util/timestamps.h"
-
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <tuple>
 
-namespace orvane {
+#include "orvane.h"
+#include "platform/clock.h"
+
 namespace {
+
+using orvane::platform::CalendarTime;
+using orvane::platform::UtcNow;
+
+// A text with zeros behind it.
+using TimeText = std::array<char, 36>;
+
+constexpr int32_t kWithMs = 1;
 
 constexpr uint32_t kSecondsPerDay = 86400;
 constexpr uint32_t kZeroOfStamps = 28800;
@@ -25,8 +37,8 @@ uint32_t DecimalNumber(std::string_view text) {
   return negative ? 0 - number : number;
 }
 
-}  // namespace
-
+// Seconds since 1970-01-01 08:00:00, in 32-bit arithmetic: 28800 less than the Unix time of the
+// same UTC time. For calendar times in or after 1970.
 uint32_t StampFromCalendar(const CalendarTime& time) {
   using namespace std::chrono;
   const sys_days date = year(time.year) / month(time.month) / day(time.day);
@@ -34,6 +46,7 @@ uint32_t StampFromCalendar(const CalendarTime& time) {
   return ((days * 24 + time.hour) * 60 + time.minute) * 60 + time.second - kZeroOfStamps;
 }
 
+// The way back; the last 28800 stamps are the first eight hours of 1970. The millisecond is 0.
 CalendarTime CalendarFromStamp(uint32_t stamp) {
   using namespace std::chrono;
   const uint32_t seconds = stamp + kZeroOfStamps;
@@ -47,6 +60,8 @@ CalendarTime CalendarFromStamp(uint32_t stamp) {
           .second = field(seconds % 60)};
 }
 
+// The time of a stamp in decimal with three digits of milliseconds behind it. Both numbers are read
+// as far as their digits go; text has at least three characters.
 CalendarTime CalendarFromStampText(std::string_view text) {
   const std::size_t stampDigits = text.size() - kMillisecondDigits;
   CalendarTime time = CalendarFromStamp(DecimalNumber(text.substr(0, stampDigits)));
@@ -54,6 +69,7 @@ CalendarTime CalendarFromStampText(std::string_view text) {
   return time;
 }
 
+// The stamp as a signed number and, if wanted, the milliseconds behind it.
 TimeText StampText(const CalendarTime& time, bool withMs) {
   const auto stamp = static_cast<int32_t>(StampFromCalendar(time));
   TimeText text{};
@@ -65,6 +81,7 @@ TimeText StampText(const CalendarTime& time, bool withMs) {
   return text;
 }
 
+// YYYY-MM-DD hh:mm:ss and, if wanted, a colon and the milliseconds behind it.
 TimeText CalendarText(const CalendarTime& time, bool withMs) {
   TimeText text{};
   const int length =
@@ -77,4 +94,31 @@ TimeText CalendarText(const CalendarTime& time, bool withMs) {
   return text;
 }
 
-}  // namespace orvane
+// Fills the caller's room: the text and zeros behind it, at least one.
+template <std::size_t kRoom>
+void Store(const TimeText& text, char* out) {
+  static_assert(kRoom <= std::tuple_size_v<TimeText>);
+  std::memcpy(out, text.data(), kRoom);
+  out[kRoom - 1] = '\0';
+}
+
+}  // namespace
+
+void GetTimeStampInt(uint32_t* stamp) { *stamp = StampFromCalendar(UtcNow()); }
+
+void GetTimeStampStr(char* out, int32_t withMs) {
+  Store<14>(StampText(UtcNow(), withMs == kWithMs), out);
+}
+
+void GetTimeStr(char* out) { Store<32>(CalendarText(UtcNow(), false), out); }
+
+void GetTimeStrFromTimeStampInt(char* out, uint32_t stamp) {
+  Store<32>(CalendarText(CalendarFromStamp(stamp), false), out);
+}
+
+void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int32_t withMs) {
+  const std::string_view text = stampText;
+  if (text.size() > 25) return;
+  if (text.size() < 3) return Store<36>({}, out);
+  Store<36>(CalendarText(CalendarFromStampText(text), withMs == kWithMs), out);
+}

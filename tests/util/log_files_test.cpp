@@ -9,17 +9,18 @@
 
 namespace {
 
-class LogFiles : public testing::Test {
- protected:
-  // With line ends that are line feeds.
-  static std::string Content() {
-    std::ifstream file("log.txt");
-    EXPECT_TRUE(file);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+constexpr char kPath[] = "log.txt";
 
+struct LogFiles : testing::Test {
   orvane_test::WorkingFolder folder;
 };
+
+// With line ends that are line feeds.
+std::string Content() {
+  std::ifstream file(kPath);
+  EXPECT_TRUE(file);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 std::vector<unsigned char> Octets(std::size_t count) {
   std::vector<unsigned char> octets(count);
@@ -34,23 +35,22 @@ std::string Hex(const std::vector<unsigned char>& octets) {
 }
 
 TEST_F(LogFiles, GrowByEachEntry) {
-  const char* const path = "log.txt";
-  AsciiLog(path, "");
+  AsciiLog(kPath, "");
   EXPECT_EQ(Content(), "");
-  orvane_test::WriteFile(path, "before\n");
-  AsciiLog(path, "one\n");
-  AsciiLog(path, "");
+  orvane_test::WriteFile(kPath, "before\n");
+  AsciiLog(kPath, "one\n");
+  AsciiLog(kPath, "");
   const unsigned char octets[] = {0x0A, 0xFF};
-  HexLog(path, octets, 2);
-  HexLog(path, octets, 1);
+  HexLog(kPath, octets, 2);
+  HexLog(kPath, octets, 1);
   EXPECT_EQ(Content(), "before\none\n0AFF0A");
 }
 
 TEST_F(LogFiles, TakeAnyNumberOfOctets) {
   for (const int count : {-2147483647 - 1, -1, 0, 1, 2047, 2048, 2049, 4096, 100'001}) {
-    std::filesystem::remove("log.txt");
+    std::filesystem::remove(kPath);
     const auto octets = Octets(count > 0 ? static_cast<std::size_t>(count) : 0);
-    HexLog("log.txt", octets.data(), count);
+    HexLog(kPath, octets.data(), count);
     EXPECT_EQ(Content(), Hex(octets)) << count;
   }
 }
@@ -63,22 +63,21 @@ TEST_F(LogFiles, ThatCannotBeOpenedLeaveTheLockFree) {
   }
   EXPECT_EQ(orvane_test::FilesIn("."), 0);
   // Another thread would wait for ever if the lock were still held.
-  std::thread([&] { AsciiLog("log.txt", "kept"); }).join();
+  std::thread([&] { AsciiLog(kPath, "kept"); }).join();
   EXPECT_EQ(Content(), "kept");
 }
 
 TEST_F(LogFiles, HoldWholeEntriesOfThreadsAndProcesses) {
-  const char* const path = "log.txt";
   constexpr std::size_t kEntries = 300;
   const auto octets = Octets(5000);
   const std::string hex = Hex(octets), text = "<" + std::string(9000, 't') + "\n>";
   void* const copy = orvane_test::LoadLibraryCopy();
   const auto log = EXPORT_OF(copy, AsciiLog);
   const auto write = [&](decltype(AsciiLog)* entry) {
-    for (std::size_t i = 0; i < kEntries; ++i) entry(path, text.c_str());
+    for (std::size_t i = 0; i < kEntries; ++i) entry(kPath, text.c_str());
   };
   std::thread other(write, AsciiLog), elsewhere(write, log);
-  for (std::size_t i = 0; i < kEntries; ++i) HexLog(path, octets.data(), 5000);
+  for (std::size_t i = 0; i < kEntries; ++i) HexLog(kPath, octets.data(), 5000);
   other.join();
   elsewhere.join();
 
