@@ -1,15 +1,12 @@
-// A script host in C#: runs a script on the simulated card and prints what goes to and fro. It takes
-// the script and the simulator that stands in for the PC/SC module:
+// A script host in C#: runs a script on the simulated card and prints what goes to and fro.
 //
-//   Exchange ../exchange.orv /usr/lib/orvane/simulators/libwinscard.so
+//   Exchange ../exchange.orv
 //
-// Put this file and Orvane.cs in a console project for .NET 5 or later. Where the system does not
-// find liborvane.so or orvane.dll by itself, it has to stand beside the program.
+// Put this file in a console project that has the package Orvane.
 using System;
 using System.IO;
 using System.Linq;
-using System.Runtime.InteropServices;
-using System.Text;
+using Orvane;
 
 static class Exchange
 {
@@ -17,109 +14,57 @@ static class Exchange
     {
         try
         {
-            if (arguments.Length != 2) throw new Exception("usage: Exchange SCRIPT SIMULATOR");
-            // The library looks for the PC/SC module when a reader is opened, and takes what is
-            // loaded under its name by then.
-            NativeLibrary.Load(Path.GetFullPath(arguments[1]));
-            ListReaders();
-            Need(Orvane.OpenReaderA("Simulated Reader 0", ReaderKind.Pcsc), "open Simulated Reader 0");
-            File.ReadLines(arguments[0]).All(Run);
-            Orvane.CloseReader();
-            NoteTag("5F20", "Cardholder Name");
+            if (arguments.Length != 1) throw new OrvaneException("usage: Exchange SCRIPT");
+            Simulators.Load(); // without this line a real PC/SC reader is looked for
+            foreach (var info in Reader.List(ReaderKind.Pcsc)) Console.WriteLine("reader " + info.Name);
+            using (var reader = Reader.Open(ReaderKind.Pcsc, "Simulated Reader 0"))
+                File.ReadLines(arguments[0]).All(statement => Run(reader, statement));
+            TagDictionary.Replace(new TagEntry("5F20", "Cardholder Name"));
+            var entry = TagDictionary.Find("5F20");
+            Console.WriteLine("tag " + entry.Tag + " " + entry.ShortText);
             return 0;
         }
-        catch (Exception failure)
+        catch (Exception failure) when (failure is OrvaneException || failure is IOException)
         {
             Console.Error.WriteLine(failure.Message);
             return 1;
         }
     }
 
-    /// <summary>32 records hold every list that asks for no ports and for at most 32.</summary>
-    static void ListReaders()
-    {
-        var list = new ReaderInfo[32];
-        int count = Orvane.GetReaderList(ReaderKind.Pcsc, list, 0, list.Length);
-        foreach (var reader in list.Take(count)) Console.WriteLine("reader " + Orvane.Name(reader.Name));
-    }
-
-    /// <summary>Edits the tag dictionary in memory; FlushTagdict would write it to dictdata.bin in
-    /// the current folder.</summary>
-    static void NoteTag(string tag, string meaning)
-    {
-        var entry = new TagdictData { Tag = new byte[20], ShortText = new byte[200], LongText = new byte[1024] };
-        Encoding.UTF8.GetBytes(tag).CopyTo(entry.Tag, 0);
-        Encoding.UTF8.GetBytes(meaning).CopyTo(entry.ShortText, 0);
-        Need(Orvane.UpTagdictData(ref entry), "note " + tag);
-        Need(Orvane.FindTagdictData(tag, out entry), "find " + tag);
-        Console.WriteLine("tag " + Orvane.Text(entry.Tag) + " " + Orvane.Text(entry.ShortText));
-    }
-
     /// <summary>Runs one statement and does what it asks of its host.</summary>
     /// <returns>False at the end of the script.</returns>
-    static bool Run(string statement)
+    static bool Run(Reader reader, string statement)
     {
-        var result = new byte[512];
-        int code = Orvane.RunScript(statement, result);
-        string text = Orvane.Text(result);
-        if (code == (int)ScriptCode.NothingToRun) return true;
-        switch ((StatementKind)code)
+        var result = Script.Run(statement);
+        if (result is Note) Console.WriteLine(statement);
+        else if (result is ResetRequest) ResetCard(reader);
+        else if (result is Command) Send(reader, ((Command)result).Hex);
+        else if (result is Comparison)
         {
-            case StatementKind.Assignment:
-                return true;
-            case StatementKind.Dollar:
-                Console.WriteLine(statement);
-                return true;
-            case StatementKind.Reset:
-                ResetCard();
-                return true;
-            case StatementKind.Expression:
-                Send(text);
-                return true;
-            case StatementKind.Compare:
-                Need(text == "1" ? 1 : 0, "accept " + statement);
-                Console.WriteLine("ok  " + statement);
-                return true;
-            case StatementKind.Stop:
-                return false;
-            default: // a failure, or a statement that this host doesn't know
-                throw new Exception("can't run " + statement);
+            if (!((Comparison)result).Met) throw new OrvaneException("not as expected: " + statement);
+            Console.WriteLine("ok  " + statement);
         }
+        else if (!(result is Nothing || result is Assignment || result is Stop))
+        {
+            // A value for nobody, or a reader or slot that this host has no other of.
+            throw new OrvaneException("can't run " + statement);
+        }
+        return !(result is Stop);
     }
 
-    static void ResetCard()
+    static void ResetCard(Reader reader)
     {
-        var atr = new byte[1025];
-        Need(Orvane.Reset(atr), "reset the card");
-        Console.WriteLine("ATR " + Orvane.Text(atr));
-        Orvane.SetVarValue("%ATR", Orvane.Text(atr));
+        string atr = reader.Reset();
+        Console.WriteLine("ATR " + atr);
+        Script.Set("%ATR", atr);
     }
 
-    /// <summary>A PC/SC reader answers with the data, or with 9000 where there is none. Without
-    /// success it gives the first two octets of what came: the status word, unless data stood before
-    /// it.</summary>
-    static void Send(string command)
+    static void Send(Reader reader, string command)
     {
-        // Where a variable is not defined the text is a message: nothing of it may reach a card. A
-        // script command that fails leaves the text shorter, which doesn't show here; for cards that
-        // matter, try each on its own before, as the program orvane does.
-        bool digits = Orvane.CheckAsciiNum(command, 1, command.Length) == 0;
-        Need(digits && command.Length >= 8 && command.Length % 2 == 0 ? 1 : 0, "send " + command);
         Console.WriteLine(">>  " + command);
-        var buffer = new byte[8193];
-        bool done = Orvane.SendCommand(command, command.Length, buffer) == 1;
-        string answer = Orvane.Text(buffer);
-        Need(done ? 1 : answer.Length, "get an answer to " + command);
-        Need(done || answer != "9000" ? 1 : 0, "tell the status word of " + command);
-        string statusWord = done ? "9000" : answer;
-        string data = answer == statusWord ? "" : answer;
-        Console.WriteLine("<<  " + (data == "" ? statusWord : data + " " + statusWord));
-        Orvane.SetVarValue("%RESP", data);
-        Orvane.SetVarValue("%SW", statusWord);
-    }
-
-    static void Need(int result, string what)
-    {
-        if (result == 0) throw new Exception("can't " + what);
+        var response = reader.Send(command);
+        Console.WriteLine("<<  " + (response.Data == "" ? "" : response.Data + " ") + response.StatusWord);
+        Script.Set("%RESP", response.Data);
+        Script.Set("%SW", response.StatusWord);
     }
 }

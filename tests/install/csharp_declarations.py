@@ -1,4 +1,4 @@
-"""Orvane.cs declares the functions and values of orvane.h: csharp_declarations.py HEADER SOURCE"""
+"""Native.cs declares the functions and values of orvane.h: csharp_declarations.py HEADER SOURCE"""
 import re
 import sys
 
@@ -25,7 +25,7 @@ declared = {name: (result, kinds(parameters, in_c))
                 r"ORVANE_API (\w+\s?\*?) ?(\w+)\(([^)]*)\);", header)}
 offered = {name: (result, kinds(parameters, in_csharp))
            for result, name, parameters in re.findall(
-               r"CallingConvention = C\)\]\s+public static extern (\w+) (\w+)\(([^)]*)\);", source)}
+               r"CallingConvention = C\)\]\s+internal static extern (\w+) (\w+)\(([^)]*)\);", source)}
 results = {"int32_t": "int", "void": "void", "TagParser*": "IntPtr"}
 declared = {name: (results[result.replace(" ", "")], parameters)
             for name, (result, parameters) in declared.items()}

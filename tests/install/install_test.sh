@@ -121,10 +121,15 @@ case $name in
     node exchange.js "$script" | same
     ;;
   csharp)
-    need python3 mcs mono
-    python3 "$here/csharp_declarations.py" "$prefix/include/orvane.h" "$examples/csharp/Orvane.cs"
-    mcs -warnaserror -out:Exchange.exe "$examples"/csharp/*.cs "$here/NativeLibrary.cs"
-    LD_LIBRARY_PATH=$prefix/lib mono Exchange.exe "$script" "$simulators/libwinscard.so" | same
+    need python3 mcs mono nuget unzip
+    python3 "$here/csharp_declarations.py" "$prefix/include/orvane.h" "$root/bindings/csharp/Native.cs"
+    unzip -q "$("$root/script/package" csharp "$build")" -d package
+    cp -r package/lib/net47/* package/native/linux-x64/* .
+    for program in "$root/tests/bindings/csharp_test.cs" "$examples/csharp/Exchange.cs"; do
+      mcs -warnaserror -r:Orvane.Net.dll -out:"$(basename "$program" .cs).exe" "$program"
+    done
+    mono csharp_test.exe "$root/tests/bindings/cases.txt" >log || fail "$(cat log)"
+    mono Exchange.exe "$script" | same
     ;;
   debian)
     need dpkg-deb dpkg-shlibdeps file

@@ -13,7 +13,7 @@ cd "$folder"/orvane-*-win64
 
 fail() { echo "$*" >&2; exit 1; }
 
-for file in licences/{libgcrypt,libgpg-error}.txt examples/{python/exchange.py,node/exchange.js,csharp/Orvane.cs} \
+for file in licences/{libgcrypt,libgpg-error}.txt examples/{python/exchange.py,node/exchange.js,csharp/Exchange.cs} \
   simulators/{winscard,dcrf32,S5009,tyreader,tykeyint,STJZZ_BSIT,sdtapi}.dll; do
   [ -s "$file" ] || fail "the package lacks $file"
 done
