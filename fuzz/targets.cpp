@@ -59,8 +59,8 @@ class Input {
 using Room = std::vector<char>;
 
 std::string_view TextIn(const Room& room) {
-  return {room.data(),
-          static_cast<std::size_t>(std::find(room.begin(), room.end(), 0) - room.begin())};
+  const std::string_view all(room.data(), room.size());
+  return all.substr(0, all.find('\0'));
 }
 
 // A zero-terminated text in a block of its own.
@@ -93,32 +93,30 @@ bool IsKey(std::int32_t length, std::int32_t dataBytes, std::int32_t mode) {
          (mode == 0 || mode == 3) == (length == 8);
 }
 
-std::int32_t Hash(const std::uint8_t*, std::int32_t count, std::uint8_t** output, std::int32_t,
-                  std::int32_t* length) {
-  return Give(*output, 4096, length, count > 0 && count <= 4096);
-}
-std::int32_t Block(const std::uint8_t*, std::int32_t ivBytes, const std::uint8_t*,
-                   std::int32_t keyBytes, const std::uint8_t*, std::int32_t dataBytes,
-                   std::uint8_t* output, std::int32_t* length, std::int32_t mode) {
+constexpr auto kBlock = [](auto, auto ivBytes, auto, auto keyBytes, auto, auto dataBytes,
+                           auto output, auto length, auto mode) {
   return Give(output, 256, length,
               IsKey(keyBytes, dataBytes, mode) && ivBytes >= 0 && ivBytes <= 16);
-}
-std::int32_t SubKey(const std::uint8_t*, std::int32_t keyBytes, const std::uint8_t*,
-                    std::int32_t dataBytes, std::uint8_t* output, std::int32_t* length,
-                    std::int32_t mode) {
-  return Give(output, 256, length, IsKey(keyBytes, dataBytes, mode));
-}
-std::int32_t Mac(const std::uint8_t* key, std::int32_t keyBytes, const std::uint8_t* data,
-                 std::int32_t dataBytes, const std::uint8_t* iv, std::int32_t ivBytes,
-                 std::uint8_t* output, std::int32_t* length, std::int32_t mode) {
-  return Block(iv, ivBytes, key, keyBytes, data, dataBytes, output, length, mode);
-}
-std::int32_t Rsa(const char*, const char*, const char*, const char** output, std::int32_t) {
-  static Text text("");
-  text = Text(provider.text);
-  if (provider.length != 77) *output = text;
-  return provider.result;
-}
+};
+constexpr CryptoProvider kProvider = {
+    [](auto, auto count, auto output, auto, auto length) {
+      return Give(*output, 4096, length, count > 0 && count <= 4096);
+    },
+    kBlock,
+    kBlock,
+    [](auto, auto keyBytes, auto, auto dataBytes, auto output, auto length, auto mode) {
+      return Give(output, 256, length, IsKey(keyBytes, dataBytes, mode));
+    },
+    [](auto key, auto keyBytes, auto data, auto dataBytes, auto iv, auto ivBytes, auto output,
+       auto length, auto mode) {
+      return kBlock(iv, ivBytes, key, keyBytes, data, dataBytes, output, length, mode);
+    },
+    [](auto, auto, auto, auto output, auto) {
+      static Text text("");
+      text = Text(provider.text);
+      if (provider.length != 77) *output = text;
+      return provider.result;
+    }};
 
 void CheckStatement(const std::string& statement) {
   Room result(512, '5');
@@ -126,9 +124,8 @@ void CheckStatement(const std::string& statement) {
   Expect((code >= KindAssignment && code <= KindOpenReader) || code == ScriptNothingToRun ||
              code == ScriptException,
          "a code");
-  Expect(std::all_of(result.begin() + static_cast<std::ptrdiff_t>(TextIn(result).size()),
-                     result.end(), [](char c) { return c == 0; }) &&
-             result.back() == 0,
+  const auto zeros = std::count(result.begin(), result.end(), 0);
+  Expect(zeros > 0 && TextIn(result).size() + static_cast<std::size_t>(zeros) == result.size(),
          "a text's end");
 }
 
@@ -140,9 +137,9 @@ void Statements(Input input) {
     const std::string text = input.Line();
     Input line(text);
     if (text.starts_with('<')) {
-      const std::string name = line.Until('=').substr(1), value = line.Rest();
-      const bool stored = SetVarValue(Text(name), Text(value)) == ScriptDone;
-      Expect(stored == (GetVarValue(Text(name)) == ScriptDone), "a stored variable");
+      const Text name(line.Until('=').substr(1)), value(line.Rest());
+      const bool stored = SetVarValue(name, value) == ScriptDone;
+      Expect(stored == (GetVarValue(name) == ScriptDone), "a stored variable");
     } else if (text.starts_with('!')) {
       line.Until('!');
       provider = {line.Integer(), line.Integer(), line.Rest()};
@@ -167,9 +164,8 @@ void Tags(Input input) {
     for (const char* tag : {"6F", "84", "5a", "", text.data()}) {
       Room record(sizeof(TagRecord), '5');
       const bool known = TagParsing_GetTag(parser, tag, record.data()) == 1;
-      const std::string_view value(record.data() + offsetof(TagRecord, value),
-                                   sizeof(TagRecord::value));
-      Expect(known == (record[0] != 0) && IsHex(value.substr(0, value.find('\0'))), "a record");
+      const Room value(record.begin() + offsetof(TagRecord, value), record.end());
+      Expect(known == (record[0] != 0) && IsHex(TextIn(value)), "a record");
     }
   }
   TagParsing_Free(parser);
@@ -213,9 +209,7 @@ void Conversions(Input input) {
   const Text source(text);
   const std::size_t size = text.size(), length = std::strlen(source);
   const auto count = static_cast<std::int32_t>(size);
-  const auto octets = [](auto& room) {
-    return reinterpret_cast<unsigned char*>(const_cast<char*>(room.data()));
-  };
+  const auto octets = [](auto& room) { return (unsigned char*)room.data(); };
 
   Room url(3 * length), plain(length);
   URLDecode(source, plain.data());
@@ -245,10 +239,8 @@ void Conversions(Input input) {
     HexToInt(octets(four) + 4 - bytes, &again, bytes);
     Expect(again == number, "a number read back");
   }
-  for (const int withMilliseconds : {0, 1}) {
-    Room time(36);
-    GetTimeStrFromTimeStampStr(time.data(), source, withMilliseconds);
-  }
+  for (const int withMilliseconds : {0, 1})
+    GetTimeStrFromTimeStampStr(Room(36).data(), source, withMilliseconds);
 }
 
 std::string characterSet;
@@ -257,8 +249,7 @@ std::string characterSet;
 void CharacterSets(Input input) {
   characterSet = input.Line();
   const Text text(input.Rest());
-  const std::size_t length = std::strlen(text);
-  Room utf8(3 * length), narrow(4 * length);
+  Room utf8(3 * std::strlen(text)), narrow(4 * std::strlen(text));
   try {
     ASCII2UTF_8(text, utf8.data());
     UTF_82ASCII(text, narrow.data());
@@ -284,10 +275,9 @@ void Prepare(Input line) {
   // Nobody could tell that a list is shorter than said.
   if (function == "SCardListReadersA") length = std::clamp<std::int64_t>(length, 0, 1);
   for (const Module& module : modules) {
-    void* const answer = module.Find("SimulatorAnswer");
+    const auto answer = reinterpret_cast<AnswerFunction*>(module.Find("SimulatorAnswer"));
     Expect(answer != nullptr, "a simulator");
-    if (module.Find(function.c_str()) != nullptr)
-      reinterpret_cast<AnswerFunction*>(answer)(function.c_str(), result, data, length);
+    if (module.Find(function.c_str()) != nullptr) answer(function.c_str(), result, data, length);
   }
 }
 
@@ -343,10 +333,7 @@ void Readers(Input input) {
     }
     // clang-format on
   }
-  for (const unsigned reader : {15u, 3u, 0u}) {
-    SetReader(reader);
-    OpenReader(1, 13, 9600);
-  }
+  for (const unsigned reader : {15u, 3u, 0u}) SetReader(reader), OpenReader(1, 13, 9600);
 }
 
 // A line is a command APDU; one that begins with R resets the card.
@@ -354,21 +341,16 @@ void Card(Input input) {
   simulator::VirtualCard card;
   while (!input.Empty()) {
     const std::string line = input.Line();
-    if (line.starts_with('R')) {
-      card.Reset();
-      continue;
-    }
-    const simulator::Octets response = card.Transmit(simulator::FromHex(line));
+    if (line.starts_with('R')) card.Reset();
+    const auto response = card.Transmit(simulator::FromHex(line));
     Expect(response.size() >= 2 && response.size() <= 258, "a response's length");
   }
 }
 
-// ---- The program's reader of scripts: what it accepts, the library takes apart in the same way
-// ----
+// ---- The program's reader of scripts: what it accepts, the library takes apart in the same way --
 
 void CheckAccepted(const host::Statement& statement) {
-  char result[512];
-  RunScript(statement.text.c_str(), result);
+  RunScript(statement.text.c_str(), Room(512).data());
   const auto& tokens = orvane::EnsureEngine()->tokens;
   Expect(tokens.size() == statement.words.size(), "the number of words");
   for (std::size_t at = 0; at < tokens.size(); ++at)
@@ -420,10 +402,7 @@ const std::map<std::string_view, void (*)(Input)> kTargets = {{"statements", Sta
 
 }  // namespace
 
-const CryptoProvider& orvane::BoundCryptoProvider() {
-  static constexpr CryptoProvider kProvider = {Hash, Block, Block, SubKey, Mac, Rsa};
-  return kProvider;
-}
+const CryptoProvider& orvane::BoundCryptoProvider() { return kProvider; }
 
 // In the C library's place: a locale's character set is the input's, and drivers don't pause.
 extern "C" char* nl_langinfo_l(nl_item, locale_t) { return characterSet.data(); }
@@ -431,8 +410,6 @@ extern "C" int nanosleep(const timespec*, timespec*) { return 0; }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const char* const name = std::getenv("FUZZ_TARGET");
-  const auto target = kTargets.find(name == nullptr ? "" : name);
-  Expect(target != kTargets.end(), "FUZZ_TARGET");
-  target->second(Input({reinterpret_cast<const char*>(data), size}));
+  kTargets.at(name == nullptr ? "" : name)(Input({reinterpret_cast<const char*>(data), size}));
   return 0;
 }
