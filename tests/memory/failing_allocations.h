@@ -2,6 +2,8 @@
 // the whole program, the library's among them.
 #pragma once
 
+#include <gtest/gtest.h>
+
 namespace orvane_test {
 
 constexpr int kAnyNumber = -1;
@@ -33,15 +35,12 @@ int AllocationsOf(Call call) {
 }
 
 // Runs a call that gives 1 where it succeeds, with ever more memory until it does; checks after
-// each failure.
+// each failure, of which there is one at least.
 template <typename Call, typename Check>
-int FailuresOf(Call call, Check check) {
+void ExpectFailures(Call call, Check check) {
   int allocations = 0;
-  while (RunWith(allocations, call) != 1) {
-    check();
-    if (++allocations == 1000) break;
-  }
-  return allocations;
+  for (; RunWith(allocations, call) != 1 && allocations < 1000; ++allocations) check();
+  EXPECT_TRUE(allocations > 0 && allocations < 1000) << allocations;
 }
 
 }  // namespace orvane_test
