@@ -1,6 +1,4 @@
-#include "block_cipher.h"
-
-#include "gcrypt_start.h"
+#include "crypto.h"
 
 namespace crypto {
 namespace {
@@ -48,6 +46,33 @@ bool BlockCipher::Encrypt(std::span<std::uint8_t> blocks) {
 bool BlockCipher::Decrypt(std::span<std::uint8_t> blocks) {
   return handle_ != nullptr &&
          gcry_cipher_decrypt(handle_, blocks.data(), blocks.size(), nullptr, 0) == 0;
+}
+
+bool ComputeMac(Octets key, Octets data, Block& mac) {
+  if (key.size() < kBlockBytes) return false;
+  BlockCipher chain(key.first(kBlockBytes), Chaining::kCbc, mac);
+  for (; data.size() >= kBlockBytes; data = data.subspan(kBlockBytes)) {
+    std::copy_n(data.begin(), kBlockBytes, mac.begin());
+    if (!chain.Encrypt(mac)) return false;
+  }
+  Block last(data);
+  last[data.size()] = 0x80;
+  // Algorithm 3 decrypts its result with K2 and encrypts it with K3: together with the last single
+  // encryption that is triple DES of the last block.
+  BlockCipher end(key, Chaining::kCbc, mac);
+  if (!end.Encrypt(last)) return false;
+  mac = last;
+  return true;
+}
+
+std::size_t DeriveSubKey(Octets masterKey, Octets data, Secret<kLongestSubKey>& subKey) {
+  const Block source(data);
+  std::copy(source.begin(), source.end(), subKey.begin());
+  std::transform(source.begin(), source.end(), subKey.begin() + kBlockBytes,
+                 [](std::uint8_t octet) { return static_cast<std::uint8_t>(~octet); });
+  const std::size_t length = masterKey.size() == kBlockBytes ? kBlockBytes : kLongestSubKey;
+  BlockCipher cipher(masterKey, Chaining::kEcb);
+  return cipher.Encrypt(std::span(subKey).first(length)) ? length : 0;
 }
 
 }  // namespace crypto

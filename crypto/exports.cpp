@@ -3,15 +3,10 @@
 // the length -1, and the output area is left as it was.
 //
 // CryptoBlockFlagged encrypts and CryptoBlockDefault decrypts: data is filled with 00 to whole
-// blocks, an initial value is cut or filled with 00 to a block. The others are told in mac.h,
-// sub_key.h, rsa.h and hash.h.
-#include <optional>
-
-#include "hash.h"
-#include "mac.h"
-#include "rsa.h"
+// blocks, an initial value is cut or filled with 00 to a block. The others are told in
+// crypto.h.
+#include "crypto.h"
 #include "src/commands/crypto_provider.h"
-#include "sub_key.h"
 
 namespace crypto {
 namespace {

@@ -1,10 +1,12 @@
-#include "hash.h"
-
-#include <gcrypt.h>
-
-#include "gcrypt_start.h"
+#include "crypto.h"
 
 namespace crypto {
+
+bool StartGcrypt() {
+  constexpr char kOldest[] = "1.10.0";  // from here on a single cipher handle can allow weak keys
+  static const bool started = gcry_check_version(kOldest) != nullptr;
+  return started;
+}
 
 bool Hash(Octets data, std::span<std::uint8_t, kDigestBytes> digest) {
   gcry_buffer_t source{};

@@ -1,12 +1,7 @@
-#include "rsa.h"
-
-#include <gcrypt.h>
-
-#include <algorithm>
 #include <memory>
 #include <new>
 
-#include "gcrypt_start.h"
+#include "crypto.h"
 
 namespace crypto {
 namespace {

@@ -8,8 +8,8 @@ namespace simulator {
 
 constexpr size_t kBlockSize = 8;
 
-// Derived from an issuer's master key of 16 octets and the serial number S of the card, 8 octets:
-// S and S inverted, encrypted. A card that gives away its keys gives away no other card's.
+// Derived from an issuer's master key of 16 octets and the serial number of the card, 8 octets. A
+// card that gives away its keys gives away no other card's.
 class CardKey {
  public:
   CardKey(const Octets& masterKey, const Octets& serialNumber);
@@ -19,10 +19,10 @@ class CardKey {
 
   // The retail MAC (ISO/IEC 9797-1, algorithm 3 with padding method 2) that begins with the block
   // start.
-  Octets Mac(const Octets& start, Octets data) const;
+  Octets Mac(const Octets& start, const Octets& data) const;
 
  private:
-  Octets key_;  // K1 K2 K1; like every result, empty on a machine that allows no triple DES
+  Octets key_;  // K1 K2; like every result, empty on a machine that allows no triple DES
 };
 
 }  // namespace simulator

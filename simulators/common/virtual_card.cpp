@@ -262,10 +262,10 @@ VirtualCard::Response VirtualCard::UpdateBinaryUnderMac(const Command& command) 
 
   Command plain = command;
   plain.data.resize(command.data.size() - kMacSize);
-  Octets covered = {command.cla, command.ins, command.p1, command.p2,
-                    static_cast<uint8_t>(command.data.size())};
-  covered.insert(covered.end(), plain.data.begin(), plain.data.end());
-  const Octets mac = CardKey(MacMasterKey(), SerialNumber()).Mac(challenge, std::move(covered));
+  Octets covered = plain.data;
+  const auto length = static_cast<uint8_t>(command.data.size());
+  covered.insert(covered.begin(), {command.cla, command.ins, command.p1, command.p2, length});
+  const Octets mac = CardKey(MacMasterKey(), SerialNumber()).Mac(challenge, covered);
   authenticated_ =
       !mac.empty() && std::equal(command.data.end() - kMacSize, command.data.end(), mac.begin());
   return authenticated_ ? Write(plain, true) : kMacWrong;
