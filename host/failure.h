@@ -13,6 +13,7 @@ enum ExitCode {
   kScriptFault = 3,
   kReaderFault = 4,
   kFileFault = 5,
+  kInterrupted = 130,
 };
 
 // What ends a run: one message for the user, and the exit code that goes with it.

@@ -40,6 +40,11 @@ bool OutputIsTerminal();
 // nothing, and the second one ends the program.
 std::optional<std::string> EditLine(const std::string& prompt);
 
+// From the first call on, the first Ctrl-C (on POSIX, also what else asks a program to end) is only
+// noted, and the second one ends the program.
+void NoteInterrupts();
+bool Interrupted();
+
 // Offers a line for recall by the arrow keys, where there is line editing.
 void RememberLine(const std::string& line);
 

@@ -150,7 +150,8 @@ Secrets::Known Secrets::Foresee(const Statement& statement, size_t first, When w
     const bool literal = word.kind == WordKind::kLiteral;
     const std::string_view source = statement.Source({known.end, known.end});
     const Number number = word.kind == WordKind::kVariable ? ValueOf(source, when) : kNone;
-    const Value value = literal ? Exact(source, true) : number != kNone ? values_[number] : Value();
+    const bool sure = number != kNone && (when == When::kNow || values_[number].before == kNone);
+    const Value value = literal ? Exact(source, true) : sure ? values_[number] : Value();
     if (known.beginning.size() == known.length) known.beginning += value.beginning;
     known.beginning.resize(std::min(known.beginning.size(), kForeseen));
     if (value.length == kNone) {
@@ -210,6 +211,7 @@ void Secrets::Mark(Number value) {
     if (each == kNone || values_[each].sent) continue;
     values_[each].sent = true;
     ++marked_;
+    open.push_back(values_[each].before);
     open.insert(open.end(), sources_.begin() + values_[each].sources,
                 sources_.begin() + EndOfSources(each));
   }
@@ -231,10 +233,14 @@ void Secrets::MarkBehindHead(const Statement& command) {
   if (known.length != kNone || known.beginning.size() >= 4) return;
   MarkSources(command, Behind(command, known.end));
   if (command.words[known.end].kind != WordKind::kVariable) return;
-  Number head = ValueOf(command.TextOf(command.words[known.end]), When::kAhead);
-  for (; head != kNone && !values_[head].headSeen; head = values_[head].head) {
+  std::vector<Number> heads = {ValueOf(command.TextOf(command.words[known.end]), When::kAhead)};
+  while (!heads.empty()) {
+    const Number head = heads.back();
+    heads.pop_back();
+    if (head == kNone || values_[head].headSeen) continue;
     values_[head].headSeen = true;
     for (Number at = values_[head].rest; at < EndOfSources(head); ++at) Mark(sources_[at]);
+    heads.insert(heads.end(), {values_[head].head, values_[head].before});
   }
 }
 
@@ -250,6 +256,7 @@ void Secrets::Add(const Statement& assignment) {
   if (known.length == kNone && assignment.words[known.end].kind == WordKind::kVariable) {
     value.head = ValueOf(assignment.TextOf(assignment.words[known.end]), When::kAhead);
   }
+  if (flow_ == Flow::kInParts) value.before = ValueOf(target, When::kAhead);
   const std::vector<Place> places = PlacesFrom(assignment, assignment.value);
   for (size_t i = 0; i < places.size(); ++i) {
     const size_t at = assignment.value + i;

@@ -22,6 +22,12 @@ namespace host {
 // Behind what only the card's answers tell, a command is taken for one that carries secrets.
 class Secrets {
  public:
+  // Whether everything that Learn looks at is going to run, or parts of it may be passed over. A
+  // variable holds the value from before then, and is as secret as any that may stand in it.
+  enum class Flow { kStraight, kInParts };
+
+  explicit Secrets(Flow flow = Flow::kStraight) : flow_(flow) {}
+
   // Takes note of a variable that statements find.
   void Define(std::string_view name, std::string_view value);
 
@@ -32,6 +38,9 @@ class Secrets {
 
   // Of what Learn has looked at, nothing more is going to run.
   void StartOver() { next_ = firstAhead_ = static_cast<Number>(values_.size()); }
+
+  // An assignment that Learn has looked at is not made.
+  void PassOver() { ++next_; }
 
   // Follows an assignment that has been made, in the order of Learn.
   void Follow(const Statement& assignment, std::string_view value);
@@ -71,6 +80,7 @@ class Secrets {
     Number sources = 0;     // where the values that it is made from begin in sources_
     Number rest = 0;        // and those behind the operand whose text is not known
     Number head = kNone;    // that operand's value
+    Number before = kNone;  // what the variable still holds where the assignment is passed over
     bool sent = false;      // secret, and what it is made from is
     bool made = false;      // made from a secret
     bool headSeen = false;
@@ -97,6 +107,7 @@ class Secrets {
   void Mark(Number value);
   Number EndOfSources(Number value) const;
 
+  Flow flow_;
   std::unordered_map<std::string, Variable> variables_;
   std::deque<Value> values_;
   std::vector<Number> sources_;

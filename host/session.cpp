@@ -16,12 +16,6 @@ namespace {
 constexpr std::string_view kHidden = "**";
 const std::string kKeptBack = "\n  where they part is a secret, and shown with --show-secrets";
 
-std::string HeadingText(std::string_view statement) {
-  const size_t dollar = statement.find('$');
-  const size_t text = statement.find_first_not_of(" \t", dollar + 1);
-  return std::string(text == statement.npos ? "" : statement.substr(text));
-}
-
 bool UsesCrypto(const Statement& statement) {
   return std::any_of(statement.invocations.begin(), statement.invocations.end(),
                      [](const Invocation& each) { return each.builtin->usesCrypto; });
@@ -79,7 +73,7 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
   }
   response_.reset();
   if (statement.form == Form::kHeading) {
-    trace_.Heading(HeadingText(statement.text));
+    trace_.Heading(HeadingText(statement));
     return true;
   }
   const bool hide = Hides(statement);

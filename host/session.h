@@ -51,6 +51,11 @@ class Session {
   // Nothing more of what it has looked at is going to be run.
   void StartOver() { secrets_.StartOver(); }
 
+  // Leaves out a statement that it has looked at.
+  void PassOver(const Statement& statement) {
+    if (statement.form == Form::kAssignment) secrets_.PassOver();
+  }
+
   // True if the trace may not show this statement as it stands, or this value of it.
   bool Hides(const Statement& statement, std::string_view value = "") const;
 

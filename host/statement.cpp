@@ -271,6 +271,12 @@ Statement ReadStatement(std::string_view line) {
   return statement;
 }
 
+std::string_view HeadingText(const Statement& heading) {
+  const std::string_view text = heading.text;
+  const size_t begin = text.find_first_not_of(" \t", text.find('$') + 1);
+  return text.substr(std::min(begin, text.size()));
+}
+
 std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation) {
   std::vector<Words> arguments;
   size_t depth = 0;

@@ -66,6 +66,9 @@ struct Statement {
 // Reads one line without its line end. Throws Failure (kScriptFault) with what is wrong with it.
 Statement ReadStatement(std::string_view line);
 
+// What a heading says.
+std::string_view HeadingText(const Statement& heading);
+
 // The words of each of a built-in's arguments.
 std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation);
 

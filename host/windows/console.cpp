@@ -35,10 +35,12 @@ void GiveBack() {
 
 // How many times Ctrl-C is let pass before it ends the program.
 std::atomic<int> interruptsLeft = 0;
+std::atomic<bool> interrupted = false;
 
 BOOL WINAPI HandleControl(DWORD event) {
   if (event == CTRL_C_EVENT && interruptsLeft > 0) {
     --interruptsLeft;
+    interrupted = true;
     return TRUE;
   }
   GiveBack();
@@ -100,6 +102,13 @@ bool OutputTakesColour() {
   }
   return ready && EnvironmentVariable("NO_COLOR").value_or("").empty();
 }
+
+void NoteInterrupts() {
+  HandleControls();
+  interruptsLeft = 1;
+}
+
+bool Interrupted() { return interrupted; }
 
 bool InputIsTerminal() { return IsConsole(0); }
 bool OutputIsTerminal() { return IsConsole(1); }

@@ -1,0 +1,30 @@
+#include <csignal>
+
+#include "host/platform.h"
+
+namespace host {
+namespace {
+
+volatile std::sig_atomic_t noted = 0;
+
+void Note(int signal) {
+  if (noted != 0) {
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+  }
+  noted = 1;
+}
+
+}  // namespace
+
+void NoteInterrupts() {
+  struct sigaction action {};
+  action.sa_handler = Note;
+  action.sa_flags = SA_RESTART;  // the libraries of readers know nothing of interrupted calls
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
+  std::signal(SIGXFSZ, SIG_IGN);  // the write that goes past a limit of file sizes tells of it
+}
+
+bool Interrupted() { return noted != 0; }
+
+}  // namespace host
