@@ -1,5 +1,8 @@
 #include "host/definitions.h"
 
+#include <algorithm>
+
+#include "host/engine.h"
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/text_input.h"
@@ -35,7 +38,10 @@ void AddFile(Variables& variables, const std::string& file) {
 
 Variables Definitions(const Options& options) {
   Variables variables;
-  const bool inputIsTaken = options.file.empty() || options.file == "-";
+  const std::vector<std::string>& tests = options.tests;
+  const bool inputIsTaken = tests.empty()
+                                ? options.file.empty() || options.file == "-"
+                                : std::find(tests.begin(), tests.end(), "-") != tests.end();
   for (const std::string& file : options.variableFiles) {
     if (file == "-" && inputIsTaken) {
       throw Failure(kUsageFault, "standard input holds the statements, and no variables");
@@ -49,6 +55,13 @@ Variables Definitions(const Options& options) {
   }
   for (const std::string& text : options.definitions) AddDefinition(variables, text);
   return variables;
+}
+
+void StoreDefinitions(const Options& options, Secrets& secrets) {
+  for (const auto& [name, value] : Definitions(options)) {
+    SetVariable(name, value);
+    secrets.Define(name, value);
+  }
 }
 
 std::string CheckName(const std::string& name) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/options.h"
+#include "host/secrets.h"
 
 namespace host {
 
@@ -13,6 +14,9 @@ namespace host {
 // for a file that can't be read, ScriptFailure for a line that is wrong, Failure (kUsageFault) for
 // what the environment does not have. No message quotes a value.
 std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
+
+// Stores them, and tells of them what holds secrets.
+void StoreDefinitions(const Options& options, Secrets& secrets);
 
 // What is wrong with the text of a definition, NAME=VALUE, or with its name alone; empty if
 // nothing.

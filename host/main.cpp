@@ -18,25 +18,13 @@
 #include "host/session_recorder.h"
 #include "host/shell.h"
 #include "host/tags_dictionary.h"
+#include "host/test/test_command.h"
 #include "host/text.h"
 #include "host/text_input.h"
 #include "host/tlv_tree.h"
 
 namespace host {
 namespace {
-
-bool WantsColour(const Options& options) {
-  if (options.colour == "never") return false;
-  const bool takes = OutputTakesColour();
-  return takes || options.colour == "always";
-}
-
-void StoreDefinitions(const Options& options, Secrets& secrets) {
-  for (const auto& [name, value] : Definitions(options)) {
-    SetVariable(name, value);
-    secrets.Define(name, value);
-  }
-}
 
 // What run, shell and apdu have in common: a session on the reader that was asked for.
 class Workplace {
@@ -161,6 +149,7 @@ void EditTags(const CLI::App& tags, const Options& options) {
 
 int Carry(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("run")) RunFile(options);
+  if (app.got_subcommand("test")) return TestFiles(options);
   if (app.got_subcommand("apdu")) SendCommands(options);
   if (app.got_subcommand("shell")) return StartShell(options);
   if (app.got_subcommand("readers")) ShowReaders(options);

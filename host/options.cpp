@@ -165,6 +165,33 @@ std::string CheckPattern(const std::string& text) try {
   return failure.what();
 }
 
+void DescribeTest(CLI::App& test, Options& options) {
+  test.add_option("FILE", options.tests,
+                  "Scripts, each of whose headings ($ ...) opens a case; - is standard input")
+      ->required();
+  test.add_option(
+          "--only", options.only,
+          "Run the cases whose names have this text, in either case, and what stands before "
+          "their file's first heading")
+      ->type_name("TEXT")
+      ->allow_extra_args(false);
+  test.add_flag("--fail-fast", options.failFast, "End with the first case that fails");
+  test.add_flag("-v,--verbose", options.verbose, "Show what orvane run shows");
+  test.add_option("--junit", options.junit, "Write a report for CI servers, as JUnit's XML")
+      ->type_name("FILE");
+  test.add_option("--html", options.html, "Write a report for people, a page that stands alone")
+      ->type_name("FILE");
+  test.add_flag("--tap", options.tap, "Print nothing but the Test Anything Protocol");
+  test.footer(
+      "\nA case ends with its first expectation that does not hold, and the next one begins; what "
+      "it left in\nvariables stays. Trouble with reader or card ends the file.\n"
+      "Exit code: 0 if nothing failed; 1 if an expectation did not hold; else 3 or 4 if a case "
+      "broke off,\nfor a fault of its script or trouble with reader or card; 5 if a report can't "
+      "be "
+      "written; 130\nafter Ctrl-C, which still has the reports written.\n" +
+      std::string(kShortFooter));
+}
+
 void DescribeTags(CLI::App& tags, Options& options) {
   tags.require_subcommand(1);
   tags.add_subcommand("list", "List all entries");
@@ -183,6 +210,12 @@ void DescribeTags(CLI::App& tags, Options& options) {
 
 }  // namespace
 
+bool WantsColour(const Options& options) {
+  if (options.colour == "never") return false;
+  const bool takes = OutputTakesColour();
+  return takes || options.colour == "always";
+}
+
 void DescribeOptions(CLI::App& app, Options& options) {
   app.name("orvane");
   app.allow_windows_style_options(false);  // a path may begin with a slash
@@ -199,6 +232,15 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(run, options);
   AddTlv(run, options);
   AddQuiet(run, options);
+
+  CLI::App& test =
+      *app.add_subcommand("test", "Run the cases of scripts, and tell which of them failed");
+  DescribeTest(test, options);
+  AddDefinitions(test, options);
+  AddReader(test, options);
+  AddTrace(test, options);
+  AddTlv(test, options);
+  AddQuiet(test, options);
 
   CLI::App& apdu = *app.add_subcommand("apdu", "Bring up the card and send APDUs to it");
   apdu.add_option("HEX", options.commands,

@@ -15,6 +15,12 @@ namespace host {
 // What the command line says.
 struct Options {
   std::string file;                   // run
+  std::vector<std::string> tests;     // test; files
+  std::string only;                   // test; a part of a case's name
+  std::string junit, html;            // test; files, empty for none
+  bool tap = false;                   // test
+  bool failFast = false;              // test
+  bool verbose = false;               // test
   std::vector<std::string> commands;  // apdu
   std::string expected;               // apdu; a pattern, empty for none
   std::string decodedKind;            // decode
@@ -37,6 +43,9 @@ struct Options {
   bool showSecrets = false;
   bool tlv = false;
 };
+
+// Whether standard output is to be coloured.
+bool WantsColour(const Options& options);
 
 // Adds all subcommands and options, with their help, to the parser.
 void DescribeOptions(CLI::App& app, Options& options);
