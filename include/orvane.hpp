@@ -81,7 +81,7 @@ class DataError : public Error {
 /// or a FixedText.
 class TextArgument {
  public:
-  TextArgument(const char* text) : text_(text) {}
+  TextArgument(const char* text) : text_(text == nullptr ? "" : text) {}
   TextArgument(const std::string& text) : text_(text.c_str()) {
     if (text.find('\0') != text.npos) throw DataError("a text has a zero octet in it");
   }
@@ -508,7 +508,7 @@ class Reader {
   /// The readers of one kind. ports is how many to offer where ports can't be asked for.
   static std::vector<ReaderInfo> List(ReaderKind kind, int32_t ports = 0) {
     if (ports < 0 || ports > 256) throw DataError("a list has 0 to 256 ports");
-    std::vector<ReaderInfo> list(static_cast<size_t>(std::max(ports + 1, 64)));
+    std::vector<ReaderInfo> list(static_cast<size_t>((std::max)(ports + 1, 64)));
     const int32_t count =
         GetReaderList(kind, list.data(), ports, static_cast<int32_t>(list.size()));
     list.resize(static_cast<size_t>(count));
@@ -517,12 +517,12 @@ class Reader {
 
   /// Opens by name, as List gives it; a payment HSM by its address.
   static Reader Open(ReaderKind kind, TextArgument name) {
-    return Reader(kind, [&] { return OpenReaderA(name.Get(), kind); });
+    return Reader(kind, name.View(), [&] { return OpenReaderA(name.Get(), kind); });
   }
 
   /// Opens by port.
   static Reader OpenPort(ReaderKind kind, int32_t port) {
-    return Reader(kind, [&] { return OpenReader(port, kind, 9600); });
+    return Reader(kind, "the port", [&] { return OpenReader(port, kind, 9600); });
   }
 
   Reader(Reader&& other) noexcept
@@ -599,13 +599,13 @@ class Reader {
   static inline std::array<bool, kClosed> taken_{};
 
   template <class Opening>
-  Reader(ReaderKind kind, const Opening& open)
+  Reader(ReaderKind kind, std::string_view what, const Opening& open)
       : kind_(kind),
         number_(static_cast<uint32_t>(std::find(taken_.begin(), taken_.end(), false) -
                                       taken_.begin())) {
     if (number_ == kClosed) throw ReaderError("sixteen readers are open");
     SetReader(number_);
-    if (open() == 0) throw ReaderError("the reader doesn't open");
+    if (open() == 0) throw ReaderError(std::string(what) + " doesn't open");
     taken_[number_] = true;
   }
   void Select() const {
@@ -720,7 +720,7 @@ class TagDictionary {
   static void Flush() {
     Load();
     FlushTagdict();
-    fileRecords_ = std::max(fileRecords_, Look().records);
+    fileRecords_ = (std::max)(fileRecords_, Look().records);
   }
 
  private:
@@ -744,8 +744,8 @@ class TagDictionary {
     const auto size = static_cast<uint64_t>(std::filesystem::file_size(kName, error));
     const auto time = std::filesystem::last_write_time(kName, error);
     if (!in.is_open() || error) return {};
-    const auto said = static_cast<uint64_t>(std::max(ToNumber(octets), 0));
-    return {true, size, static_cast<size_t>(std::min(said, size / 3)), time};
+    const auto said = static_cast<uint64_t>((std::max)(ToNumber(octets), 0));
+    return {true, size, static_cast<size_t>((std::min)(said, size / 3)), time};
   }
 
   // The library reads the file in the first call that finds it, and doesn't tell how much it was.
@@ -757,7 +757,7 @@ class TagDictionary {
     const File after = Look();
     loaded_ = before.read && after.read;
     known_ = known_ && before == after;
-    fileRecords_ = std::max({fileRecords_, before.records, after.records});
+    fileRecords_ = (std::max)({fileRecords_, before.records, after.records});
   }
 
   static inline bool loaded_ = false;

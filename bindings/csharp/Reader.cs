@@ -87,7 +87,7 @@ namespace Orvane
         private static readonly bool[] taken = new bool[Closed];
         private int number = Closed;
 
-        private Reader(ReaderKind kind, Func<int> opening)
+        private Reader(ReaderKind kind, string what, Func<int> opening)
         {
             Kind = kind;
             lock (Native.Gate)
@@ -95,7 +95,7 @@ namespace Orvane
                 int free = Array.IndexOf(taken, false);
                 if (free < 0) throw new ReaderException("sixteen readers are open");
                 Native.SetReader((uint)free);
-                if (opening() == 0) throw new ReaderException("the reader doesn't open");
+                if (opening() == 0) throw new ReaderException(what + " doesn't open");
                 number = free;
                 taken[free] = true;
             }
@@ -130,7 +130,7 @@ namespace Orvane
             Native.Checked(name);
             try
             {
-                return new Reader(kind, () => Native.OpenReaderA(name, kind));
+                return new Reader(kind, name, () => Native.OpenReaderA(name, kind));
             }
             catch (ArgumentException)
             {
@@ -141,7 +141,7 @@ namespace Orvane
         /// <summary>Opens by port.</summary>
         public static Reader OpenPort(ReaderKind kind, int port)
         {
-            return new Reader(kind, () => Native.OpenReader(port, kind, 9600));
+            return new Reader(kind, "port " + port, () => Native.OpenReader(port, kind, 9600));
         }
 
         public ReaderKind Kind { get; }

@@ -56,13 +56,13 @@ const taken = new Set();
 export class Reader {
   #number;
 
-  constructor(kind, opening) {
+  constructor(kind, what, opening) {
     if (!Object.values(ReaderKind).includes(kind)) throw new DataError(`there is no kind ${kind}`);
     this.kind = kind;
     const free = Array.from({ length: 16 }, (_, number) => number).find((number) => !taken.has(number));
     if (free === undefined) throw new ReaderError('sixteen readers are open');
     native.SetReader(free);
-    if (!opening()) throw new ReaderError("the reader doesn't open");
+    if (!opening()) throw new ReaderError(`${what} doesn't open`);
     this.#number = free;
     taken.add(free);
   }
@@ -84,11 +84,11 @@ export class Reader {
 
   static open(kind, name) {
     const octets = encodeName(name);
-    return new Reader(kind, () => native.OpenReaderA(octets, kind));
+    return new Reader(kind, name, () => native.OpenReaderA(octets, kind));
   }
 
   static openPort(kind, port) {
-    return new Reader(kind, () => native.OpenReader(port, kind, 9600));
+    return new Reader(kind, `port ${port}`, () => native.OpenReader(port, kind, 9600));
   }
 
   get isOpen() {

@@ -6,7 +6,7 @@ from typing import Iterator
 
 import pytest
 
-import orvane
+from . import Reader, ReaderKind, load_simulators
 
 
 def pytest_addoption(parser: pytest.Parser) -> None:
@@ -17,27 +17,33 @@ def pytest_addoption(parser: pytest.Parser) -> None:
                     help="a recording whose answers the simulated card gives")
 
 
-@pytest.fixture(scope="session")
-def _orvane_address(pytestconfig: pytest.Config) -> str:
-    address, recording = (pytestconfig.getoption(name)
-                          for name in ("--orvane-reader", "--orvane-recording"))
+def pytest_configure(config: pytest.Config) -> None:
+    address, recording = config.getoption("--orvane-reader"), config.getoption("--orvane-recording")
     if address and recording:
         raise pytest.UsageError("--orvane-reader and --orvane-recording exclude each other")
+    kind, colon, name = (address or "3:Simulated Reader 0").partition(":")
+    if not (colon and name and kind in (str(int(each)) for each in ReaderKind)):
+        raise pytest.UsageError(f"--orvane-reader {address}: not KIND:NAME")
     if recording:
+        if not os.path.isfile(recording):
+            raise pytest.UsageError(f"--orvane-recording {recording}: there is no such file")
         os.environ["ORVANE_CARD"] = os.path.abspath(recording)
+
+
+@pytest.fixture(scope="session")
+def _orvane_address(pytestconfig: pytest.Config) -> str:
+    address: str = pytestconfig.getoption("--orvane-reader")
     if not address:
-        orvane.load_simulators()
+        load_simulators()
     return address or "3:Simulated Reader 0"
 
 
 @pytest.fixture
-def card(_orvane_address: str) -> Iterator[orvane.Reader]:
+def card(_orvane_address: str) -> Iterator[Reader]:
     """An open reader that has been reset; it is closed behind the test."""
     kind, _, name = _orvane_address.partition(":")
-    if not kind.isdigit():
-        kind, name = "3", _orvane_address
-    of_kind = orvane.ReaderKind(int(kind))
-    with (orvane.Reader.open_port(of_kind, int(name)) if name.isdigit()
-          else orvane.Reader.open(of_kind, name)) as reader:
+    of_kind = ReaderKind(int(kind))
+    with (Reader.open_port(of_kind, int(name)) if name.isdigit()
+          else Reader.open(of_kind, name)) as reader:
         reader.reset()
         yield reader

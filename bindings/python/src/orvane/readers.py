@@ -92,7 +92,7 @@ class Reader:
 
     _taken: Set[int] = set()
 
-    def __init__(self, kind: ReaderKind, opening: Callable[[], int]) -> None:
+    def __init__(self, kind: ReaderKind, what: str, opening: Callable[[], int]) -> None:
         """For open and open_port."""
         self.kind = ReaderKind(kind)
         self._number: Optional[int] = None
@@ -102,7 +102,7 @@ class Reader:
                 raise ReaderError("sixteen readers are open")
             native.SetReader(free[0])
             if not opening():
-                raise ReaderError("the reader doesn't open")
+                raise ReaderError(f"{what} doesn't open")
             self._number = free[0]
             Reader._taken.add(free[0])
 
@@ -121,12 +121,12 @@ class Reader:
     def open(kind: ReaderKind, name: str) -> "Reader":
         """Opens by name, as list gives it; a payment HSM by its address."""
         octets = library.encode_name(name)
-        return Reader(kind, lambda: int(native.OpenReaderA(octets, kind)))
+        return Reader(kind, name, lambda: int(native.OpenReaderA(octets, kind)))
 
     @staticmethod
     def open_port(kind: ReaderKind, port: int) -> "Reader":
         """Opens by port."""
-        return Reader(kind, lambda: int(native.OpenReader(port, kind, 9600)))
+        return Reader(kind, f"port {port}", lambda: int(native.OpenReader(port, kind, 9600)))
 
     @property
     def is_open(self) -> bool:
