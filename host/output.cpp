@@ -2,12 +2,14 @@
 
 #include <cerrno>
 #include <iostream>
+#include <sstream>
 #include <streambuf>
 #include <string>
 #include <system_error>
 
 #include "host/failure.h"
 #include "host/platform.h"
+#include "host/text.h"
 
 namespace host {
 
@@ -76,5 +78,11 @@ StandardStreams::StandardStreams()
 }
 
 StandardStreams::~StandardStreams() { std::cout.exceptions(std::ios::goodbit); }
+
+void PrintFailure(const Failure& failure) {
+  if (dynamic_cast<const ScriptFailure*>(&failure) == nullptr) std::cerr << "orvane: ";
+  std::istringstream message(failure.what());
+  for (std::string line; std::getline(message, line);) std::cerr << Printable(line) << '\n';
+}
 
 }  // namespace host

@@ -22,4 +22,9 @@ std::string WhyNotOpened(const ReaderAddress& address);
 // What is wrong with the card of a reader that is open; empty if that can't be told.
 std::string CardTrouble(const ReaderAddress& address);
 
+// Takes the power from the card in this reader and gives it back, which nothing in the library
+// does. Gives what was in the way: a sentence without its full stop; empty if nothing was. A
+// connection that the library has to the card is of no use behind it.
+std::string PowerOffAndOn(const std::string& reader);
+
 }  // namespace host

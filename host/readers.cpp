@@ -7,7 +7,6 @@
 #include <filesystem>
 
 #include "host/failure.h"
-#include "host/pcsc_service.h"
 #include "host/platform.h"
 #include "host/reader_trouble.h"
 #include "host/session_recorder.h"

@@ -1,7 +1,9 @@
 #include "host/platform.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
+#include <sys/file.h>
 #include <sys/utsname.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -113,5 +115,39 @@ bool LoadedModuleExports(std::string_view vendor, const char* function) {
 
 std::string ToLibrary(const std::string& name) { return name; }
 std::string FromLibrary(std::string_view name) { return std::string(name); }
+
+void OpenStandardDescriptors() {
+  for (int descriptor = 0; descriptor < 3; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) >= 0) continue;
+    // Takes the lowest number that is free: this one.
+    open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY);
+  }
+}
+
+int OpenFile(const std::string& name) { return open(name.c_str(), O_RDONLY | O_CLOEXEC); }
+
+void CloseFile(int descriptor) { close(descriptor); }
+
+std::ptrdiff_t ReadSome(int descriptor, char* area, size_t size) {
+  std::ptrdiff_t count = 0;
+  do {
+    count = read(descriptor, area, size);
+  } while (count < 0 && errno == EINTR);
+  return count;
+}
+
+std::ptrdiff_t WriteSome(int descriptor, std::string_view text) {
+  std::ptrdiff_t count = 0;
+  do {
+    count = write(descriptor, text.data(), text.size());
+  } while (count < 0 && errno == EINTR);
+  return count;
+}
+
+FolderLock::FolderLock() : handle_(open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  while (flock(static_cast<int>(handle_), LOCK_EX) != 0 && errno == EINTR) continue;
+}
+
+FolderLock::~FolderLock() { close(static_cast<int>(handle_)); }
 
 }  // namespace host

@@ -1,5 +1,3 @@
-#include "host/windows/console.h"
-
 #define WIN32_LEAN_AND_MEAN
 #include <fcntl.h>
 #include <io.h>
@@ -52,13 +50,13 @@ void HandleControls() {
   static_cast<void>(handled);
 }
 
-}  // namespace
-
 bool IsConsole(int descriptor) {
   DWORD mode = 0;
   return GetConsoleMode(HandleOf(descriptor), &mode) != 0;
 }
 
+// What is typed has its line end; a line that begins with Ctrl-Z is the end. EINTR after Ctrl-C, if
+// that doesn't end the program.
 std::ptrdiff_t ReadFromConsole(char* area, size_t size) {
   constexpr size_t kMostOctets = 3;  // of UTF-8, for one unit of UTF-16
   std::vector<wchar_t> units(size / kMostOctets);
@@ -87,6 +85,8 @@ std::ptrdiff_t WriteToConsole(int descriptor, std::string_view text) {
   }
   return static_cast<std::ptrdiff_t>(text.size());
 }
+
+}  // namespace
 
 bool OutputTakesColour() {
   if (!IsConsole(1)) return false;
@@ -138,5 +138,33 @@ std::optional<std::string> EditLine(const std::string& prompt) {
 void RememberLine(const std::string&) {}  // the console does
 
 void ForgetLines() {}  // and gives no way to take one back
+
+void OpenStandardDescriptors() {
+  for (int descriptor = 0; descriptor < 3; ++descriptor) {
+    if (GetFileType(HandleOf(descriptor)) != FILE_TYPE_UNKNOWN) continue;
+    const int null = _wopen(L"NUL", descriptor == 0 ? _O_WRONLY : _O_RDONLY);
+    if (null == descriptor || null < 0) continue;
+    _dup2(null, descriptor);
+    _close(null);
+  }
+  // Text mode ends at the octet 1A.
+  _setmode(0, _O_BINARY);
+}
+
+int OpenFile(const std::string& name) {
+  return _wopen(ToWide(name).c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+}
+
+void CloseFile(int descriptor) { _close(descriptor); }
+
+std::ptrdiff_t ReadSome(int descriptor, char* area, size_t size) {
+  if (descriptor == 0 && IsConsole(0)) return ReadFromConsole(area, size);
+  return _read(descriptor, area, static_cast<unsigned>(size));
+}
+
+std::ptrdiff_t WriteSome(int descriptor, std::string_view text) {
+  if (IsConsole(descriptor)) return WriteToConsole(descriptor, text);
+  return _write(descriptor, text.data(), static_cast<unsigned>(text.size()));
+}
 
 }  // namespace host

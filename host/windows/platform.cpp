@@ -3,10 +3,23 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <string>
+
 #include "host/failure.h"
 #include "host/windows/wide.h"
 
 namespace host {
+namespace {
+
+std::wstring FromPage(UINT page, std::string_view text) {
+  const int count = static_cast<int>(text.size());
+  const int room = MultiByteToWideChar(page, 0, text.data(), count, nullptr, 0);
+  std::wstring wide(static_cast<size_t>(room), L'\0');
+  MultiByteToWideChar(page, 0, text.data(), count, wide.data(), room);
+  return wide;
+}
+
+}  // namespace
 
 std::optional<std::string> EnvironmentVariable(const std::string& name) {
   const wchar_t* const value = _wgetenv(ToWide(name).c_str());
@@ -97,12 +110,49 @@ std::string ToLibrary(const std::string& name) {
                                   " lacks a character of the reader's name \"" + name + '"');
 }
 
-std::string FromLibrary(std::string_view name) {
-  const int count = static_cast<int>(name.size());
-  const int room = MultiByteToWideChar(CP_ACP, 0, name.data(), count, nullptr, 0);
-  std::wstring wide(static_cast<size_t>(room), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, name.data(), count, wide.data(), room);
-  return FromWide(wide);
+std::string FromLibrary(std::string_view name) { return FromWide(FromPage(CP_ACP, name)); }
+
+namespace {
+
+// The same for the same folder, however it is named.
+std::wstring LockName() {
+  std::wstring name = L"Orvane tags";
+  const HANDLE folder = CreateFileW(L".", FILE_READ_ATTRIBUTES,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  BY_HANDLE_FILE_INFORMATION information;
+  if (GetFileInformationByHandle(folder, &information) != 0) {
+    for (const DWORD part : {information.dwVolumeSerialNumber, information.nFileIndexHigh,
+                             information.nFileIndexLow}) {
+      name += L' ' + std::to_wstring(part);
+    }
+  }
+  CloseHandle(folder);
+  return name;
+}
+
+}  // namespace
+
+FolderLock::FolderLock()
+    : handle_(reinterpret_cast<std::intptr_t>(CreateMutexW(nullptr, FALSE, LockName().c_str()))) {
+  WaitForSingleObject(reinterpret_cast<HANDLE>(handle_), INFINITE);
+}
+
+FolderLock::~FolderLock() {
+  const auto mutex = reinterpret_cast<HANDLE>(handle_);
+  ReleaseMutex(mutex);
+  CloseHandle(mutex);
+}
+
+std::wstring ToWide(std::string_view text) { return FromPage(CP_UTF8, text); }
+
+std::string FromWide(std::wstring_view wide) {
+  const int count = static_cast<int>(wide.size());
+  const int room =
+      WideCharToMultiByte(CP_UTF8, 0, wide.data(), count, nullptr, 0, nullptr, nullptr);
+  std::string text(static_cast<size_t>(room), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, wide.data(), count, text.data(), room, nullptr, nullptr);
+  return text;
 }
 
 }  // namespace host
