@@ -244,7 +244,7 @@ class CPCSCReaderTool final : public CReaderToolBase {
 
   std::int32_t ResetCard(std::uint8_t* atr, std::uint32_t* atrLen) override {
     if (m_card.IsClosed() || !m_winscard.SCardGetAttrib || !m_winscard.SCardControl) return 0;
-    Response answer;
+    Response answer{};
     LONG code = m_card.IsWithoutCard() ? SCARD_W_REMOVED_CARD : ReadAtr(answer);
     if (code == SCARD_W_REMOVED_CARD) code = ReconnectAndReadAtr(answer);
     return code == SCARD_S_SUCCESS ? GiveAtr(answer, atr, atrLen) : 0;
@@ -275,11 +275,14 @@ class CPCSCReaderTool final : public CReaderToolBase {
     });
   }
 
-  // A call that fills the response, which is clear each time that it runs.
+  // A call that fills a response, which comes in all zero and is so again where the call is made
+  // twice.
   template <typename Call>
   LONG Read(Response& response, Call call) {
+    bool again = false;
     return m_card.Pass([&](SCARDHANDLE card) {
-      response = {.octets = {}, .length = kResponseSize, .statusWord = 0};
+      if (std::exchange(again, true)) response = {};
+      response.length = kResponseSize;
       return call(card);
     });
   }
@@ -287,6 +290,7 @@ class CPCSCReaderTool final : public CReaderToolBase {
   LONG ReconnectAndReadAtr(Response& atr) {
     if (!CardIsPresent() || !m_winscard.SCardConnectA) return SCARD_W_REMOVED_CARD;
     const LONG code = Connect(m_szName);
+    atr = {};
     return code == SCARD_S_SUCCESS ? ReadAtr(atr) : code;
   }
 

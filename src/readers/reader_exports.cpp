@@ -104,10 +104,10 @@ std::int32_t SendCommand(const char* cmdHex, std::int32_t hexLen, char* respHex)
   std::int32_t done = 0;
   if (tool && digits <= 2 * kBufferSize) {
     std::uint8_t command[kBufferSize];
-    std::memset(command, 0, sizeof command);
+    const std::size_t length = digits / 2;
+    std::memset(command, 0, length);  // what is sent, and no more
     orvane::DecodeHex({cmdHex, digits}, command);
-    done =
-        tool->Transmit(command, static_cast<std::uint32_t>(digits / 2), response, &responseLength);
+    done = tool->Transmit(command, static_cast<std::uint32_t>(length), response, &responseLength);
   }
   EncodeHexText(response, responseLength, respHex);
   return done != 0 ? 1 : 0;

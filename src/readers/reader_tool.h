@@ -10,7 +10,7 @@ namespace orvane {
 // What stands in a reader slot: it owns the driver of the kind that was opened last, and lets no
 // exception of a driver or a vendor's library through (the result is then 0). Without a driver
 // the operations give 0.
-class CReaderTool {
+class CReaderTool final {
  public:
   CReaderTool() = default;
   CReaderTool(const CReaderTool&) = delete;

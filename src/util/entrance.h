@@ -8,11 +8,11 @@ namespace orvane {
 // call goes out to may call back on the same thread: that second call finds no way in.
 class Entrance {
  public:
-  Entrance() : m_found(!std::exchange(s_isInside, true)) {}
+  Entrance() : m_isInside(s_isInside), m_found(!std::exchange(m_isInside, true)) {}
   Entrance(const Entrance&) = delete;
   Entrance& operator=(const Entrance&) = delete;
   ~Entrance() {
-    if (m_found) s_isInside = false;
+    if (m_found) m_isInside = false;
   }
 
   explicit operator bool() const { return m_found; }
@@ -21,6 +21,7 @@ class Entrance {
   // A thread's own: one that ends in the middle of a call shuts nobody else out.
   inline static thread_local bool s_isInside = false;
 
+  bool& m_isInside;
   const bool m_found;
 };
 
