@@ -204,6 +204,8 @@ namespace Orvane
             {
                 try
                 {
+                    // A file without a count, which is no regular one perhaps, is not opened.
+                    if (new FileInfo("dictdata.bin").Length < 4) return new FileNow();
                     var octets = new byte[4];
                     using (var file = new FileStream("dictdata.bin", FileMode.Open, FileAccess.Read,
                                                      FileShare.ReadWrite | FileShare.Delete))

@@ -57,7 +57,7 @@ class Operations:
     close = lambda self, _: self.reader.close()
     response = staticmethod(lambda kind, result, text: answer(Response.read(int(kind), int(result), text)))
     parse = tree.parse
-    find = staticmethod(lambda tag: Operations.tree.find(tag) or "none")
+    find = staticmethod(lambda tag: "none" if (value := Operations.tree.find(tag)) is None else value)
     dictionary = staticmethod(lambda _: ", ".join(each.tag for each in TagDictionary.list()) or "none")
     note = staticmethod(lambda *texts: yes_or_no(TagDictionary.add(TagEntry(*texts))))
     replace = staticmethod(lambda *texts: yes_or_no(TagDictionary.replace(TagEntry(*texts))))

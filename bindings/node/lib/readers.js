@@ -144,9 +144,6 @@ export class Reader {
   }
 }
 
-// Where the language has it, "using" closes a reader.
-if (Symbol.dispose) Reader.prototype[Symbol.dispose] = Reader.prototype.close;
-
 const simulators = [];
 
 export function loadSimulators(folder = join(ownFolder, 'simulators')) {

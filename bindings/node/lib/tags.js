@@ -1,4 +1,4 @@
-import { closeSync, fstatSync, openSync, readSync } from 'node:fs';
+import { closeSync, fstatSync, openSync, readSync, statSync } from 'node:fs';
 import { DataError } from './errors.js';
 import { encode, native, textOf } from './library.js';
 
@@ -48,8 +48,10 @@ function entryOf(record) {
 
 // What the library would read now: as many records as the file says, but each has three octets.
 function look() {
+  const nothing = { read: false, records: 0, state: '' };
   let file;
   try {
+    if (!statSync('dictdata.bin').isFile()) return nothing;
     file = openSync('dictdata.bin');
     const said = Buffer.alloc(4);
     readSync(file, said);
@@ -57,7 +59,7 @@ function look() {
     const records = Math.min(Math.max(said.readInt32LE(), 0), Math.floor(size / 3));
     return { read: true, records, state: `${size} ${mtimeMs} ${records}` };
   } catch {
-    return { read: false, records: 0, state: '' };
+    return nothing;
   } finally {
     if (file !== undefined) closeSync(file);
   }

@@ -63,6 +63,8 @@ _File = Tuple[bool, int, int, int]  # whether it can be read; its records, size 
 def _look() -> _File:
     """What the library would read now: as many records as the file says, but each has three octets."""
     try:
+        if not os.path.isfile("dictdata.bin"):
+            return False, 0, 0, 0
         with open("dictdata.bin", "rb") as file:
             said = int.from_bytes(file.read(4), "little", signed=True)
             status = os.fstat(file.fileno())
