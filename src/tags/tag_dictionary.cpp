@@ -97,12 +97,11 @@ bool TagDictionary::Delete(const char* tag) {
 }
 
 bool TagDictionary::Append(const TagdictData& record, bool replace) {
-  // All that can fail comes before anything is deleted.
+  // All that can fail comes before anything is deleted: behind that, the index has the room.
   std::list added = {PackedRecord(record)};
   const char* const tag = added.front().Tag();
   Index entry;
   entry.emplace(tag, Place{added.begin(), appended_});
-  index_.reserve(index_.size() + 1);
   if (replace) Delete(tag);
   if (Find(tag) != nullptr) return false;
   index_.insert(entry.extract(entry.begin()));

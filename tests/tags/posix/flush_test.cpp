@@ -65,14 +65,6 @@ const List kNew = {{"57", "old", ""}, {"5A", "new", ""}};
 const List kMany(300, {"57", std::string(100, 'x'), ""});
 
 class Flush : public testing::Test {
- protected:
-  // A file that anybody may write, in a folder that takes no other.
-  static void WriteAlone(const List& records) {
-    WriteFile(kDictionaryFile, FileImage(records));
-    chmod(kDictionaryFile, 0666);
-    chmod(".", 0555);
-  }
-
   WorkingFolder folder;
 };
 
@@ -140,39 +132,46 @@ TEST_F(Flush, KeepsItsNewFileFromOthersUntilItIsWhole) {
   EXPECT_EQ(FilesIn("."), 2);
 }
 
-TEST_F(Flush, LeavesWhatItMayNotWriteAsItIs) {
-  const auto flush = [] { return GiveUpPrivileges() && AddAndFlush(); };
-  WriteFile(kDictionaryFile, FileImage(kOld));
-  chmod(kDictionaryFile, 0444);
+// Where the file is replaced, tests/host/posix/tags_sharing_test.cpp has a full disk.
+TEST_F(Flush, WritesWhatItMayAndLeavesTheRest) {
+  List grown = kMany;
+  grown.push_back(kNew[1]);
+  const rlim_t half = FileImage(kMany).size() + 4;  // half of the record fits
+  const struct {
+    const char* what;
+    mode_t file, folder;  // no file: 0
+    List before, after;
+    rlim_t room = RLIM_INFINITY;
+    bool shrinks = false;
+  } rows[] = {
+      {"a file that it may not write", 0444, 0777, kOld, kOld},
+      {"no file, in a folder that takes none", 0, 0555, {}, {}},
+      {"a folder that takes no other", 0666, 0555, kMany, grown},
+      {"a smaller content there", 0666, 0555, kMany, {kNew[1]}, RLIM_INFINITY, true},
+      {"no room there", 0666, 0555, kMany, kMany, half},
+  };
+  for (const auto& row : rows) {
+    chmod(".", 0777);
+    fs::remove(kDictionaryFile);
+    if (row.file != 0) WriteFile(kDictionaryFile, FileImage(row.before));
+    chmod(kDictionaryFile, row.file);
+    chmod(".", row.folder);
+    EXPECT_TRUE(Succeeds([&] {
+      const rlimit limit{row.room, row.room};
+      if (!GiveUpPrivileges() || setrlimit(RLIMIT_FSIZE, &limit) != 0) return false;
+      while (row.shrinks && DeleteTagdictData("57") == 1) continue;
+      return AddAndFlush();
+    })) << row.what;
+    EXPECT_EQ(FilesIn("."), row.file != 0 ? 1 : 0) << row.what;
+    const auto content = ReadFile(kDictionaryFile);
+    EXPECT_EQ(content.value_or(FileImage({})), FileImage(row.after)) << row.what;
+  }
   chmod(".", 0777);
-  EXPECT_TRUE(Succeeds(flush));
-  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage(kOld));
-  EXPECT_EQ(FilesIn("."), 1);
-
   fs::remove(kDictionaryFile);
-  chmod(".", 0555);
-  EXPECT_TRUE(Succeeds(flush));
-  EXPECT_EQ(FilesIn("."), 0);
-
-  chmod(".", 0777);
   fs::create_directory(kDictionaryFile);
   EXPECT_TRUE(Succeeds(AddAndFlush));
   EXPECT_EQ(FilesIn("."), 1);
   EXPECT_EQ(FilesIn(kDictionaryFile), 0);
-}
-
-TEST_F(Flush, WritesAFileInAFolderThatTakesNoOther) {
-  WriteAlone(kMany);
-  EXPECT_TRUE(Succeeds([] { return GiveUpPrivileges() && AddAndFlush(); }));
-  List grown = kMany;
-  grown.push_back(kNew[1]);
-  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage(grown));
-  EXPECT_TRUE(Succeeds([] {
-    while (DeleteTagdictData("57") == 1) continue;
-    return GiveUpPrivileges() && FlushTagdict() == 1;
-  }));
-  EXPECT_EQ(ReadFile(kDictionaryFile), FileImage({kNew[1]}));
-  EXPECT_EQ(FilesIn("."), 1);
 }
 
 TEST_F(Flush, FollowsSymbolicLinks) {
@@ -218,18 +217,6 @@ TEST_F(Flush, FollowsNoLinkThatTheSystemDoesNotFollow) {
     fs::create_symlink("ours", kDictionaryFile);
     return AddAndFlush() && ReadFile("ours") == FileImage(kOld) && fs::is_symlink(kDictionaryFile);
   }));
-}
-
-// Where the file is replaced, tests/host/posix/tags_sharing_test.cpp has a full disk.
-TEST_F(Flush, KeepsTheOldFileWhereNoRoomIsToOverwriteIt) {
-  const std::string before = FileImage(kMany);
-  WriteAlone(kMany);
-  EXPECT_TRUE(Succeeds([&] {
-    const rlimit limit{before.size() + 4, before.size() + 4};  // half of the record fits
-    return setrlimit(RLIMIT_FSIZE, &limit) == 0 && GiveUpPrivileges() && AddAndFlush();
-  }));
-  EXPECT_EQ(ReadFile(kDictionaryFile), before);
-  EXPECT_EQ(FilesIn("."), 1);
 }
 
 TEST_F(Flush, DoesNotTouchAFileThatFailedWhileItWasRead) {
