@@ -54,27 +54,22 @@ class Flush : public testing::Test {
 };
 
 TEST_F(Flush, WritesTheWholeFileOrNothing) {
+  constexpr DWORD kRead = FILE_SHARE_READ, kWrite = kRead | FILE_SHARE_WRITE;
   AddAndFlush();
   EXPECT_EQ(Stored(), 1);
-  AddAndFlush();
-  EXPECT_EQ(Stored(), 2);
-  {
-    const OpenElsewhere reader(FILE_SHARE_READ);
+  const struct {
+    DWORD sharing;
+    int stored;
+  } rows[] = {{kRead, 1},                        // nobody else may write
+              {kWrite, 3},                       // it can't be replaced, but overwritten
+              {kWrite | FILE_SHARE_DELETE, 4}};  // others let go of it
+  for (const auto& row : rows) {
+    const OpenElsewhere reader(row.sharing);
     AddAndFlush();
-    EXPECT_EQ(Stored(), 2) << "nobody else may write";
-  }
-  {
-    const OpenElsewhere reader(FILE_SHARE_READ | FILE_SHARE_WRITE);
-    AddAndFlush();
-    EXPECT_EQ(Stored(), 4) << "it can't be replaced, but overwritten";
-  }
-  {
-    const OpenElsewhere reader(FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
-    AddAndFlush();
-    EXPECT_EQ(Stored(), 5) << "others let go of it";
+    EXPECT_EQ(Stored(), row.stored);
   }
   AddAndFlush();
-  EXPECT_EQ(Stored(), 6);
+  EXPECT_EQ(Stored(), 5);
 }
 
 TEST_F(Flush, StaysInAFolderThatTheCodePageCannotName) {
