@@ -22,7 +22,7 @@
 #include "host/dictionary_file.h"
 #include "host/failure.h"
 #include "host/script.h"
-#include "host/tlv_tree.h"
+#include "host/tlv.h"
 #include "orvane.h"
 #include "platform/module.h"
 #include "tags/tag_dictionary.h"

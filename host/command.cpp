@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "host/failure.h"
 #include "host/text.h"
@@ -14,12 +13,6 @@ namespace {
 constexpr std::array<unsigned, 27> kSilent = {0x04, 0x0E, 0x20, 0x21, 0x22, 0x24, 0x25, 0x26, 0x28,
                                               0x2C, 0x2D, 0x44, 0x82, 0xD0, 0xD2, 0xD6, 0xD7, 0xDA,
                                               0xDB, 0xDC, 0xDD, 0xE0, 0xE2, 0xE4, 0xE6, 0xE8, 0xFE};
-
-unsigned Value(std::string_view digits) {
-  unsigned value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-  return value;
-}
 
 }  // namespace
 
@@ -67,9 +60,9 @@ bool CarriesSecret(const CardCommand& command) {
 
 bool MayBringData(const CardCommand& command) {
   // Interindustry classes without secure messaging: 00 to 03, and 10 to 13 in a chain.
-  const bool plain = (Value(command.Part(0, 1)) & 0xEC) == 0;
+  const bool plain = (HexValue(command.Part(0, 1)) & 0xEC) == 0;
   const bool silent =
-      std::find(kSilent.begin(), kSilent.end(), Value(command.Part(1, 2))) != kSilent.end();
+      std::find(kSilent.begin(), kSilent.end(), HexValue(command.Part(1, 2))) != kSilent.end();
   return !plain || !silent || command.expectedData > 0;
 }
 

@@ -21,7 +21,7 @@
 #include "host/test/test_command.h"
 #include "host/text.h"
 #include "host/text_input.h"
-#include "host/tlv_tree.h"
+#include "host/tlv.h"
 
 namespace host {
 namespace {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <string>
 
 #include "host/text.h"
@@ -82,10 +81,9 @@ constexpr std::array kClasses = std::to_array<Meaning>({
 
 // 0 for a text that is no status word.
 unsigned ValueOf(std::string_view statusWord) {
-  unsigned value = 0;
-  const char* end = statusWord.data() + statusWord.size();
-  const auto [stop, error] = std::from_chars(statusWord.data(), end, value, 16);
-  return error == std::errc() && stop == end && statusWord.size() == 4 ? value : 0;
+  const bool isOne =
+      statusWord.size() == 4 && std::all_of(statusWord.begin(), statusWord.end(), IsHexDigit);
+  return isOne ? HexValue(statusWord) : 0;
 }
 
 // In these words 00 stands for 256.

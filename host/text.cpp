@@ -8,12 +8,6 @@
 namespace host {
 namespace {
 
-std::string HexOctet(char octet) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  const auto value = static_cast<unsigned char>(octet);
-  return {kDigits[value >> 4], kDigits[value & 0xF]};
-}
-
 // What turns the writing direction or breaks a line where the text holds no line end.
 bool SteersTerminal(char32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x2028 && c <= 0x202E) ||
@@ -73,7 +67,7 @@ std::string Printable(std::string_view text) {
     at += std::max<size_t>(length, 1);
     if (length > 0) continue;
     shown += text.substr(begin, at - 1 - begin);
-    shown += "\\x" + HexOctet(text[at - 1]);
+    shown += "\\x" + HexOctet(static_cast<unsigned char>(text[at - 1]));
     begin = at;
   }
   return shown += text.substr(begin);
@@ -91,11 +85,31 @@ std::string SpacedOctets(std::string_view digits) {
 std::string AsCharacters(std::string_view digits) {
   std::string characters;
   for (size_t at = 0; at + 1 < digits.size(); at += 2) {
-    unsigned octet = 0;
-    std::from_chars(digits.data() + at, digits.data() + at + 2, octet, 16);
+    const unsigned octet = HexValue(digits.substr(at, 2));
     characters += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
   }
   return characters;
+}
+
+std::vector<OctetRow> OctetRows(std::string_view digits) {
+  std::vector<OctetRow> rows;
+  for (size_t at = 0; at < digits.size(); at += 2 * kRowOctets) {
+    const std::string_view row = digits.substr(at, 2 * kRowOctets);
+    rows.push_back({SpacedOctets(row), AsCharacters(row)});
+    rows.back().octets.resize(3 * kRowOctets + 1, ' ');
+  }
+  return rows;
+}
+
+unsigned HexValue(std::string_view digits) {
+  unsigned value = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+  return value;
+}
+
+std::string HexOctet(unsigned octet) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  return {kDigits[octet >> 4 & 0xF], kDigits[octet & 0xF]};
 }
 
 size_t ColumnOf(std::string_view text, size_t at) {

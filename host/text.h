@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -27,6 +28,19 @@ std::string SpacedOctets(std::string_view digits);
 
 // The octets as characters; a dot for each that is not printable ASCII.
 std::string AsCharacters(std::string_view digits);
+
+// Both for a row of 16 octets; the octets of a last one that is shorter are filled with blanks.
+struct OctetRow {
+  std::string octets, characters;
+};
+inline constexpr size_t kRowOctets = 16;
+std::vector<OctetRow> OctetRows(std::string_view digits);
+
+// The number that hexadecimal digits say; 0 for none.
+unsigned HexValue(std::string_view digits);
+
+// An octet as two digits.
+std::string HexOctet(unsigned octet);
 
 // What goes below a message about one character of a text: the text, the part around it if it is
 // long, and a mark below the character. What is not printable ASCII is shown as ?.

@@ -1,11 +1,14 @@
 #include "host/tlv.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <vector>
 
+#include "host/decode/decode.h"
+#include "host/decode/tag_list.h"
+#include "host/failure.h"
 #include "host/text.h"
+#include "host/text_input.h"
 
 namespace host {
 namespace {
@@ -13,11 +16,7 @@ namespace {
 constexpr size_t kMostTagOctets = 4;
 constexpr size_t kMostLengthOctets = 4;  // behind the first one
 
-unsigned OctetAt(std::string_view digits, size_t at) {
-  unsigned octet = 0;
-  std::from_chars(digits.data() + 2 * at, digits.data() + 2 * at + 2, octet, 16);
-  return octet;
-}
+unsigned OctetAt(std::string_view digits, size_t at) { return HexValue(digits.substr(2 * at, 2)); }
 
 class Reader {
  public:
@@ -117,6 +116,31 @@ size_t TagOctets(std::string_view digits) {
 
 std::string ReadTlv(std::string_view digits, const std::function<void(const TlvElement&)>& take) {
   return Reader(digits, take).Read();
+}
+
+std::vector<std::string> TlvLines(const TlvElement& element) {
+  constexpr size_t kDeepestIndent = 64;  // in levels
+  const std::string indent(2 * std::min(element.level, kDeepestIndent), ' ');
+  std::string head = indent;
+  if (element.level > kDeepestIndent) head += std::to_string(element.level) + "> ";
+  head += UpperCase(element.tag) + "  " + std::to_string(element.value.size() / 2);
+  if (const std::string name = TagName(element.tag); !name.empty()) head += "  " + name;
+  std::vector<std::string> lines = {head};
+  if (element.constructed) return lines;
+  for (const OctetRow& row : OctetRows(UpperCase(element.value))) {
+    lines.push_back(indent + "    " + row.octets + row.characters);
+  }
+  for (const std::string& line : ValueLines(element.tag, element.parent, element.value)) {
+    lines.push_back(indent + "    " + line);
+  }
+  return lines;
+}
+
+void PrintTlv(std::ostream& out, std::string_view text) {
+  const std::string fault = ReadTlv(DigitsIn(text), [&out](const TlvElement& element) {
+    for (const std::string& line : TlvLines(element)) out << line << '\n';
+  });
+  if (!fault.empty()) throw Failure(kScriptFault, "no BER-TLV: " + fault);
 }
 
 }  // namespace host

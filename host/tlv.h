@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -24,5 +26,14 @@ size_t TagOctets(std::string_view digits);
 // element as it is read, a parent before its children. Gives why the rest could not be read; the
 // empty text if all was.
 std::string ReadTlv(std::string_view digits, const std::function<void(const TlvElement&)>& take);
+
+// The lines of one element, indented by its level: tag, length in bytes, name; then its value, with
+// characters beside the octets, and what it says where that is known. From level 64 on the indent
+// stays, and the level stands as a number before the tag.
+std::vector<std::string> TlvLines(const TlvElement& element);
+
+// Prints the tree of BER-TLV data, given as hexadecimal text with or without white space. Throws
+// Failure after printing what could be read.
+void PrintTlv(std::ostream& out, std::string_view text);
 
 }  // namespace host

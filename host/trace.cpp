@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <iomanip>
+#include <utility>
 
 #include "host/status_word.h"
 #include "host/text.h"
-#include "host/tlv_tree.h"
+#include "host/tlv.h"
 
 namespace host {
 namespace {
@@ -14,7 +14,6 @@ namespace {
 constexpr int kLineWidth = 4;
 constexpr int kLabelWidth = 5;
 constexpr std::string_view kIndent = "      ";  // the line number and the gap behind it
-constexpr size_t kRowOctets = 16;
 
 // Header, length field, data and Le, set apart. Data that needs rows of its own is left out.
 std::string Grouped(const CardCommand& command, bool hideData) {
@@ -51,11 +50,8 @@ void Trace::Detail(Colour colour, std::string_view label, std::string_view text)
 }
 
 void Trace::Rows(Colour colour, std::string_view label, std::string_view digits) {
-  for (size_t at = 0; at < digits.size(); at += 2 * kRowOctets) {
-    const std::string_view row = digits.substr(at, 2 * kRowOctets);
-    std::string octets = SpacedOctets(row);
-    octets.resize(3 * kRowOctets + 1, ' ');
-    Detail(colour, at == 0 ? label : "", octets + Paint(Colour::kDim, AsCharacters(row)));
+  for (const OctetRow& row : OctetRows(digits)) {
+    Detail(colour, std::exchange(label, ""), row.octets + Paint(Colour::kDim, row.characters));
   }
 }
 

@@ -164,8 +164,8 @@ class AtrReader {
   bool ReadFormat() {
     if (rest_.Left() == 0) return Cut("T0");
     const std::string_view t0 = rest_.Take(1);
-    historical_ = ValueOf(t0) & 0xF;
-    present_ = ValueOf(t0) >> 4;
+    historical_ = HexValue(t0) & 0xF;
+    present_ = HexValue(t0) >> 4;
     Add("T0", t0, Counted(historical_, "historical byte") + Announced(1));
     return true;
   }
@@ -188,11 +188,11 @@ class AtrReader {
   void ReadCharacter(char letter, unsigned group, std::string_view octet) {
     const std::string name = Name(letter, group);
     if (letter != 'D') {
-      Add(name, octet, MeaningOf(letter, group, ValueOf(octet)));
+      Add(name, octet, MeaningOf(letter, group, HexValue(octet)));
       return;
     }
-    protocol_ = ValueOf(octet) & 0xF;
-    present_ = ValueOf(octet) >> 4;
+    protocol_ = HexValue(octet) & 0xF;
+    present_ = HexValue(octet) >> 4;
     checked_ = checked_ || protocol_ != 0;
     const std::string offers =
         protocol_ == 15 ? "global interface bytes (T=15)" : "protocol T=" + Number(protocol_);
@@ -239,14 +239,11 @@ class AtrReader {
     const std::string_view tck = rest_.Take(1);
     unsigned sum = 0;
     for (size_t at = 2; at + 2 <= all_.size() - 2 * rest_.Left(); at += 2) {
-      sum ^= ValueOf(all_.substr(at, 2));
+      sum ^= HexValue(all_.substr(at, 2));
     }
     Add("TCK", tck, sum == 0 ? "check character, right" : "check character, wrong");
     if (sum == 0) return true;
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    const unsigned right = sum ^ ValueOf(tck);
-    return Fail(std::string("TCK is wrong: it should be ") + kDigits[right >> 4] +
-                kDigits[right & 0xF]);
+    return Fail("TCK is wrong: it should be " + HexOctet(sum ^ HexValue(tck)));
   }
 
   static std::string Name(char letter, unsigned group) {

@@ -42,7 +42,7 @@ Decoding DecodeCommandApdu(std::string_view digits) {
   };
   const std::string_view instruction = CommandName(command);
   const std::string_view data = part(command.dataBegin, command.dataEnd);
-  add("CLA", part(0, 1), Class(ValueOf(part(0, 1))));
+  add("CLA", part(0, 1), Class(HexValue(part(0, 1))));
   add("INS", part(1, 2), std::string(instruction.empty() ? "unknown" : instruction));
   add("P1", part(2, 3), "");
   add("P2", part(3, 4), "");

@@ -56,7 +56,6 @@ std::string Padded(std::string text, size_t width) {
 // Octets that are too many for a column stand in rows of their own below.
 std::vector<std::string> Lines(const std::vector<Field>& fields) {
   constexpr size_t kColumnOctets = 5;
-  constexpr size_t kRowOctets = 16;
   constexpr size_t kOctets = 3 * kColumnOctets + 1;
   size_t names = 0;
   for (const Field& field : fields) names = std::max(names, field.name.size());
@@ -70,9 +69,9 @@ std::vector<std::string> Lines(const std::vector<Field>& fields) {
     line += field.meaning;
     line.erase(line.find_last_not_of(' ') + 1);
     lines.push_back(line);
-    for (size_t at = 0; !fits && at < field.octets.size(); at += 2 * kRowOctets) {
-      const std::string_view row = field.octets.substr(at, 2 * kRowOctets);
-      lines.push_back("    " + Padded(SpacedOctets(row), 3 * kRowOctets + 1) + AsCharacters(row));
+    if (fits) continue;
+    for (const OctetRow& row : OctetRows(field.octets)) {
+      lines.push_back("    " + row.octets + row.characters);
     }
   }
   return lines;

@@ -1,7 +1,6 @@
 #include "host/decode/decoding.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace host {
 
@@ -11,17 +10,11 @@ std::string_view OctetReader::Take(size_t octets) {
   return taken;
 }
 
-unsigned ValueOf(std::string_view digits) {
-  unsigned value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-  return value;
-}
-
 void AddFlags(Decoding& decoding, std::span<const Flag> flags, std::string_view digits,
               const std::string& indent) {
   for (unsigned octet = 1; octet <= digits.size() / 2; ++octet) {
     const std::string_view part = digits.substr(2 * (octet - 1), 2);
-    const unsigned value = ValueOf(part);
+    const unsigned value = HexValue(part);
     decoding.fields.push_back(
         {indent + "byte " + std::to_string(octet), part, value == 0 ? "no bit set" : ""});
     for (unsigned bit = 8; bit > 0; --bit) {

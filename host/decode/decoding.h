@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/text.h"
+
 namespace host {
 
 // A part of data, and what it says.
@@ -33,9 +35,6 @@ class OctetReader {
  private:
   std::string_view rest_;
 };
-
-// The value of one octet or several, given as digits.
-unsigned ValueOf(std::string_view digits);
 
 // One bit of an octet, 8 being the highest, and what it says when it is 1; empty for one that says
 // something together with others.

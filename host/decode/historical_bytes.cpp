@@ -61,7 +61,7 @@ std::string LifeCycle(unsigned status) {
 void AddStatus(Decoding& decoding, std::string_view digits) {
   if (digits.size() != 4) {
     decoding.fields.push_back(
-        {"  LCS", digits.substr(0, 2), LifeCycle(ValueOf(digits.substr(0, 2)))});
+        {"  LCS", digits.substr(0, 2), LifeCycle(HexValue(digits.substr(0, 2)))});
   }
   if (digits.size() < 4) return;
   const std::string_view word = digits.substr(digits.size() - 4);
@@ -73,7 +73,7 @@ void AddServices(Decoding& decoding, std::string_view digits) {
   constexpr std::array<std::string_view, 8> kAccess = {"READ RECORD", "", "GET DATA", "",
                                                        "READ BINARY", "", "",         ""};
   AddFlags(decoding, kServices, digits, "  ");
-  const std::string_view access = kAccess[ValueOf(digits) >> 1 & 7];
+  const std::string_view access = kAccess[HexValue(digits) >> 1 & 7];
   decoding.fields.push_back(
       {"    bits 4-2", "",
        "EF.DIR and EF.ATR are read " +
@@ -87,12 +87,12 @@ void AddCapabilities(Decoding& decoding, std::string_view digits) {
     decoding.fields.push_back({"  in all", "", meaning});
   };
   if (digits.size() >= 4) {
-    const unsigned coding = ValueOf(digits.substr(2, 2));
+    const unsigned coding = HexValue(digits.substr(2, 2));
     add("write functions: " + std::string(kWrite[coding >> 5 & 3]) + "; data unit of " +
         Counted(size_t{1} << (coding & 0xF), "half byte"));
   }
   if (digits.size() >= 6) {
-    const unsigned channels = ValueOf(digits.substr(4, 2)) & 7;
+    const unsigned channels = HexValue(digits.substr(4, 2)) & 7;
     add(channels == 7 ? "8 logical channels or more" : Counted(channels + 1, "logical channel"));
   }
 }
@@ -106,7 +106,7 @@ void AddObject(Decoding& decoding, unsigned tag, std::string_view value) {
 // Compact-TLV: a tag and a length of four bits each.
 void AddCompactTlv(Decoding& decoding, OctetReader rest) {
   while (rest.Left() > 0) {
-    const unsigned head = ValueOf(rest.Take(1));
+    const unsigned head = HexValue(rest.Take(1));
     const unsigned tag = head >> 4;
     if ((head & 0xF) > rest.Left()) {
       decoding.fields.push_back({"  compact TLV", rest.Take(rest.Left()),

@@ -116,7 +116,7 @@ Decoding DecodeDol(std::string_view digits) {
       decoding.fault = "the entry at byte " + std::to_string(at + 1) + " is cut";
       return decoding;
     }
-    const unsigned length = ValueOf(rest.Take(1));
+    const unsigned length = HexValue(rest.Take(1));
     sum += length;
     const std::string name = TagName(tag);
     decoding.fields.push_back({std::string(tag), digits.substr(2 * at, 2 * octets + 2),
@@ -132,10 +132,10 @@ Decoding DecodeAfl(std::string_view digits) {
   OctetReader rest(digits);
   for (unsigned number = 1; rest.Left() >= 4; ++number) {
     const std::string_view entry = rest.Take(4);
-    const unsigned file = ValueOf(entry.substr(0, 2));
-    const unsigned first = ValueOf(entry.substr(2, 2));
-    const unsigned last = ValueOf(entry.substr(4, 2));
-    const unsigned authenticated = ValueOf(entry.substr(6, 2));
+    const unsigned file = HexValue(entry.substr(0, 2));
+    const unsigned first = HexValue(entry.substr(2, 2));
+    const unsigned last = HexValue(entry.substr(4, 2));
+    const unsigned authenticated = HexValue(entry.substr(6, 2));
     const std::string fault = FaultIn(file, first, last, authenticated);
     const std::string name = "entry " + std::to_string(number);
     decoding.fields.push_back({name, entry,
@@ -168,14 +168,14 @@ Decoding DecodeCvm(std::string_view digits) {
   }
   for (const char* name : {"X", "Y"}) {
     const std::string_view amount = rest.Take(4);
-    decoding.fields.push_back({name, amount, "amount " + std::to_string(ValueOf(amount))});
+    decoding.fields.push_back({name, amount, "amount " + std::to_string(HexValue(amount))});
   }
   for (unsigned number = 1; rest.Left() >= 2; ++number) {
     const std::string_view rule = rest.Take(2);
-    const unsigned method = ValueOf(rule.substr(0, 2));
+    const unsigned method = HexValue(rule.substr(0, 2));
     decoding.fields.push_back(
         {"rule " + std::to_string(number), rule,
-         Method(method) + ", " + Condition(ValueOf(rule.substr(2))) +
+         Method(method) + ", " + Condition(HexValue(rule.substr(2))) +
              ((method & 0x40) != 0 ? "; else the next rule" : "; else fail")});
   }
   if (rest.Left() > 0) decoding.fault = "its last rule is cut: a rule has 2 bytes";
