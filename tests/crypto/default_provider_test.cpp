@@ -1,8 +1,14 @@
-// Known answers of the default provider, asked through the commands but for RSA. Where no standard
+// Known answers of the default provider, asked through the commands but for RSA; then what no
+// command hands over to it, but another caller might. Where no standard
 // is named, the answer was computed with OpenSSL 3.0, which also confirms all others.
 #include "crypto/default_provider.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+#include <vector>
 
 #include "engine/script_host.h"
 
@@ -26,11 +32,8 @@ class DefaultProvider : public testing::Test {
 };
 
 TEST_F(DefaultProvider, TurnsBlocksBothWays) {
-  const struct {
-    const char* source;
-    std::string keyAnd, plain, ivAnd;
-    const char* cipher;
-  } rows[] = {
+  // The source; the key and what stands behind it, the plain text, the same of the iv, the cipher.
+  const std::tuple<const char*, std::string, std::string, std::string, const char*> rows[] = {
       {"FIPS 81, ECB", "des(%K8,", "%ALL", "", "3FA40E8A984D48156A271787AB8883F9893D51EC4B563B53"},
       {"FIPS 81, CBC", "descbc(%K8,", "%ALL", "%IV,",
        "E5C7CDDE872BF27C43E934008C389C0F683788499A7C05F6"},
@@ -48,14 +51,12 @@ TEST_F(DefaultProvider, TurnsBlocksBothWays) {
       {"short initial value", "descbc(%K16,", "1122334455", "1234,", "1C50B98210D8E2B1"},
       {"long one", "descbc(%K8,", "1122334455", "123400000000000055,", "A4CC18ECE20E8D7A"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(RunOne("%C = @" + row.keyAnd + row.plain + "," + row.ivAnd + "1)"),
-              (Outcome{0, row.cipher}))
-        << row.source;
-    const std::string zeros = row.plain == "1122334455" ? " 000000" : "";
-    EXPECT_EQ(RunOne("@" + row.keyAnd + "%C," + row.ivAnd + "0)"),
-              (Outcome{1, RunOne(row.plain + zeros).text}))
-        << row.source;
+  for (const auto& [source, keyAnd, plain, ivAnd, cipher] : rows) {
+    EXPECT_EQ(RunOne("%C = @" + keyAnd + plain + "," + ivAnd + "1)"), (Outcome{0, cipher}))
+        << source;
+    const std::string zeros = plain == "1122334455" ? " 000000" : "";
+    EXPECT_EQ(RunOne("@" + keyAnd + "%C," + ivAnd + "0)"), (Outcome{1, RunOne(plain + zeros).text}))
+        << source;
   }
 }
 
@@ -91,12 +92,7 @@ TEST_F(DefaultProvider, ComputesMacsSubKeysAndHashes) {
 
 TEST_F(DefaultProvider, EncryptsWithPublicKeys) {
   const std::string ones(512, 'F'), zeros(256, '0');
-  const struct {
-    std::string modulus;
-    const char* exponent;
-    std::string data;
-    std::string result;
-  } rows[] = {
+  const std::tuple<std::string, const char*, std::string, std::string> rows[] = {
       {"0CA1", "11", "41", "0AE6"},  // 65 to the power of 17, modulo 61 * 53
       {"000ca1", "0011", "0041", "0AE6"},
       {"CA1", "0", "41", "0001"},
@@ -121,14 +117,112 @@ TEST_F(DefaultProvider, EncryptsWithPublicKeys) {
        "404D1DF5F32BB6731E7DF9A9E37D4A00A98E3A18008A4B48E0E62137510EA22462702710137383282DC9"
        "1C21"},
   };
-  for (const auto& row : rows) {
+  const auto entry = kDefaultProvider.CryptoRsaPublic;
+  for (const auto& [modulus, exponent, data, expected] : rows) {
     const char* result = nullptr;
-    ASSERT_EQ(kDefaultProvider.CryptoRsaPublic(row.modulus.c_str(), row.exponent, row.data.c_str(),
-                                               &result, 0),
-              1)
-        << row.modulus;
-    EXPECT_EQ(result, row.result);
+    ASSERT_EQ(entry(modulus.c_str(), exponent, data.c_str(), &result, 0), 1) << modulus;
+    EXPECT_EQ(result, expected);
   }
+}
+
+constexpr char kKey8[] = "0123456789ABCDEF", kKey16[] = "0123456789ABCDEFFEDCBA9876543210";
+constexpr std::int32_t kRefused = -1;
+
+// An octet string in memory of just its size, so that the sanitizers see it read too far. The
+// count is the true one unless another is told.
+struct Handed {
+  Handed(const std::string& hex)
+      : octets(hex.size() / 2), count(static_cast<std::int32_t>(octets.size())) {
+    AsciiToHex(hex.c_str(), octets.data(), static_cast<std::int32_t>(hex.size()));
+  }
+  Handed(const char* hex) : Handed(std::string(hex)) {}
+  Handed(const char* hex, std::int32_t told) : Handed(hex) { count = told; }
+
+  std::vector<std::uint8_t> octets;
+  std::int32_t count;
+};
+
+enum Entry { kEncrypt, kDecrypt, kMac, kSubKey };
+
+// The result's length, or kRefused for a call that is refused as it should be: with 0 and the
+// output area as it was.
+std::int32_t Call(Entry entry, std::int32_t mode, const Handed& key, const Handed& data,
+                  const Handed& iv = "") {
+  std::uint8_t output[256] = {};
+  std::int32_t length = 4711;
+  const CryptoProvider& provider = kDefaultProvider;
+  const auto run = entry == kEncrypt ? provider.CryptoBlockFlagged : provider.CryptoBlockDefault;
+  const std::uint8_t *k = key.octets.data(), *d = data.octets.data(), *i = iv.octets.data();
+  const int returned =
+      entry == kMac
+          ? provider.CryptoMac(k, key.count, d, data.count, i, iv.count, output, &length, mode)
+      : entry == kSubKey ? provider.CryptoSubKey(k, key.count, d, data.count, output, &length, mode)
+                         : run(i, iv.count, k, key.count, d, data.count, output, &length, mode);
+  EXPECT_EQ(returned, length == kRefused ? 0 : 1);
+  EXPECT_TRUE(
+      std::all_of(output + std::max(length, 0), output + 256, [](int c) { return c == 0; }));
+  return length;
+}
+
+TEST(OddInputs, ThatMakeNoSenseAreRefused) {
+  const std::string longText(2 * 100003, '0');
+  for (const Entry entry : {kEncrypt, kDecrypt, kMac, kSubKey}) {
+    const bool turnsBlocks = entry == kEncrypt || entry == kDecrypt;
+    for (const Handed& key :
+         {Handed(""), Handed("", -8), Handed("", 8), Handed("01234567"), Handed(kKey16)})
+      EXPECT_EQ(Call(entry, 0, key, "00"), kRefused) << key.count;
+    for (const std::string key :
+         {kKey8, "0123456789ABCDEF01",
+          "0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF"})
+      EXPECT_EQ(Call(entry, 1, key, "00"), kRefused) << key;
+    for (const Handed& data : {Handed("00", -1), Handed("00", INT32_MIN), Handed("", 1)})
+      EXPECT_EQ(Call(entry, 0, kKey8, data), kRefused) << data.count;
+    for (const std::int32_t mode : {2, 5, -1, INT32_MIN, INT32_MAX})
+      EXPECT_EQ(Call(entry, mode, kKey8, "00"), kRefused) << mode;
+    EXPECT_EQ(Call(entry, 3, kKey8, "00"), turnsBlocks ? 8 : kRefused);
+    EXPECT_EQ(Call(entry, 4, kKey16, "00"), turnsBlocks ? 8 : kRefused);
+    EXPECT_EQ(Call(entry, 4, kKey8, "00"), kRefused);
+    EXPECT_EQ(Call(entry, 3, kKey16, "00"), kRefused);
+    for (const Handed& iv : {Handed("00", -1), Handed("", 8)})
+      EXPECT_EQ(Call(entry, turnsBlocks ? 3 : 0, kKey8, "00", iv), entry == kSubKey ? 8 : kRefused);
+    EXPECT_EQ(Call(entry, 0, kKey8, longText), turnsBlocks ? kRefused : 8);
+    EXPECT_EQ(Call(entry, 0, kKey8, longText.substr(0, 2 * 249)), turnsBlocks ? 256 : 8);
+  }
+}
+
+TEST(OddInputs, NoPlaceForTheResult) {
+  std::uint8_t area[256] = {};
+  std::uint8_t *nowhere = nullptr, *somewhere = area;
+  std::int32_t length = 0;
+  const CryptoProvider& provider = kDefaultProvider;
+  EXPECT_EQ(provider.CryptoMac(area, 8, area, 1, nullptr, 0, area, nullptr, 0), 0);
+  EXPECT_EQ(provider.CryptoMac(area, 8, area, 1, nullptr, 0, nullptr, &length, 0), 0);
+  EXPECT_EQ(length, kRefused);
+  EXPECT_EQ(provider.CryptoHash(area, 1, nullptr, 0, &length), 0);
+  EXPECT_EQ(provider.CryptoHash(area, 1, &nowhere, 0, &length), 0);
+  EXPECT_EQ(provider.CryptoHash(area, -1, &somewhere, 0, &length), 0);
+  EXPECT_EQ(provider.CryptoHash(nullptr, 1, &somewhere, 0, &length), 0);
+  EXPECT_EQ(provider.CryptoHash(nullptr, 0, &somewhere, 0, &length), 1);
+  EXPECT_EQ(area[0], 0xDA);  // the digest of nothing begins with it
+  EXPECT_EQ(provider.CryptoRsaPublic("CA1", "11", "41", nullptr, 0), 0);
+}
+
+TEST(OddInputs, RsaRefusesWhatIsNoNumberOrTooLarge) {
+  const std::string longest(4096, 'F');  // digits: 16,384 bits
+  const std::string tooLong = longest + "F", zeros(1 << 20, '0');
+  const char *const n = "CA1", *const e = "11", *const m = "41", *const most = longest.c_str();
+  std::vector<std::array<const char*, 3>> rows = {
+      {"0000", e, "0"}, {n, e, "CA1"}, {n, e, "CA2"}, {most, e, most}};
+  for (const char* none : {"", "CAG", "1-", "0x41", "-CA1", "CA 1", "\xC3\x84", tooLong.c_str(),
+                           static_cast<const char*>(nullptr)})
+    rows.insert(rows.end(), {{none, e, m}, {n, none, m}, {n, e, none}});
+  const auto entry = kDefaultProvider.CryptoRsaPublic;
+  const char* result = nullptr;
+  for (const auto& row : rows)
+    EXPECT_EQ(entry(row[0], row[1], row[2], &result, 0), 0) << &row - rows.data();
+  EXPECT_EQ(result, nullptr);
+  ASSERT_EQ(entry((zeros + longest).c_str(), "1", "AB", &result, 0), 1);
+  EXPECT_EQ(result, std::string(4094, '0') + "AB") << "leading zeros are no part of the length";
 }
 
 }  // namespace
