@@ -8,7 +8,7 @@
 namespace host {
 namespace {
 
-constexpr size_t kLongestName = 56;  // what is longer moves its row's numbers
+constexpr size_t kLongestName = 64;  // what is longer moves its row's numbers
 
 struct Appearance {
   const char* word;

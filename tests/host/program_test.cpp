@@ -27,15 +27,6 @@ struct Row {
 
 class Program : public testing::Test {
  protected:
-  static void ExpectInOrder(const std::string& text, const std::string& parts) {
-    std::istringstream in(parts);
-    size_t at = 0;
-    for (std::string part; std::getline(in, part, '|'); at += part.size()) {
-      at = text.find(part, at);
-      ASSERT_NE(at, text.npos) << part << " is missing in:\n" << text;
-    }
-  }
-
   static void ExpectRows(const std::vector<Row>& rows) {
     for (const Row& row : rows) {
       SCOPED_TRACE(row.options + '\n' + row.script);

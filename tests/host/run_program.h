@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <sstream>
 #include <string>
 
 #include "tags/working_folder.h"
@@ -35,6 +38,16 @@ inline Outcome RunOrvane(const std::string& arguments, const std::string& input 
   WriteFile("in", input);
   const int exitCode = RunInFolder(programFolder + "/orvane", arguments);
   return {exitCode, ReadText("out"), ReadText("err")};
+}
+
+// The text shows the parts in this order; they have | between them.
+inline void ExpectInOrder(const std::string& text, const std::string& parts) {
+  std::istringstream in(parts);
+  size_t at = 0;
+  for (std::string part; std::getline(in, part, '|'); at += part.size()) {
+    at = text.find(part, at);
+    ASSERT_NE(at, text.npos) << part << " is missing in:\n" << text;
+  }
 }
 
 inline bool Shows(const std::string& text, const std::string& part) {

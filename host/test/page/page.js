@@ -96,15 +96,8 @@ function drawTimes(figure) {
 
 function times() {
   const sorted = exchanges.map((each) => each.time).sort((a, b) => a - b);
-  const figure = make("figure", "", make("figcaption", "", make("b", "", "Time of each command"),
+  return make("figure", "", make("figcaption", "", make("b", "", "Time of each command"),
     make("span", "num", `median ${duration(sorted[sorted.length >> 1])} \u00B7 slowest ${duration(sorted[sorted.length - 1])}`)));
-  let drawn = 0;
-  new ResizeObserver(() => {
-    if (drawn === figure.clientWidth) return;
-    drawn = figure.clientWidth;
-    drawTimes(figure);
-  }).observe(figure);
-  return figure;
 }
 
 // ---- what a case did
@@ -279,6 +272,9 @@ const none = make("p", "none", "No case is like this.");
 Object.assign(none, { id: "none", hidden: true });
 body.append(none);
 document.body.prepend(header(), ...(exchanges.length ? [times()] : []), search(), body);
+const figure = document.querySelector("figure");
+if (figure) drawTimes(figure);
+if (figure) window.addEventListener("resize", () => drawTimes(figure));
 window.addEventListener("hashchange", follow);
 window.addEventListener("beforeprint", () => {
   for (const each of cases) if (each.state === "failed" || each.state === "broken") open(each, each.steps.length);
