@@ -99,7 +99,7 @@ endif()
 
 # What a host is built with.
 install(FILES include/orvane.h include/orvane.hpp TYPE INCLUDE COMPONENT development)
-install(FILES src/commands/crypto_provider.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvane
+install(FILES src/commands/crypto_provider.h simulators/simulator.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvane
         COMPONENT development)
 if(TARGET orvane_lib)
   install(FILES ${PROJECT_BINARY_DIR}/orvane.lib TYPE LIB COMPONENT development)

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <optional>
 #include <string>
 
 namespace recorder {
@@ -15,8 +13,6 @@ namespace recorder {
 void* LoadNextModule();
 
 void* FindFunction(void* module, const char* name);
-
-std::optional<std::filesystem::path> EnvironmentPath(const char* name);
 
 // A reader's name, which comes in the code page of the system, as UTF-8.
 std::string ToUtf8(const char* name);

@@ -10,6 +10,7 @@
 #include "recorder/next_module.h"
 #include "recorder/recorder.h"
 #include "recordings/command_apdu.h"
+#include "recordings/process.h"
 
 namespace recorder {
 namespace {
@@ -39,9 +40,9 @@ int32_t IsReady() {
 }
 
 void BeginByEnvironment() {
-  const auto file = EnvironmentPath("ORVANE_RECORD");
+  const auto file = recordings::EnvironmentPath("ORVANE_RECORD");
   if (settings.append != nullptr || !file) return;
-  const auto shown = EnvironmentPath("ORVANE_RECORD_SECRETS");
+  const auto shown = recordings::EnvironmentPath("ORVANE_RECORD_SECRETS");
   log = new recordings::SessionLog(*file, shown && *shown == "1");
   log->Begin();
   settings = {.append = Append,

@@ -28,6 +28,4 @@ class RecordingFile {
   std::intptr_t handle_ = -1;
 };
 
-uint32_t ProcessNumber();
-
 }  // namespace recordings

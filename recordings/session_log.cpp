@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "recordings/process.h"
+
 namespace recordings {
 namespace {
 

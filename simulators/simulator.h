@@ -24,7 +24,8 @@ extern "C" {
 #define SIMULATOR_THROW INT64_MAX
 
 /* Puts everything back to the start: no journal, no prepared answers, no function to call back, a
- * fresh card inserted. */
+ * fresh card inserted, or the recording at its first command again. Open readers are forgotten: a
+ * test begins with this, and opens its reader then. */
 SIMULATOR_API void SimulatorRestart(void);
 
 /* The calls since the start or the last SimulatorRestart, one line each, every line ended by '\n':
@@ -49,6 +50,20 @@ SIMULATOR_API void SimulatorAnswer(const char* function, int64_t result, const c
 
 /* Has the next call of any function call back in its middle, as a maker's library may. */
 SIMULATOR_API void SimulatorCallBack(void (*function)(void));
+
+/* Puts a recording (docs/recordings.md) in the card's place, from its first command on; null puts a
+ * fresh virtual card there. Reader and journal stay as they are. Commands are expected in the
+ * recorded order; with anyOrder one that is recorded later may come earlier. Another command gets
+ * 6F00. A host that can't call this sets ORVANE_CARD to the file, and ORVANE_CARD_ANY_ORDER to 1,
+ * before the first call; the first command that is not as recorded then goes to standard error.
+ *   file    its name, in UTF-8
+ *   result  null, or why it is no recording that can be read, up to the next call: then nothing has
+ *           changed */
+SIMULATOR_API const char* SimulatorReplay(const char* file, int32_t anyOrder);
+
+/* The line of the recording that was expected when another command came for the first time; the
+ * one behind the last if all had come by then; 0 if every command was as recorded. */
+SIMULATOR_API int64_t SimulatorDiffered(void);
 
 /* 0 pulls the card out, anything else puts it in. A card that comes in anew has forgotten what was
  * selected and verified. */

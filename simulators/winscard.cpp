@@ -1,6 +1,7 @@
 /*
  * A simulated winscard: two readers, "Simulated Reader 0" with the virtual card in it and
- * "Simulated Reader 1" without one.
+ * "Simulated Reader 1" without one. A recording that is replayed brings the readers that it names,
+ * with the card in them.
  *
  * SimulatorRestart forgets the card handles. Contexts stay, since a program keeps its context over
  * any number of cards, and so does memory that was handed out.
@@ -38,7 +39,7 @@ using simulator::Octets;
 namespace {
 
 constexpr const char* kReaders[] = {"Simulated Reader 0", "Simulated Reader 1"};
-constexpr const char* kReaderWithCard = kReaders[0];
+constexpr const char* kReaderWithoutCard = kReaders[1];
 constexpr const char* kGroups[] = {"SCard$DefaultReaders", "SCard$AllReaders"};
 constexpr DWORD kAtrCode = SCARD_CTL_CODE(3000);
 constexpr DWORD kExchangeCode = SCARD_CTL_CODE(3001);
@@ -52,6 +53,18 @@ bool IsOneOf(const char* text, std::span<const char* const> choices) {
     if (std::strcmp(text, choice) == 0) return true;
   }
   return false;
+}
+
+// Those that a recording names come first; all but one have the card in them.
+std::vector<const char*> Readers() {
+  static std::vector<std::string> recorded;
+  recorded = simulator::RecordedReaders();
+  std::vector<const char*> readers;
+  for (const std::string& name : recorded) readers.push_back(name.c_str());
+  for (const char* name : kReaders) {
+    if (!IsOneOf(name, readers)) readers.push_back(name);
+  }
+  return readers;
 }
 
 Octets BigEndian(uint64_t number) {
@@ -111,7 +124,9 @@ Answer AskAtr(SCARDHANDLE handle) {
 Answer AskCard(SCARDHANDLE handle, const uint8_t* command, DWORD length) {
   if (const LONG code = session.Check(handle); code != SCARD_S_SUCCESS) return {code};
   if (!command) return {SCARD_E_INVALID_PARAMETER};
-  return {SCARD_S_SUCCESS, Card().Transmit({command, length})};
+  Octets response = Card().Transmit({command, length});
+  if (response.empty()) return {static_cast<LONG>(Card().FailureCode())};
+  return {SCARD_S_SUCCESS, std::move(response)};
 }
 
 Answer AskReaders(SCARDCONTEXT context, const std::vector<const char*>& groups) {
@@ -119,14 +134,14 @@ Answer AskReaders(SCARDCONTEXT context, const std::vector<const char*>& groups) 
   const auto known = [](const char* group) { return IsOneOf(group, kGroups); };
   if (!groups.empty() && std::none_of(groups.begin(), groups.end(), known))
     return {SCARD_E_NO_READERS_AVAILABLE};
-  return {SCARD_S_SUCCESS, MultiString(kReaders)};
+  return {SCARD_S_SUCCESS, MultiString(Readers())};
 }
 
 Answer AskToConnect(SCARDCONTEXT context, const char* reader, DWORD protocols) {
   if (!session.Knows(context)) return {ERROR_INVALID_HANDLE};
   if (!reader) return {SCARD_E_INVALID_PARAMETER};
-  if (!IsOneOf(reader, kReaders)) return {SCARD_E_UNKNOWN_READER};
-  if (std::strcmp(reader, kReaderWithCard) != 0 || !CardPresent()) return {SCARD_W_REMOVED_CARD};
+  if (!IsOneOf(reader, Readers())) return {SCARD_E_UNKNOWN_READER};
+  if (std::strcmp(reader, kReaderWithoutCard) == 0 || !CardPresent()) return {SCARD_W_REMOVED_CARD};
   if (!(protocols & SCARD_PROTOCOL_T0)) return {SCARD_E_PROTO_MISMATCH};
   return {SCARD_S_SUCCESS, Octets{SCARD_PROTOCOL_T0}};
 }
@@ -135,8 +150,8 @@ Answer AskToConnect(SCARDCONTEXT context, const char* reader, DWORD protocols) {
 bool Observe(SCARD_READERSTATEA& state) {
   DWORD event = SCARD_STATE_UNKNOWN;
   state.cbAtr = 0;
-  if (IsOneOf(state.szReader, kReaders)) {
-    const bool here = std::strcmp(state.szReader, kReaderWithCard) == 0;
+  if (IsOneOf(state.szReader, Readers())) {
+    const bool here = std::strcmp(state.szReader, kReaderWithoutCard) != 0;
     event = here && CardPresent() ? SCARD_STATE_PRESENT : SCARD_STATE_EMPTY;
     if (here) event |= simulator::CardMovements() << 16;
     if (event & SCARD_STATE_PRESENT) {
@@ -336,7 +351,8 @@ SIMULATOR_API LONG SCardStatusA(SCARDHANDLE handle, char* reader, DWORD* readerL
   Call call("SCardStatusA", {Hex(handle)});
   Answer answer = call.Ask([&] { return AskAtr(handle); });
   if (answer.result == SCARD_S_SUCCESS) {
-    Answer name{SCARD_S_SUCCESS, MultiString({&kReaderWithCard, 1})};
+    const std::vector<const char*> readers = Readers();
+    Answer name{SCARD_S_SUCCESS, MultiString({readers.data(), 1})};
     HandOver(call, name, reader, readerLength);
     if (state) *state = kSpecific;
     if (protocol) *protocol = session.Protocol(handle);

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "recordings/process.h"
+
 namespace recorder {
 namespace {
 
@@ -67,7 +69,7 @@ std::vector<fs::path> Places(const fs::path& own) {
 }  // namespace
 
 void* LoadNextModule() {
-  if (const auto named = EnvironmentPath("ORVANE_RECORD_NEXT")) {
+  if (const auto named = recordings::EnvironmentPath("ORVANE_RECORD_NEXT")) {
     return dlopen(named->c_str(), RTLD_NOW | RTLD_LOCAL);
   }
   const fs::path own = OwnFile();
@@ -80,12 +82,6 @@ void* LoadNextModule() {
 }
 
 void* FindFunction(void* module, const char* name) { return dlsym(module, name); }
-
-std::optional<fs::path> EnvironmentPath(const char* name) {
-  const char* const value = std::getenv(name);
-  if (value == nullptr || *value == '\0') return std::nullopt;
-  return fs::path(value);
-}
 
 std::string ToUtf8(const char* name) { return name; }
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "recordings/process.h"
+
 namespace recorder {
 namespace {
 
@@ -53,7 +55,7 @@ fs::path SystemFolder() {
 }  // namespace
 
 void* LoadNextModule() {
-  if (const auto named = EnvironmentPath("ORVANE_RECORD_NEXT")) {
+  if (const auto named = recordings::EnvironmentPath("ORVANE_RECORD_NEXT")) {
     return LoadLibraryExW(named->c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
   }
   const fs::path own = FileOf(Own());
@@ -67,15 +69,6 @@ void* FindFunction(void* module, const char* name) {
   // Under the bare name of two modules Wine finds the one that it was asked about last.
   GetProcAddress(Own(), name);
   return reinterpret_cast<void*>(function);
-}
-
-std::optional<fs::path> EnvironmentPath(const char* name) {
-  std::wstring value(kLongestPath, L'\0');
-  const std::wstring wide(name, name + std::string_view(name).size());
-  value.resize(
-      GetEnvironmentVariableW(wide.c_str(), value.data(), static_cast<DWORD>(value.size())));
-  if (value.empty()) return std::nullopt;
-  return fs::path(value);
 }
 
 std::string ToUtf8(const char* name) {

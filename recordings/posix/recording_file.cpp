@@ -43,6 +43,4 @@ std::string RecordingFile::Append(std::string_view line) {
   return "";
 }
 
-uint32_t ProcessNumber() { return static_cast<uint32_t>(getpid()); }
-
 }  // namespace recordings

@@ -44,6 +44,4 @@ std::string RecordingFile::Append(std::string_view line) {
   return "";
 }
 
-uint32_t ProcessNumber() { return GetCurrentProcessId(); }
-
 }  // namespace recordings

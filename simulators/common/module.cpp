@@ -1,22 +1,87 @@
 #include "common/module.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <utility>
+
 #include "common/call.h"
+#include "common/replayed_card.h"
+#include "common/virtual_card.h"
+#include "recordings/process.h"
 
 namespace simulator {
 namespace {
+
+std::unique_ptr<SmartCard> card;       // null until it is asked for
+std::shared_ptr<const Replay> replay;  // null for the virtual card
+bool replayChosen = false;
 
 bool present = true;
 uint32_t movements = 0;
 void (*restoreModule)() = nullptr;
 
-}  // namespace
-
-VirtualCard& Card() {
-  static VirtualCard card;
-  return card;
+std::string TextOf(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
 }
 
-bool CardPresent() { return present; }
+// The empty text, or why there is no such recording.
+std::string Load(const std::filesystem::path& file, bool anyOrder, std::string name) {
+  try {
+    replay = std::make_shared<Replay>(
+        Replay{recordings::ReadRecording(file), anyOrder, std::move(name)});
+    return "";
+  } catch (const recordings::Fault& fault) {
+    const std::string line = fault.Line() > 0 ? ":" + std::to_string(fault.Line()) : "";
+    return TextOf(file) + line + ": " + fault.what();
+  }
+}
+
+// Without a recording that can be read no card is in the reader: another one is not what was asked
+// for.
+void LoadFromEnvironment() {
+  if (std::exchange(replayChosen, true)) return;
+  const auto file = recordings::EnvironmentPath("ORVANE_CARD");
+  if (!file) return;
+  const auto anyOrder = recordings::EnvironmentPath("ORVANE_CARD_ANY_ORDER");
+  const std::string trouble = Load(*file, anyOrder && *anyOrder == "1", TextOf(*file));
+  if (trouble.empty()) return;
+  std::fprintf(stderr, "orvane simulator: there is no card, as ORVANE_CARD is no recording: %s\n",
+               trouble.c_str());
+  present = false;
+}
+
+}  // namespace
+
+SmartCard& Card() {
+  LoadFromEnvironment();
+  if (!card && replay) card = std::make_unique<ReplayedCard>(replay);
+  if (!card) card = std::make_unique<VirtualCard>();
+  return *card;
+}
+
+std::vector<std::string> RecordedReaders() {
+  LoadFromEnvironment();
+  std::vector<std::string> names;
+  if (!replay) return names;
+  for (const auto& event : replay->recording.events) {
+    const bool opened = event.type == recordings::EventType::kOpen && event.kind == "PC/SC" &&
+                        !event.name.empty() && event.failed.empty();
+    if (opened && std::find(names.begin(), names.end(), event.name) == names.end()) {
+      names.push_back(event.name);
+    }
+  }
+  return names;
+}
+
+bool CardPresent() {
+  LoadFromEnvironment();
+  return present;
+}
 
 uint32_t CardMovements() { return movements; }
 
@@ -27,7 +92,7 @@ AtRestart::AtRestart(void (*restore)()) { restoreModule = restore; }
 void SimulatorRestart(void) {
   using namespace simulator;
   ForgetCalls();
-  Card() = VirtualCard();
+  card = nullptr;
   present = true;
   movements = 0;
   if (restoreModule) restoreModule();
@@ -39,4 +104,24 @@ void SimulatorInsertCard(int32_t nowPresent) {
   present = !present;
   ++movements;
   if (present) Card().Reset();
+}
+
+const char* SimulatorReplay(const char* file, int32_t anyOrder) {
+  using namespace simulator;
+  static std::string trouble;
+  const std::shared_ptr<const Replay> before = std::exchange(replay, nullptr);
+  const std::u8string name(file, file != nullptr ? file + std::strlen(file) : file);
+  trouble = file != nullptr ? Load(name, anyOrder != 0, "") : "";
+  if (!trouble.empty()) {
+    replay = before;
+    return trouble.c_str();
+  }
+  replayChosen = true;
+  card = nullptr;
+  return nullptr;
+}
+
+int64_t SimulatorDiffered(void) {
+  const auto* replayed = dynamic_cast<simulator::ReplayedCard*>(&simulator::Card());
+  return replayed != nullptr ? static_cast<int64_t>(replayed->DifferedAt()) : 0;
 }

@@ -7,7 +7,7 @@ namespace simulator {
 std::optional<Octets> AskCard(const uint8_t* command, int64_t length, size_t room) {
   if (!CardPresent() || !command) return std::nullopt;
   Octets response = Card().Transmit({command, static_cast<size_t>(std::max<int64_t>(length, 0))});
-  if (response.size() > room) return std::nullopt;
+  if (response.size() < 2 || response.size() > room) return std::nullopt;
   return response;
 }
 

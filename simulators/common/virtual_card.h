@@ -6,6 +6,7 @@
 #include <random>
 
 #include "common/card_files.h"
+#include "common/smart_card.h"
 
 namespace simulator {
 
@@ -22,18 +23,18 @@ namespace simulator {
 // MAC stand behind the data. The MAC goes over header, Lc (which counts the MAC as well) and data,
 // and has the last challenge as its starting value. Either command takes a challenge of eight
 // octets and uses it up, be it right or wrong; a wrong MAC ends the authentication.
-class VirtualCard {
+class VirtualCard : public SmartCard {
  public:
   VirtualCard();
 
-  std::vector<uint8_t> Atr() const;
+  Octets Atr() const override;
 
-  // Power off and on: forgets what was selected, verified or waiting. What was written stays, and
-  // so does the number of tries.
-  void Reset();
+  // Forgets what was selected, verified or waiting. What was written stays, and so does the number
+  // of tries.
+  void Reset() override;
 
-  // The response data followed by the status word, at most 258 octets.
-  std::vector<uint8_t> Transmit(std::span<const uint8_t> octets);
+  // At most 258 octets.
+  Octets Transmit(std::span<const uint8_t> octets) override;
 
  private:
   struct Command;
