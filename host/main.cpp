@@ -13,6 +13,7 @@
 #include "host/output.h"
 #include "host/platform.h"
 #include "host/reader_list.h"
+#include "host/replay.h"
 #include "host/script.h"
 #include "host/session.h"
 #include "host/session_recorder.h"
@@ -30,7 +31,8 @@ namespace {
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
-      : recorder_(RecorderFor(options)),
+      : replay_(ReplayFor(options)),
+        recorder_(RecorderFor(options)),
         readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
                  options.coldReset),
         silent_(nullptr),
@@ -55,11 +57,15 @@ class Workplace {
 
  private:
   std::vector<ExchangeListener*> Listeners() {
-    if (!recorder_) return {};
-    return {recorder_.get()};
+    std::vector<ExchangeListener*> listeners;
+    if (recorder_) listeners.push_back(recorder_.get());
+    if (replay_) listeners.push_back(replay_.get());
+    return listeners;
   }
 
-  std::unique_ptr<SessionRecorder> recorder_;  // outlives the readers
+  // These outlive the readers.
+  std::unique_ptr<Replay> replay_;
+  std::unique_ptr<SessionRecorder> recorder_;
   Readers readers_;
   Secrets secrets_;
   std::ostream silent_;

@@ -116,6 +116,20 @@ void AddReader(CLI::App& command, Options& options) {
       ->transform(kKindNames);
   command.add_flag("--simulate", options.simulate,
                    "Put simulators in the place of all vendor libraries");
+  CLI::Option* replay =
+      command
+          .add_option_function<std::string>(
+              "--replay",
+              [&options](const std::string& file) {
+                options.replay = file;
+                options.simulate = true;
+              },
+              "Simulate, with a recording in the card's place (docs/recordings.md). At the first "
+              "command that is not as recorded the program ends, with exit code 1")
+          ->type_name("FILE");
+  command
+      .add_flag("--any-order", options.anyOrder, "Let commands come earlier than they are recorded")
+      ->needs(replay);
   command
       .add_option("--record", options.record,
                   "Record what goes to and from cards (docs/recordings.md). %p in the name "

@@ -37,7 +37,9 @@ struct Options {
   std::vector<std::string> environment;    // names
   std::string colour = "auto";
   bool simulate = false;
-  std::string record;  // a file; empty: nothing is recorded
+  std::string replay;     // a file; it goes with simulate
+  bool anyOrder = false;  // goes with replay
+  std::string record;     // a file; empty: nothing is recorded
   bool coldReset = false;
   bool quiet = false;
   bool showSecrets = false;

@@ -9,6 +9,7 @@
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/reader_trouble.h"
+#include "host/replay.h"
 #include "host/session_recorder.h"
 #include "host/text.h"
 
@@ -46,7 +47,8 @@ void LoadSimulator(int32_t kind) {
              installed = (ProgramFolder() / INSTALLED_SIMULATORS).lexically_normal();
   std::error_code error;
   const auto module = (std::filesystem::exists(beside / file, error) ? beside : installed) / file;
-  if (LoadModule(module) != nullptr) {
+  if (void* const simulator = LoadModule(module)) {
+    ReplayIn(kind, simulator);
     if (kind == ReaderKindPcsc) PutRecorderFirst();
     return;
   }
@@ -149,6 +151,9 @@ ReaderAddress Readers::OpenAddress(std::string_view text) {
   if (simulate_ && address.kind == ReaderKindWd && !WdIsSimulated()) {
     throw Failure(kReaderFault,
                   "beside Orvane's library stands no simulator of WD's: nothing is opened");
+  }
+  if (simulate_ && address.kind == ReaderKindWd) {
+    ReplayIn(address.kind, FindModule("wdcrwx", Lookup::kBesideLibrary).module);
   }
   CheckMachine(address);
   std::optional<Place>& place = places_[current_];

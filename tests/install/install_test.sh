@@ -116,6 +116,11 @@ case $name in
     page python >test_page.py
     venv/bin/python test_page.py | as_printed
     venv/bin/python -m pytest -q -p no:cacheprovider test_page.py >log || fail "$(cat log)"
+    "$prefix/bin/orvane" run -q --simulate --record session.jsonl "$script"
+    ORVANE_CARD=session.jsonl venv/bin/python "$examples/python/exchange.py" "$script" | same
+    sed 's/00D685/00D686/' session.jsonl >other.jsonl
+    ! ORVANE_CARD=other.jsonl venv/bin/python "$examples/python/exchange.py" "$script" >log 2>&1 &&
+      grep -q '  recorded  00D686.*other.jsonl:' log || fail "a recording of something else: $(cat log)"
     ;;
   node)
     need node npm
