@@ -1,6 +1,6 @@
 #include <map>
 
-#include "readers/host_steps.h"
+#include "readers/driver_test.h"
 #include "simulators/encryption_machine.h"
 
 namespace orvane_test {
@@ -11,7 +11,7 @@ using support::SimulatedModule;
 const SimulatedReader* const kReaders[] = {&kTyUsb, &kTyCom,    &kPcsc, &kWd,  &kD8,
                                            &kS5009, &kS5009Ats, &kIcr,  &kBsit};
 
-const SimulatedReader& ReaderOf(unsigned slot) { return *kReaders[slot % std::size(kReaders)]; }
+bool Works() { return ResetCard().result == 1 && Send("00A4000C023F00").result == 1; }
 
 class MixedReaders : public ReaderTest {
  protected:
@@ -42,8 +42,7 @@ TEST_F(MixedReaders, FollowEachOtherInASlot) {
       EXPECT_EQ(calls.find(again ? closing.substr(0, closing.find('(')) : closing + '\n'),
                 again ? std::string::npos : 0)
           << calls;
-      EXPECT_EQ(ResetCard().result, 1);
-      EXPECT_EQ(Send("00A4000C023F00").result, 1);
+      EXPECT_TRUE(Works());
       if (!again) continue;
       EXPECT_EQ(CloseReader(), 1);
       EXPECT_EQ(module.Journal().find(closing) == std::string::npos,
@@ -54,27 +53,26 @@ TEST_F(MixedReaders, FollowEachOtherInASlot) {
 
 TEST_F(MixedReaders, StandSideBySideInAllSlots) {
   simulator::EncryptionMachine machine;
-  for (unsigned slot = 0; slot < 15; ++slot) {
-    SetReader(slot);
-    ASSERT_EQ(Open(ReaderOf(slot)), 1) << slot;
-  }
-  SetReader(15);
-  ASSERT_EQ(OpenReaderA(machine.Name().c_str(), ReaderKindTcp), 1);
-
-  const auto expectWork = [&](unsigned slot) {
-    SetReader(slot);
-    EXPECT_EQ(ResetCard().result, 1) << slot;
-    EXPECT_EQ(Send("00A4000C023F00").result, 1) << slot;
+  const auto expectWork = [&](unsigned from, bool open) {
+    for (unsigned slot = from; slot < 16; ++slot) {
+      ASSERT_EQ(SetReader(slot), 1);
+      if (open) {
+        const SimulatedReader tcp{nullptr, ReaderKindTcp, machine.Name().c_str(), nullptr};
+        ASSERT_EQ(Open(slot == 15 ? tcp : *kReaders[slot % std::size(kReaders)]), 1) << slot;
+      }
+      EXPECT_TRUE(Works()) << slot;
+    }
   };
-  for (unsigned slot = 0; slot < 16; ++slot) expectWork(slot);
+  expectWork(0, true);
+  for (const unsigned none : {16U, 0xFFFFFFFF}) EXPECT_EQ(SetReader(none), 0);
+  EXPECT_EQ(Send("77"), (Reply{1, "77"})) << "still the reader chosen before";
   for (const SimulatedReader* reader : kReaders) EXPECT_FALSE(List(reader->kind, 1, 1).empty());
-  // All but S5009, whose port closes for all at once, have a connection each.
-  for (unsigned slot = 0; slot < 6; ++slot) {
+  // Each has a connection of its own.
+  for (unsigned slot = 0; slot < 5; ++slot) {
     SetReader(slot);
-    if (&ReaderOf(slot) == &kS5009) continue;
     EXPECT_EQ(CloseReader(), 1) << slot;
   }
-  for (unsigned slot = 6; slot < 16; ++slot) expectWork(slot);
+  expectWork(5, false);
 }
 
 // A library that throws when it is to close ends neither the host nor the reader that comes next.
@@ -83,9 +81,7 @@ TEST_F(MixedReaders, OutliveALibraryThatThrowsWhenItCloses) {
     SCOPED_TRACE(reader->kind);
     const SimulatedModule& module = modules.at(reader->vendor);
     const std::string closing = reader->closing;
-    const auto works = [](const SimulatedReader& opened) {
-      return Open(opened) == 1 && ResetCard().result == 1 && Send("00A4000C023F00").result == 1;
-    };
+    const auto works = [](const SimulatedReader& opened) { return Open(opened) == 1 && Works(); };
     EmptySlots();
     module.Restart();
     for (int i = 0; i < 2; ++i) {

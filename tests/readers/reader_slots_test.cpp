@@ -1,4 +1,4 @@
-#include "readers/host_steps.h"
+#include "readers/driver_test.h"
 
 namespace orvane_test {
 namespace {
@@ -11,17 +11,6 @@ TEST_F(ReaderSlots, GiveNothingBeforeTheyAreOpened) {
   EXPECT_EQ(ResetCard(), (Reply{0, kUntouched}));
   EXPECT_EQ(Send("00A40400"), (Reply{0, ""}));
   ChangeSlot("0C");
-}
-
-TEST_F(ReaderSlots, AreSixteen) {
-  EXPECT_EQ(SetReader(15), 1);
-  EXPECT_EQ(OpenReader(1, ReaderKindFm8201, 9600), 0);
-  EXPECT_EQ(Send("00"), (Reply{1, ""}));
-  EXPECT_EQ(SetReader(16), 0);
-  EXPECT_EQ(SetReader(0xFFFFFFFF), 0);
-  EXPECT_EQ(Send("00"), (Reply{1, ""}));  // still the reader chosen before
-  EXPECT_EQ(SetReader(0), 1);
-  EXPECT_EQ(Send("00"), (Reply{0, ""}));
 }
 
 TEST_F(ReaderSlots, OfTheKindWithNothingBehindIt) {

@@ -127,6 +127,18 @@ TEST_F(TcpTool, StaysDeadWhenItsPeerHasClosed) {
   EXPECT_EQ(Send("01"), (Reply{1, "01"}));
 }
 
+// The number of a socket that was closed is soon another reader's.
+TEST_F(TcpTool, ClosesItsSocketOnce) {
+  Open();
+  EXPECT_EQ(CloseReader(), 1);
+  SetReader(1);
+  Open();
+  SetReader(0);
+  EXPECT_EQ(CloseReader(), 1);
+  SetReader(1);
+  EXPECT_EQ(Send("01"), (Reply{1, "01"}));
+}
+
 TEST_F(TcpTool, DropsTheFormerConnectionWhenItOpensAgain) {
   Open();
   Open();
