@@ -10,6 +10,7 @@
 #include "host/failure.h"
 #include "host/output.h"
 #include "host/run_program.h"
+#include "host/text.h"
 #include "simulators/encryption_machine.h"
 #include "support/simulated_module.h"
 
@@ -17,16 +18,6 @@ namespace host {
 namespace {
 
 constexpr char kReader[] = "3:Simulated Reader 0";
-
-std::string InHex(std::string_view text) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string hex;
-  for (const char c : text) {
-    hex += kDigits[static_cast<unsigned char>(c) >> 4];
-    hex += kDigits[static_cast<unsigned char>(c) & 0xF];
-  }
-  return hex;
-}
 
 // A session on the simulated winscard as if it were the system's.
 class SessionTest : public testing::Test {
@@ -73,8 +64,10 @@ TEST_F(SessionTest, TakesTheOnlyReaderWhereNoneIsNamed) {
   for (const auto& row : rows) {
     std::string list;
     for (const std::string_view name : row.listed) list += std::string(name) + '\0';
+    std::string digits;
+    for (const char c : list + '\0') digits += HexOctet(static_cast<unsigned char>(c));
     for (int call = 0; call < 2; ++call) {
-      winscard_.Answer("SCardListReadersA", 0, InHex(list + '\0').c_str());
+      winscard_.Answer("SCardListReadersA", 0, digits.c_str());
     }
     const std::string failure = Run({"00A40000"}, row.defaultReader, row.defaultKind);
     EXPECT_TRUE(failure.ends_with(row.failure)) << failure;
@@ -162,7 +155,9 @@ TEST_F(SessionTest, OpensAReaderAfreshThatTheServiceHasForgotten) {
     EXPECT_EQ(readers.ResetCard().substr(0, 4), "3B6A");
     EXPECT_EQ(winscard_.Journal().find("SCardGetAttrib"), std::string::npos) << "another slot";
     winscard_.Answer("SCardConnectA", 0x8010001E);
+    const size_t before = winscard_.Journal().size();
     EXPECT_NO_THROW(readers.Open(kReader));
+    EXPECT_TRUE(winscard_.Journal().substr(before).starts_with("SCardDisconnect")) << "left open";
     winscard_.Restart();
   }
 }
