@@ -82,15 +82,19 @@ std::int32_t RunStatement(ScriptEngine& engine, std::string_view script, char* r
   return code == ScriptDone ? engine.statementKind : code;
 }
 
+const std::string* FindVariable(const ScriptEngine& engine, std::string_view name) {
+  const auto entry = engine.variables.find(name);
+  return entry != engine.variables.end() ? &entry->second : nullptr;
+}
+
 std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std::string& out) try {
   if (name.empty()) return ScriptEmptyName;
-  const auto entry = engine.variables.find(name);
-  if (entry == engine.variables.end()) {
-    out = "var \"" + UpperCased(name) + "\" not define ";
-    return ScriptUndefinedVariable;
+  if (const std::string* const value = FindVariable(engine, name)) {
+    out = *value;
+    return ScriptDone;
   }
-  out = entry->second;
-  return ScriptDone;
+  out = "var \"" + UpperCased(name) + "\" not define ";
+  return ScriptUndefinedVariable;
 } catch (...) {
   return ScriptException;
 }

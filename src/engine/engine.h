@@ -50,6 +50,9 @@ ScriptEngine* EnsureEngine();
 // Runs `script` and fills `result`, kResultSize bytes. Gives the code of RunScript.
 std::int32_t RunStatement(ScriptEngine& engine, std::string_view script, char* result);
 
+// A variable's value, or null if there is none of this name.
+const std::string* FindVariable(const ScriptEngine& engine, std::string_view name);
+
 // Sets `out` to the variable's value and gives ScriptDone. An unknown name gives
 // ScriptUndefinedVariable and sets `out` to the message; an empty one gives ScriptEmptyName.
 std::int32_t GetVariable(const ScriptEngine& engine, std::string_view name, std::string& out);

@@ -42,20 +42,28 @@ bool IsOperand(std::string_view token) {
 }
 
 // An operand of the statement itself: a call that fails is one all the same, and a token that is no
-// operand contributes nothing.
-bool EvaluateStatementOperand(ScriptEngine& engine, std::string& value, std::size_t& position) try {
-  value.clear();
-  const std::string_view token = TokenAt(engine, position);
-  switch (ClassifyToken(token)) {
+// operand contributes nothing. `value` is the operand's own text or lies in `text`, where the
+// message of a failed one stands.
+bool EvaluateStatementOperand(ScriptEngine& engine, std::string& text, std::string_view& value,
+                              std::size_t& position) try {
+  text.clear();
+  value = TokenAt(engine, position);
+  switch (ClassifyToken(value)) {
     case ClassVariable:
-      return GetVariable(engine, token, value) == ScriptDone;
+      if (const std::string* const stored = FindVariable(engine, value)) {
+        value = *stored;
+        return true;
+      }
+      GetVariable(engine, value, text);
+      return false;
     case ClassLiteral:
-      value = token;
       return true;
     case ClassCall:
-      RunBuiltin(engine, value, position);
+      RunBuiltin(engine, text, position);
+      value = text;
       return true;
     default:
+      value = {};
       return true;
   }
 } catch (...) {
@@ -89,7 +97,8 @@ std::int32_t Finish(ScriptEngine& engine, std::string_view target, std::string& 
 
 std::int32_t ExecuteTokens(ScriptEngine& engine) try {
   std::string_view target;
-  std::string value;
+  std::string text;
+  std::string_view value;
   std::string assigned;
   std::size_t position = 0;
   if (IsAssignment(engine)) {
@@ -102,8 +111,8 @@ std::int32_t ExecuteTokens(ScriptEngine& engine) try {
   for (; position < engine.tokens.size(); ++position) {
     std::string* const collector = Collector(engine, assigned);
     if (collector == nullptr) break;
-    if (!EvaluateStatementOperand(engine, value, position)) {
-      engine.resultText = std::move(value);
+    if (!EvaluateStatementOperand(engine, text, value, position)) {
+      engine.resultText = std::move(text);
       return kFailedOperand;
     }
     *collector += value;

@@ -47,19 +47,17 @@ bool DecodeDigits(const char* next, const char* end, unsigned char* octets) {
   while (next != end) {
     const unsigned high = DigitValue(*next++);
     if (high == kBadDigit) {
-      if (next[-1] == ' ') continue;
-      return false;
+      if (next[-1] != ' ') return false;
+      continue;
     }
-    unsigned low = next != end ? DigitValue(*next) : kBadDigit;
-    if (low == kBadDigit) {
+    if (next == end || DigitValue(*next) == kBadDigit) {
       *octets = static_cast<unsigned char>(high << 4);
       while (next != end && *next == ' ') ++next;
       if (next == end) return true;
-      low = DigitValue(*next);
-      if (low == kBadDigit) return false;
+      if (DigitValue(*next) == kBadDigit) return false;
     }
-    ++next;
-    *octets++ = static_cast<unsigned char>(high << 4 | low);
+    *octets++ = static_cast<unsigned char>(high << 4 | DigitValue(*next++));
+    if (next != end && *next == ' ') ++next;
   }
   return true;
 }
