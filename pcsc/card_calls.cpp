@@ -137,14 +137,14 @@ WINSCARD_API int32_t SCardStatusA(winscard::SCARDHANDLE number, char* readerName
 WINSCARD_API int32_t SCardTransmit(winscard::SCARDHANDLE number,
                                    const winscard::SCARD_IO_REQUEST* sendHeader,
                                    const uint8_t* command, uint32_t commandLength,
-                                   winscard::SCARD_IO_REQUEST* receiveHeader, uint8_t* reply,
-                                   uint32_t* replyLength) {
+                                   winscard::SCARD_IO_REQUEST* receiveHeader, uint8_t* response,
+                                   uint32_t* responseLength) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {
     if (sendHeader == nullptr) return SCARD_E_INVALID_PARAMETER;
     const SCARD_IO_REQUEST sent{ToLiteProtocols(sendHeader->dwProtocol), sizeof(SCARD_IO_REQUEST)};
     SCARD_IO_REQUEST received = sent;
-    const LONG code = lite.transmit(handle, &sent, command, commandLength, &received, reply,
-                                    WideLength(replyLength));
+    const LONG code = lite.transmit(handle, &sent, command, commandLength, &received, response,
+                                    WideLength(responseLength));
     if (receiveHeader != nullptr)
       receiveHeader->dwProtocol = ToWindowsProtocol(received.dwProtocol);
     return code;
