@@ -47,33 +47,21 @@ std::string ReadVariable(const std::string& variable) {
   return value;
 }
 
-// The value of operands as a variable, for as long as this object lives.
-class WaitingValue {
- public:
-  explicit WaitingValue(std::string_view operands) {
-    Result result = RunText(std::string(kWaiting) + " = " + std::string(operands));
-    if (result.code != KindAssignment) throw Failure(kScriptFault, "out of memory");
-    beginning_ = std::move(result.text);
-  }
-  ~WaitingValue() { SetVarValue(kWaiting, ""); }
-  WaitingValue(const WaitingValue&) = delete;
-  WaitingValue& operator=(const WaitingValue&) = delete;
-
-  std::string Read() const {
-    return beginning_.size() < kPiece ? beginning_ : ReadVariable(kWaiting);
-  }
-
- private:
-  std::string beginning_;  // up to kPiece
-};
+// Makes operands a variable's value, and gives what is handed over of it, up to kPiece.
+std::string Keep(std::string_view operands) {
+  Result result = RunText(std::string(kWaiting) + " = " + std::string(operands));
+  if (result.code != KindAssignment) throw Failure(kScriptFault, "out of memory");
+  return result.text;
+}
 
 std::string ReadLongExpression(const Statement& statement) {
-  const WaitingValue value(statement.text);
-  if (const size_t length = LengthOf(kWaiting); length > kLongestValue) {
-    throw Failure(kScriptFault, "the statement gives " + std::to_string(length) +
-                                    " characters: more than any command has");
-  }
-  return UpperCase(ReadVariable(kWaiting));
+  Keep(statement.text);
+  const size_t length = LengthOf(kWaiting);
+  const std::string value = ReadVariable(kWaiting);
+  SetVarValue(kWaiting, "");
+  if (length <= kLongestValue) return UpperCase(value);
+  throw Failure(kScriptFault, "the statement gives " + std::to_string(length) +
+                                  " characters: more than any command has");
 }
 
 }  // namespace
@@ -107,7 +95,12 @@ Result Run(const Statement& statement) {
   return result;
 }
 
-std::string Evaluate(std::string_view operands) { return WaitingValue(operands).Read(); }
+std::string Evaluate(std::string_view operands) {
+  std::string value = Keep(operands);
+  if (value.size() == kPiece) value = ReadVariable(kWaiting);
+  SetVarValue(kWaiting, "");
+  return value;
+}
 
 void SetVariable(const std::string& name, const std::string& value) {
   if (SetVarValue(name.c_str(), value.c_str()) != ScriptDone) {

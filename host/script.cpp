@@ -43,25 +43,16 @@ void Script::ForEach(const std::function<bool(const Statement&, size_t line)>& v
   }
 }
 
-namespace {
-
-bool IsSound(const Statement& statement) {
-  try {
-    CheckLiterals(statement, true);
-    return true;
-  } catch (const Failure&) {
-    return false;
-  }
-}
-
-}  // namespace
-
 void LookAtScript(const Script& script, Session& session) {
   session.StartOver();
   bool sound = true;
   script.ForEach([&](const Statement& statement, size_t) {
     session.Learn(statement);
-    sound = sound && IsSound(statement);
+    try {
+      CheckLiterals(statement, true);
+    } catch (const Failure&) {
+      sound = false;
+    }
     return true;
   });
   if (sound) return;

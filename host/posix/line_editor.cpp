@@ -76,84 +76,75 @@ int ReadCharacter(FILE*) {
 
 // Line editing, where libedit is installed. It is loaded when a person types: linked, it and the
 // three libraries that it needs would take a fifth of the time of a single command.
-class LineEditor {
- public:
-  LineEditor() {
-    void* const libedit = dlopen("libedit.so.2", RTLD_NOW | RTLD_LOCAL);
-    std::FILE** output = nullptr;
-    int (**readCharacter)(FILE*) = nullptr;
-    if (libedit == nullptr || !Find(libedit, "readline", readLine_) ||
-        !Find(libedit, "add_history", addHistory_) ||
-        !Find(libedit, "clear_history", clearHistory_) || !Find(libedit, "rl_outstream", output) ||
-        !Find(libedit, "rl_getc_function", readCharacter)) {
-      return;
-    }
-    std::setlocale(LC_CTYPE, "C.UTF-8");
-    *output = TerminalStream();
-    *readCharacter = ReadCharacter;
-    edits_ = true;
-  }
-
-  // None at the end of input and after Ctrl-C.
-  std::optional<std::string> Read(const std::string& prompt) const {
-    if (!edits_) return ReadPlainly(prompt);
-    char* const text = readLine_(prompt.c_str());
-    if (text == nullptr) return std::nullopt;
-    std::string line(text);
-    std::free(text);
-    return line;
-  }
-
-  void Remember(const std::string& line) const {
-    if (edits_) addHistory_(line.c_str());
-  }
-  void Forget() const {
-    if (edits_) clearHistory_();
-  }
-
- private:
-  template <typename Pointer>
-  static bool Find(void* libedit, const char* name, Pointer& found) {
-    found = reinterpret_cast<Pointer>(dlsym(libedit, name));
-    return found != nullptr;
-  }
-
-  static std::optional<std::string> ReadPlainly(const std::string& prompt) {
-    std::fputs(prompt.c_str(), TerminalStream());
-    std::fflush(TerminalStream());
-    std::string line;
-    for (int octet = ReadOctet(); octet != '\n'; octet = ReadOctet()) {
-      if (octet == EOF)
-        return interrupted != 0 || line.empty() ? std::nullopt : std::optional(line);
-      line += static_cast<char>(octet);
-    }
-    return line;
-  }
-
-  bool edits_ = false;
-  char* (*readLine_)(const char*) = nullptr;
-  int (*addHistory_)(const char*) = nullptr;
-  void (*clearHistory_)() = nullptr;
+struct LineEditor {
+  char* (*readLine)(const char*) = nullptr;
+  int (*addHistory)(const char*) = nullptr;
+  void (*clearHistory)() = nullptr;
 };
 
-const LineEditor& Editor() {
-  static const LineEditor editor;
+LineEditor LoadLineEditor() {
+  void* const libedit = dlopen("libedit.so.2", RTLD_NOW | RTLD_LOCAL);
+  LineEditor editor;
+  std::FILE** output = nullptr;
+  int (**readCharacter)(FILE*) = nullptr;
+  const auto find = [libedit](const char* name, auto& found) {
+    found = reinterpret_cast<std::decay_t<decltype(found)>>(ModuleFunction(libedit, name));
+    return found != nullptr;
+  };
+  if (libedit == nullptr || !find("readline", editor.readLine) ||
+      !find("add_history", editor.addHistory) || !find("clear_history", editor.clearHistory) ||
+      !find("rl_outstream", output) || !find("rl_getc_function", readCharacter)) {
+    return {};
+  }
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  *output = TerminalStream();
+  *readCharacter = ReadCharacter;
   return editor;
+}
+
+const LineEditor& Editor() {
+  static const LineEditor editor = LoadLineEditor();
+  return editor;
+}
+
+// Both give none at the end of input and after Ctrl-C.
+std::optional<std::string> ReadEdited(const std::string& prompt) {
+  char* const text = Editor().readLine(prompt.c_str());
+  if (text == nullptr) return std::nullopt;
+  std::string line(text);
+  std::free(text);
+  return line;
+}
+
+std::optional<std::string> ReadPlainly(const std::string& prompt) {
+  std::fputs(prompt.c_str(), TerminalStream());
+  std::fflush(TerminalStream());
+  std::string line;
+  for (int octet = ReadOctet(); octet != '\n'; octet = ReadOctet()) {
+    if (octet == EOF) return interrupted != 0 || line.empty() ? std::nullopt : std::optional(line);
+    line += static_cast<char>(octet);
+  }
+  return line;
 }
 
 }  // namespace
 
 std::optional<std::string> EditLine(const std::string& prompt) {
   const InterruptibleRead guard;
-  std::optional<std::string> line = Editor().Read(prompt);
+  const bool edits = Editor().readLine != nullptr;
+  std::optional<std::string> line = edits ? ReadEdited(prompt) : ReadPlainly(prompt);
   if (line) return line;
   std::fputc('\n', TerminalStream());
   std::fflush(TerminalStream());
   return interrupted != 0 ? std::optional<std::string>("") : std::nullopt;
 }
 
-void RememberLine(const std::string& line) { Editor().Remember(line); }
+void RememberLine(const std::string& line) {
+  if (Editor().addHistory != nullptr) Editor().addHistory(line.c_str());
+}
 
-void ForgetLines() { Editor().Forget(); }
+void ForgetLines() {
+  if (Editor().clearHistory != nullptr) Editor().clearHistory();
+}
 
 }  // namespace host
