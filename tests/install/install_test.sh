@@ -117,6 +117,10 @@ case $name in
     venv/bin/python test_page.py | as_printed
     venv/bin/python -m pytest -q -p no:cacheprovider test_page.py >log || fail "$(cat log)"
     "$prefix/bin/orvane" run -q --simulate --record session.jsonl "$script"
+    recorded() { venv/bin/python -m pytest -q -p no:cacheprovider --orvane-recording session.jsonl -k file "$@" test_page.py >log; }
+    ! recorded && grep -q 'not as recorded: .*session.jsonl:[0-9]' log || fail "$(cat log)"
+    sed -i 's/00A40000 02 3F00/00A40400 08 F04F5256414E4501 00/' test_page.py
+    recorded || fail "$(cat log)"
     ORVANE_CARD=session.jsonl venv/bin/python "$examples/python/exchange.py" "$script" | same
     sed 's/00D685/00D686/' session.jsonl >other.jsonl
     ! ORVANE_CARD=other.jsonl venv/bin/python "$examples/python/exchange.py" "$script" >log 2>&1 &&

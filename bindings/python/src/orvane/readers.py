@@ -7,7 +7,7 @@ import pathlib
 import warnings
 from dataclasses import dataclass
 from types import TracebackType
-from typing import Callable, List, Optional, Set, Type, Union
+from typing import Callable, Dict, List, Optional, Set, Type, Union
 
 from . import library
 from .conversions import to_hex, to_octets
@@ -202,7 +202,8 @@ class Reader:
         return bool(native.CloseReader())
 
 
-_simulators: List[object] = []
+# Those that are loaded, by the name of the vendor's library.
+simulators: Dict[str, ctypes.CDLL] = {}
 
 
 def load_simulators(folder: Union[str, pathlib.Path, None] = None) -> None:
@@ -212,4 +213,6 @@ def load_simulators(folder: Union[str, pathlib.Path, None] = None) -> None:
     modules = sorted(folder.glob("*.dll" if library.WINDOWS else "*.so"))
     if not modules:
         raise ReaderError(f"there are no simulators in {folder}")
-    _simulators.extend(ctypes.CDLL(str(module)) for module in modules)
+    for module in modules:
+        name = module.stem if library.WINDOWS else module.stem[len("lib"):]
+        simulators.setdefault(name, ctypes.CDLL(str(module)))
