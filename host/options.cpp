@@ -309,12 +309,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
       ->type_name("N")
       ->check(CLI::Range(1, 256));
   readers.add_flag("--simulate", options.simulate, "List the simulated readers");
-  app.footer("");
-  app.footer([] {
-    std::string footer = kFooter + TryIt();
-    footer.pop_back();  // its last line end is added
-    return footer;
-  });
+  app.footer(kFooter + TryIt());
 }
 
 void CheckArguments(const std::vector<std::string>& arguments) {

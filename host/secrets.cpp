@@ -152,7 +152,7 @@ Secrets::Known Secrets::Foresee(const Statement& statement, size_t first, When w
     const Number number = word.kind == WordKind::kVariable ? ValueOf(source, when) : kNone;
     const bool sure = number != kNone && (when == When::kNow || values_[number].before == kNone);
     const Value value = literal ? Exact(source, true) : sure ? values_[number] : Value();
-    if (known.beginning.size() == known.length) known.beginning += value.beginning;
+    if (known.beginning.size() == known.length) known.beginning += value.beginning.data();
     known.beginning.resize(std::min(known.beginning.size(), kForeseen));
     if (value.length == kNone) {
       known.length = kNone;
@@ -249,7 +249,7 @@ void Secrets::Add(const Statement& assignment) {
   const std::string target = UpperCase(assignment.TextOf(assignment.words[0]));
   const size_t rest = Behind(assignment, known.end);
   Value value;
-  value.beginning = Beginning(known.beginning);
+  known.beginning.copy(value.beginning.data(), kForeseen);
   value.length = known.length;
   value.sources = value.rest = static_cast<Number>(sources_.size());
   value.sent = IsTelling(target) || known.IsSecret(false);
@@ -295,26 +295,24 @@ void Secrets::Look(const Statement& statement) {
 
 bool Secrets::BeginsAsSecret(std::string_view value) {
   const Value exact = Exact(value);
-  return CarriesSecretData(exact.beginning, exact.length, false);
+  return CarriesSecretData(exact.beginning.data(), exact.length, false);
 }
 
 Secrets::Value Secrets::Exact(std::string_view text, bool skipsTabs) {
-  std::array<char, kForeseen> digits;
   Value value;
   value.length = 0;
   for (const char c : text) {
     if (c == ' ' || (c == '\t' && skipsTabs)) continue;
-    if (value.length < digits.size()) digits[value.length] = c;
+    if (value.length < kForeseen) value.beginning[value.length] = c;
     ++value.length;
   }
-  const size_t known = std::min<size_t>(value.length, digits.size());
-  value.beginning = Beginning(UpperCase({digits.data(), known}));
+  UpperCase(value.beginning.data()).copy(value.beginning.data(), kForeseen);
   return value;
 }
 
 void Secrets::Define(std::string_view name, std::string_view value) {
   Value defined = Exact(value);
-  defined.sent = CarriesSecretData(defined.beginning, defined.length, false);
+  defined.sent = CarriesSecretData(defined.beginning.data(), defined.length, false);
   defined.sources = defined.rest = static_cast<Number>(sources_.size());
   const auto number = static_cast<Number>(values_.size());
   variables_[UpperCase(name)] = {number, number};
@@ -335,7 +333,7 @@ void Secrets::Follow(const Statement& assignment, std::string_view value) {
   made.beginning = exact.beginning;
   made.length = exact.length;
   made.made = Involves(assignment, false);
-  if (CarriesSecretData(made.beginning, made.length, false)) Mark(next_);
+  if (CarriesSecretData(made.beginning.data(), made.length, false)) Mark(next_);
   variables_[UpperCase(assignment.TextOf(assignment.words[0]))].now = next_++;
 }
 

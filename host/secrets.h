@@ -62,20 +62,9 @@ class Secrets {
   using Number = uint32_t;                 // of a value, in the order in which they are made
   static constexpr Number kNone = UINT32_MAX;
 
-  // The first digits of a value, in upper case, as far as they are known.
-  class Beginning {
-   public:
-    explicit Beginning(std::string_view digits = "")
-        : size_(static_cast<unsigned char>(digits.copy(digits_.data(), kForeseen))) {}
-    operator std::string_view() const { return {digits_.data(), size_}; }
-
-   private:
-    std::array<char, kForeseen> digits_;
-    unsigned char size_;
-  };
-
   struct Value {
-    Beginning beginning;
+    // Its first digits, in upper case, as far as they are known, and a zero byte.
+    std::array<char, kForeseen + 1> beginning = {};
     Number length = kNone;  // kNone: not known
     Number sources = 0;     // where the values that it is made from begin in sources_
     Number rest = 0;        // and those behind the operand whose text is not known

@@ -51,14 +51,10 @@ bool RunLine(Session& session, const std::string& line, bool interactive) {
 }  // namespace
 
 int RunShell(Session& session, bool interactive) {
-  if (interactive) std::cout << "Statements of the card script; help, quit\n";
+  if (interactive) std::cout << "Statements of the card script; help, quit\n" << std::flush;
   TextInput in("-");
   int firstFailure = kDone;
-  const auto next = [&] {
-    std::cout << std::flush;
-    return interactive ? EditLine("orvane> ") : in.NextLine();
-  };
-  while (const auto line = next()) {
+  while (const auto line = interactive ? EditLine("orvane> ") : in.NextLine()) {
     try {
       if (!RunLine(session, *line, interactive)) break;
     } catch (const Failure& failure) {
@@ -66,6 +62,7 @@ int RunShell(Session& session, bool interactive) {
       PrintFailure(failure);
       if (firstFailure == kDone) firstFailure = failure.Code();
     }
+    std::cout << std::flush;
   }
   return interactive ? kDone : firstFailure;
 }

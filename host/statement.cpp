@@ -45,22 +45,13 @@ std::vector<Word> Split(std::string_view text) {
     begin = end;
   };
   for (size_t at = 0; at < text.size(); ++at) {
-    switch (text[at]) {
-      case '=':  // only the first one of a statement separates, and only behind a single word
-        if (words.size() > 1) break;
-        [[fallthrough]];
-      case '(':
-      case ')':
-      case ',':
-        add(at);
-        add(at + 1);
-        break;
-      case ' ':
-      case '\t':
-        add(at);
-        begin = at + 1;
-        break;
-    }
+    const char c = text[at];
+    const bool blank = c == ' ' || c == '\t';
+    // Only the first = of a statement separates, and only behind a single word.
+    const bool separator = c == '(' || c == ')' || c == ',' || (c == '=' && words.size() <= 1);
+    if (blank || separator) add(at);
+    if (separator) add(at + 1);
+    if (blank) begin = at + 1;
   }
   add(text.size());
   return words;
@@ -73,11 +64,8 @@ void CheckComments(std::string_view text, const std::vector<Word>& words) {
   const auto textOf = [&](const Word& word) {
     return text.substr(word.begin, word.end - word.begin);
   };
-  if (words[0].kind == WordKind::kDollar) return;
-  if (words[0].kind == WordKind::kBuiltin) {
-    const Builtin* const first = FindBuiltin(textOf(words[0]));
-    if (first != nullptr && first->forHost) return;
-  }
+  const Builtin* const first = FindBuiltin(textOf(words[0]));
+  if (words[0].kind == WordKind::kDollar || (first != nullptr && first->forHost)) return;
   size_t depth = 0;
   for (size_t at = 1; at + 1 < words.size(); ++at) {
     const Word& word = words[at];
