@@ -31,6 +31,10 @@ struct Parameter {
   bool serialNumber = false;  // tells one derived key from another, and is no secret
 };
 
+// The text of a command to the card.
+inline constexpr Parameter kCommandText = {
+    .name = "the command", .kind = ArgumentKind::kHex, .skipsBlanks = true};
+
 // One command of the language: what it takes, and what it does to the secrets in it.
 struct Builtin {
   std::string_view keyword;  // in upper case

@@ -1,5 +1,7 @@
 #include "host/command.h"
 
+#include <orvane.h>
+
 #include <algorithm>
 #include <array>
 
@@ -19,6 +21,8 @@ constexpr std::array<unsigned, 27> kSilent = {0x04, 0x0E, 0x20, 0x21, 0x22, 0x24
 std::string_view CardCommand::Part(size_t begin, size_t end) const {
   return std::string_view(digits).substr(2 * begin, 2 * (end - begin));
 }
+
+Framing FramingOf(int32_t kind) { return kind == ReaderKindTcp ? Framing::kRaw : Framing::kApdu; }
 
 CardCommand ReadCommand(std::string_view text, Framing framing) {
   CardCommand command;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,8 @@ namespace host {
 // What a command's octets are: most readers take APDUs (ISO/IEC 7816-4), a payment HSM
 // takes whatever its protocol says.
 enum class Framing { kApdu, kRaw };
+
+Framing FramingOf(int32_t kind);  // of a reader's kind
 
 // A command that may be sent, and the parts of an APDU. In raw octets all behind the first four
 // stands as data.

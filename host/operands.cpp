@@ -10,19 +10,6 @@
 namespace host {
 namespace {
 
-constexpr Parameter kCommand = {
-    .name = "the command", .kind = ArgumentKind::kHex, .skipsBlanks = true};
-
-// The place in the statement's text of a character of a literal, which has lost its blanks.
-size_t PlaceOf(const Statement& statement, const Word& literal, size_t character) {
-  size_t at = literal.begin;
-  for (;; ++at) {
-    const char c = statement.text[at];
-    if (c == ' ' || c == '\t') continue;
-    if (character-- == 0) return at;
-  }
-}
-
 // Looks at operands one by one, so that a fault is found where it was typed.
 class Reader {
  public:
@@ -213,7 +200,7 @@ void CheckLiterals(const Statement& statement, bool hide) {
     CheckedInvocation(statement, each, hide).CheckLiterals();
   }
   if (!statement.Sends()) return;
-  Reader(statement, kCommand, std::string(kCommand.name), hide)
+  Reader(statement, kCommandText, std::string(kCommandText.name), hide)
       .CheckLiterals({0, statement.end - 1});
 }
 
@@ -223,7 +210,7 @@ void CheckOperands(const Statement& statement, bool hide) {
 }
 
 void CheckCommand(const Statement& statement, bool hide) {
-  Reader(statement, kCommand, std::string(kCommand.name), hide)
+  Reader(statement, kCommandText, std::string(kCommandText.name), hide)
       .CheckCharacters({0, statement.end - 1});
 }
 

@@ -87,7 +87,7 @@ int32_t Readers::CurrentKind() const {
 }
 
 Framing Readers::CurrentFraming() const {
-  return CurrentKind() == ReaderKindTcp ? Framing::kRaw : Framing::kApdu;
+  return FramingOf(CurrentKind());
 }
 
 bool Readers::Simulated() const {
@@ -231,11 +231,9 @@ std::string Readers::ResetCard() {
 
 void Readers::Check(const CardCommand& command) {
   const int32_t kind = Use().address.kind;
-  if (command.Octets() <= LongestCommand(kind)) return;
-  throw Failure(kScriptFault, "the command has " + Counted(command.Octets(), "byte") +
-                                  ", and readers of the kind " + std::string(KindName(kind)) +
-                                  " take " + std::to_string(LongestCommand(kind)) +
-                                  " at most; nothing sent");
+  if (const std::string fault = TooLong(command, kind); !fault.empty()) {
+    throw Failure(kScriptFault, fault);
+  }
 }
 
 Response Readers::Send(const CardCommand& command) {

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "host/reader_address.h"
 #include "host/status_word.h"
 #include "host/text.h"
 
@@ -56,6 +57,13 @@ std::optional<Response> ReadResponse(int32_t kind, int32_t result, std::string_v
 size_t LongestCommand(int32_t kind) {
   if (kind == ReaderKindD8 || kind == ReaderKindWd) return 255;
   return kind == ReaderKindS5009 || kind == ReaderKindS5009Ats ? 133 : kMostCommandOctets;
+}
+
+std::string TooLong(const CardCommand& command, int32_t kind) {
+  if (command.Octets() <= LongestCommand(kind)) return "";
+  return "the command has " + Counted(command.Octets(), "byte") + ", and readers of the kind " +
+         std::string(KindName(kind)) + " take " + std::to_string(LongestCommand(kind)) +
+         " at most; nothing sent";
 }
 
 size_t MostData(int32_t kind) {

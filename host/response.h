@@ -29,6 +29,9 @@ bool HasStatusWord(int32_t kind);
 // The most octets of a command that the library hands to a reader of this kind.
 size_t LongestCommand(int32_t kind);
 
+// What is wrong with a command that is longer than that; empty if it is not.
+std::string TooLong(const CardCommand& command, int32_t kind);
+
 // The most octets of data that a response can bring in beside its status word.
 size_t MostData(int32_t kind);
 

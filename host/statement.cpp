@@ -1,7 +1,6 @@
 #include "host/statement.h"
 
 #include "host/expectation.h"
-#include "host/failure.h"
 #include "host/text.h"
 
 namespace host {
@@ -10,7 +9,9 @@ namespace {
 // The library refuses a built-in nested deeper than this.
 constexpr size_t kDeepestNesting = 128;
 
-Failure Malformed(const std::string& message) { return Failure(kScriptFault, message); }
+MalformedStatement Malformed(const std::string& message, size_t place) {
+  return MalformedStatement(message, place);
+}
 
 WordKind Classify(char first) {
   switch (first) {
@@ -78,7 +79,7 @@ void CheckComments(std::string_view text, const std::vector<Word>& words) {
     const bool behind =
         before == WordKind::kLiteral || before == WordKind::kVariable || before == WordKind::kClose;
     if (!mark || !behind || words[at + 1].kind != WordKind::kLiteral) continue;
-    throw Malformed("a comment needs a line of its own" + MarkedAt(text, word.begin));
+    throw Malformed("a comment needs a line of its own" + MarkedAt(text, word.begin), word.begin);
   }
 }
 
@@ -86,8 +87,8 @@ void CheckComments(std::string_view text, const std::vector<Word>& words) {
 void CheckExpectations(std::string_view text) {
   for (size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1)) {
     if (!FindExpectation(text.substr(at))) continue;
-    throw Malformed("an expectation needs a line of its own, below the command" +
-                    MarkedAt(text, at));
+    throw Malformed(
+        "an expectation needs a line of its own, below the command" + MarkedAt(text, at), at);
   }
 }
 
@@ -142,29 +143,32 @@ class Grammar {
   bool ReadInvocation(size_t depth) {
     const size_t first = at_;
     const std::string keyword(statement_.Source({first, first}));
-    const Builtin& builtin = Find(keyword);
-    if (builtin.forHost && first > 0) throw Malformed(keyword + " must stand alone");
-    if (depth > kDeepestNesting) throw Malformed("commands are nested too deeply");
+    const Builtin& builtin = Find(first);
+    if (builtin.forHost && first > 0)
+      throw Malformed(keyword + " must stand alone", PlaceOf(first));
+    if (depth > kDeepestNesting) throw Malformed("commands are nested too deeply", PlaceOf(first));
     if (KindAt(first + 1) != WordKind::kOpen) {
-      throw Malformed(keyword + " has no \"(\" behind it");
+      throw Malformed(keyword + " has no \"(\" behind it", PlaceOf(first));
     }
     at_ += 2;
     for (size_t number = 1; number <= builtin.count; ++number) {
-      ReadArgument(builtin, keyword, depth);
+      ReadArgument(builtin, first, depth);
       const bool last = number == builtin.count;
-      if (!last && KindAt(at_) != WordKind::kComma) throw WrongCount(builtin, keyword);
+      if (!last && KindAt(at_) != WordKind::kComma) throw WrongCount(builtin, first);
       if (!last) ++at_;
     }
     if (KindAt(at_) == WordKind::kComma || IsOperand(KindAt(at_))) {
-      throw WrongCount(builtin, keyword);
+      throw WrongCount(builtin, first);
     }
-    if (KindAt(at_) != WordKind::kClose) throw Malformed(keyword + " is not closed with \")\"");
+    if (KindAt(at_) != WordKind::kClose) {
+      throw Malformed(keyword + " is not closed with \")\"", PlaceOf(first));
+    }
     statement_.invocations.push_back({&builtin, {first, at_}});
     ++at_;
     return builtin.forHost;
   }
 
-  void ReadArgument(const Builtin& builtin, const std::string& keyword, size_t depth) {
+  void ReadArgument(const Builtin& builtin, size_t keyword, size_t depth) {
     if (!IsOperand(KindAt(at_))) throw WrongCount(builtin, keyword);
     while (IsOperand(KindAt(at_))) {
       if (KindAt(at_) == WordKind::kBuiltin) {
@@ -181,8 +185,9 @@ class Grammar {
     const std::string_view text = statement_.text;
     const size_t rest = text.find_first_not_of(" \t", closing.end);
     if (rest == text.npos || text[rest] == ';' || text[rest] == '/') return;
-    throw Malformed("only a comment can stand behind " + std::string(statement_.Source({0, 0})) +
-                    "(...)");
+    throw Malformed(
+        "only a comment can stand behind " + std::string(statement_.Source({0, 0})) + "(...)",
+        rest);
   }
 
   // Past the end it gives a kind that an invocation has no use for.
@@ -190,24 +195,30 @@ class Grammar {
     return at < statement_.words.size() ? statement_.words[at].kind : WordKind::kEquals;
   }
 
-  static const Builtin& Find(const std::string& keyword) {
-    const Builtin* const found = FindBuiltin(keyword);
-    if (found == nullptr) throw Malformed("unknown command " + keyword);
+  size_t PlaceOf(size_t word) const { return statement_.words[word].begin; }
+
+  std::string Keyword(size_t word) const { return std::string(statement_.Source({word, word})); }
+
+  const Builtin& Find(size_t word) const {
+    const Builtin* const found = FindBuiltin(Keyword(word));
+    if (found == nullptr) throw Malformed("unknown command " + Keyword(word), PlaceOf(word));
     return *found;
   }
 
-  static Failure WrongCount(const Builtin& builtin, const std::string& keyword) {
-    if (builtin.count == 0) return Malformed(keyword + " takes no arguments");
-    return Malformed(keyword + " takes " + Counted(builtin.count, "argument") +
-                     ", and none may be empty");
+  MalformedStatement WrongCount(const Builtin& builtin, size_t word) const {
+    const std::string takes = builtin.count == 0
+                                  ? "no arguments"
+                                  : Counted(builtin.count, "argument") + ", and none may be empty";
+    return Malformed(Keyword(word) + " takes " + takes, PlaceOf(word));
   }
 
-  Failure Stray() const {
+  MalformedStatement Stray() const {
     const Word& word = statement_.words[at_];
     if (word.kind == WordKind::kEquals && at_ + 1 == statement_.words.size()) {
-      return Malformed("nothing stands behind the \"=\"");
+      return Malformed("nothing stands behind the \"=\"", word.begin);
     }
-    return Malformed("\"" + statement_.text.substr(word.begin, 1) + "\" has no meaning here");
+    return Malformed("\"" + statement_.text.substr(word.begin, 1) + "\" has no meaning here",
+                     word.begin);
   }
 
   Statement& statement_;
@@ -230,7 +241,9 @@ std::string Statement::TextOf(const Word& word) const {
 Statement ReadStatement(std::string_view line) {
   Statement statement;
   statement.text = line;
-  if (line.find('\0') != line.npos) throw Malformed("the line holds a zero byte");
+  if (line.find('\0') != line.npos) {
+    throw Malformed("the line holds a zero byte", line.find('\0'));
+  }
   if (const std::optional<size_t> pattern = FindExpectation(line)) {
     ReadExpectation(line, *pattern);
     statement.form = Form::kExpectation;
@@ -239,7 +252,7 @@ Statement ReadStatement(std::string_view line) {
   const size_t first = line.find_first_not_of(" \t");
   if (first == line.npos || line[first] == '/' || line[first] == ';') return statement;
   if (const std::string_view begin = line.substr(first, 1); begin.find_first_of("(),") == 0) {
-    throw Malformed("a statement can't begin with \"" + std::string(begin) + "\"");
+    throw Malformed("a statement can't begin with \"" + std::string(begin) + "\"", first);
   }
   statement.words = Split(line);
   if (line[first] != '$') CheckExpectations(line);
@@ -247,14 +260,14 @@ Statement ReadStatement(std::string_view line) {
   JoinLiterals(statement.words);
   statement.form = FormOf(statement.words);
   if (line[first] == '#' && statement.form == Form::kExpression) {
-    throw Malformed("a comment begins with ;, and not with #");
+    throw Malformed("a comment begins with ;, and not with #", first);
   }
   statement.value = statement.form == Form::kAssignment ? 2 : 0;
   if (statement.form == Form::kHeading) return statement;
   try {
     Grammar(statement).ReadValue();
-  } catch (const Failure& failure) {
-    throw Malformed(failure.what() + std::string(HabitIn(line)));
+  } catch (const MalformedStatement& fault) {
+    throw Malformed(fault.what() + std::string(HabitIn(line)), fault.Place());
   }
   return statement;
 }
@@ -263,6 +276,15 @@ std::string_view HeadingText(const Statement& heading) {
   const std::string_view text = heading.text;
   const size_t begin = text.find_first_not_of(" \t", text.find('$') + 1);
   return text.substr(std::min(begin, text.size()));
+}
+
+size_t PlaceOf(const Statement& statement, const Word& literal, size_t character) {
+  size_t at = literal.begin;
+  for (;; ++at) {
+    const char c = statement.text[at];
+    if (c == ' ' || c == '\t') continue;
+    if (character-- == 0) return at;
+  }
 }
 
 std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation) {

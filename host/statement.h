@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/builtin.h"
+#include "host/failure.h"
 
 namespace host {
 
@@ -63,11 +64,26 @@ struct Statement {
   bool Sends() const { return form == Form::kExpression && !IsForHost(); }
 };
 
-// Reads one line without its line end. Throws Failure (kScriptFault) with what is wrong with it.
+// What is wrong with a line, and where in it.
+class MalformedStatement : public Failure {
+ public:
+  MalformedStatement(const std::string& message, size_t place)
+      : Failure(kScriptFault, message), place_(place) {}
+  size_t Place() const { return place_; }
+
+ private:
+  size_t place_;
+};
+
+// Reads one line without its line end. Throws MalformedStatement, or Failure (kScriptFault) for an
+// expectation.
 Statement ReadStatement(std::string_view line);
 
 // What a heading says.
 std::string_view HeadingText(const Statement& heading);
+
+// The place in the statement's text of a character of a literal, which has lost its blanks.
+size_t PlaceOf(const Statement& statement, const Word& literal, size_t character);
 
 // The words of each of a built-in's arguments.
 std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation);
