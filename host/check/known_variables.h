@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "host/check/findings.h"
+#include "host/check/value.h"
+
+namespace host {
+
+// The variables of a script up to the current line.
+class KnownVariables {
+ public:
+  explicit KnownVariables(Findings& findings) : findings_(findings) {}
+
+  // What comes from outside, or from the card.
+  void Define(std::string_view name, const Value& value);
+  void DefineAnswer();  // %RESP and %SW
+  // A value that the script stores, at this place of the current line.
+  void Assign(std::string_view name, const Value& value, size_t begin, size_t end);
+
+  // The value of a variable that the current line reads at this place. One that is not defined is
+  // reported, once.
+  Value Read(const std::string& name, size_t begin, size_t end);
+
+  // Reports the values that nothing reads; nothing follows.
+  void End();
+
+ private:
+  struct Variable {
+    Value value;
+    std::optional<Diagnostic> unused;  // what to say if nothing reads the value
+  };
+
+  void Drop(Variable& variable);
+
+  Findings& findings_;
+  std::unordered_map<std::string, Variable> variables_;  // by names in upper case
+};
+
+}  // namespace host
