@@ -57,8 +57,8 @@ Variables Definitions(const Options& options) {
   return variables;
 }
 
-void StoreDefinitions(const Options& options, Secrets& secrets) {
-  for (const auto& [name, value] : Definitions(options)) {
+void StoreDefinitions(const Variables& definitions, Secrets& secrets) {
+  for (const auto& [name, value] : definitions) {
     SetVariable(name, value);
     secrets.Define(name, value);
   }

@@ -16,7 +16,8 @@ namespace host {
 std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
 
 // Stores them, and tells of them what holds secrets.
-void StoreDefinitions(const Options& options, Secrets& secrets);
+void StoreDefinitions(const std::vector<std::pair<std::string, std::string>>& definitions,
+                      Secrets& secrets);
 
 // What is wrong with the text of a definition, NAME=VALUE, or with its name alone; empty if
 // nothing.

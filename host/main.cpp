@@ -6,6 +6,7 @@
 #include <iostream>
 #include <memory>
 
+#include "host/check/check_file.h"
 #include "host/decode/decode.h"
 #include "host/definitions.h"
 #include "host/failure.h"
@@ -31,7 +32,8 @@ namespace {
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
-      : replay_(ReplayFor(options)),
+      : beginning_(CircumstancesOf(options)),
+        replay_(ReplayFor(options)),
         recorder_(RecorderFor(options)),
         readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
                  options.coldReset),
@@ -42,11 +44,12 @@ class Workplace {
                  {.showSecrets = options.showSecrets,
                   .echoStatements = echoStatements,
                   .listeners = Listeners()}) {
-    StoreDefinitions(options, secrets_);
+    StoreDefinitions(beginning_.variables, secrets_);
     if (!options.reader.empty()) session_.Open(options.reader);
   }
 
   Session& Work() { return session_; }
+  const Circumstances& Beginning() const { return beginning_; }
   void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
 
   // To be called when all has gone well: throws Failure if the recording is not whole.
@@ -63,6 +66,7 @@ class Workplace {
     return listeners;
   }
 
+  Circumstances beginning_;
   // These outlive the readers.
   std::unique_ptr<Replay> replay_;
   std::unique_ptr<SessionRecorder> recorder_;
@@ -77,6 +81,7 @@ void RunFile(const Options& options) {
   const Script script(options.file);
   Workplace workplace(options);
   LookAtScript(script, workplace.Work());
+  RefuseErrors(script, workplace.Beginning());
   RunScriptFile(script, workplace.Work());
   workplace.Finish();
 }
@@ -156,6 +161,9 @@ void EditTags(const CLI::App& tags, const Options& options) {
 int Carry(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("run")) RunFile(options);
   if (app.got_subcommand("test")) return TestFiles(options);
+  if (app.got_subcommand("check")) {
+    return CheckFiles(std::cout, options.files, CircumstancesOf(options), options.format == "json");
+  }
   if (app.got_subcommand("apdu")) SendCommands(options);
   if (app.got_subcommand("shell")) return StartShell(options);
   if (app.got_subcommand("readers")) ShowReaders(options);

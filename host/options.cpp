@@ -107,13 +107,17 @@ std::string ReadKind(std::string& text) {
 
 const CLI::Validator kKindNames(ReadKind, "");
 
-void AddReader(CLI::App& command, Options& options) {
-  command.add_option("-r,--reader", options.reader, "Open this reader first")->type_name("READER");
+void AddReaderName(CLI::App& command, Options& options, const char* help) {
+  command.add_option("-r,--reader", options.reader, help)->type_name("READER");
   command
       .add_option("-k,--kind", options.kind,
                   "Kind of readers named without one, a number or a name (pcsc)")
       ->type_name("KIND")
       ->transform(kKindNames);
+}
+
+void AddReader(CLI::App& command, Options& options) {
+  AddReaderName(command, options, "Open this reader first");
   command.add_flag("--simulate", options.simulate,
                    "Put simulators in the place of all vendor libraries");
   CLI::Option* replay =
@@ -246,6 +250,18 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(run, options);
   AddTlv(run, options);
   AddQuiet(run, options);
+
+  CLI::App& check = *app.add_subcommand("check", "Find what is wrong with scripts, without a card");
+  check.add_option("FILE", options.files, "A script; - is standard input")->required();
+  AddDefinitions(check, options);
+  AddReaderName(check, options, "The reader that the script finds; it is not opened");
+  check.add_option("--format", options.format, "text, a line each, or json")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"text", "json"}));
+  check.footer(
+      "\nExit code: 0 if nothing is found; 1 if there are warnings alone; 3 if there is an error,\n"
+      "which orvane run refuses before it sends anything.\n" +
+      std::string(kShortFooter));
 
   CLI::App& test =
       *app.add_subcommand("test", "Run the cases of scripts, and tell which of them failed");

@@ -21,6 +21,8 @@ struct Options {
   bool tap = false;                   // test
   bool failFast = false;              // test
   bool verbose = false;               // test
+  std::vector<std::string> files;     // check
+  std::string format = "text";        // check
   std::vector<std::string> commands;  // apdu
   std::string expected;               // apdu; a pattern, empty for none
   std::string decodedKind;            // decode

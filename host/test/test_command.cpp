@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "host/check/check_file.h"
 #include "host/definitions.h"
 #include "host/failure.h"
 #include "host/platform.h"
@@ -54,6 +55,7 @@ class TestSession {
  public:
   explicit TestSession(const Options& options)
       : options_(options),
+        beginning_(CircumstancesOf(options)),
         colour_(WantsColour(options)),
         recording_(RecorderFor(options)),
         silent_(nullptr),
@@ -62,7 +64,7 @@ class TestSession {
     CheckFiles(options);
     for (const std::string& file : options.tests) scripts_.emplace_back(file);
     ReadCases();
-    StoreDefinitions(options, secrets_);
+    StoreDefinitions(beginning_.variables, secrets_);
     LookAtAll();
     if (!options.junit.empty()) junit_.emplace(options.junit);
     if (!options.html.empty()) html_.emplace(options.html);
@@ -107,7 +109,10 @@ class TestSession {
   void LookAtAll() {
     Readers none(options_.kind, options_.simulate, "");
     Session session(none, secrets_, recorder_, {.showSecrets = options_.showSecrets});
-    for (const Script& script : scripts_) LookAtScript(script, session);
+    for (const Script& script : scripts_) {
+      LookAtScript(script, session);
+      RefuseErrors(script, beginning_);
+    }
   }
 
   void RunFiles() {
@@ -132,7 +137,7 @@ class TestSession {
     if (recording_) listeners.push_back(recording_.get());
     Session session(readers, secrets_, recorder_,
                     {.showSecrets = options_.showSecrets, .listeners = std::move(listeners)});
-    StoreDefinitions(options_, secrets_);
+    StoreDefinitions(beginning_.variables, secrets_);
     LookAtScript(script, session);
     TestRun run(script, file, session, recorder_, options_.failFast,
                 {.prepare =
@@ -187,6 +192,7 @@ class TestSession {
   }
 
   const Options& options_;
+  Circumstances beginning_;
   bool colour_;
   std::unique_ptr<SessionRecorder> recording_;  // outlives the readers
   std::ostream silent_;

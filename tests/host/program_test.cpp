@@ -83,9 +83,7 @@ TEST_F(Program, SendsLongCommands) {
   ExpectRows({
       {"", "00D60000FF" + data + "\n@compare(%SW,6986,1)\n", 0, "", ">>   00 D6 00 00  FF|6986"},
       {"-r 5:COM1", "00D60000FF" + data + "\n", 3,
-       "script:1: the command has 260 bytes, and readers of the kind D8 take 255 at most; nothing "
-       "sent\n",
-       "failed  0 commands sent, 0 expectations met\n"},
+       "script:1: the command has 260 bytes, and readers of the kind D8 take 255 at most\n", ""},
       {"", half + "00D6000000 0FF9 %A %A 0A\n@compare(%SW,6700,1)\n@compare(%A 1,%A 2,0)\n", 0, "",
        ">>   00 D6 00 00  00 0F F9|AA AA AA AA|a2\n"},
   });
@@ -153,26 +151,24 @@ TEST_F(Program, SendsNothingOfAStatementThatIsWrong) {
       {"", "%\x1B[2J\n", 3, "script:1: undefined variable %\\x1B[2J\n", ""},
       {"", "%A = @xor(00,%U)\n", 3, undefined, ""},
       {"", "@OPENREADER(%U)\n", 3, undefined, ""},
-      {"", "00A40000 0\n", 3,
-       "script:1: the command has an odd number of digits (9); nothing sent\n", ""},
+      {"", "00A40000 0\n", 3, "script:1: the command has an odd number of digits (9)\n", ""},
       {"", "00A4000002 3FOO\n", 3,
        "script:1: the command has no hexadecimal digit at column 14\n  00A4000002 3FOO\n"
        "               ^\n",
        ""},
-      {"", "%A = 00A400\n%A\n", 3,
-       "script:2: the command has 3 bytes, its header alone needs 4; nothing sent\n", ""},
-      {"", "%A = @strmid(00,2,1)\n%A\n", 3, "script:2: the command is empty; nothing sent\n", ""},
-      {"", longPart + "%A %A 00\n", 3,
-       "script:2: the command has 4097 bytes, more than the 4096 that can be sent; nothing sent\n",
+      {"", "%A = 00A400\n%A\n", 3, "script:2: the command has 3 bytes, its header alone needs 4\n",
        ""},
+      {"", "%A = @strmid(00,2,1)\n%A\n", 3, "script:2: the command is empty\n", ""},
+      {"", longPart + "%A %A 00\n", 3,
+       "script:2: the command has 4097 bytes, more than the 4096 that can be sent\n", ""},
       {"", longPart + "@OPENREADER(%A)\n", 3,
        "script:2: the argument has more than 511 characters, the most that a command can hand over "
        "to its host\n",
        ""},
       {"", "00D6000008 @SUBKEY(0011,1122334455667788)\n", 3,
        "script:1: the key of @SUBKEY has 2 octets; it takes 8, 16 or 24\n", ""},
-      {"", "@setslot(1)\n", 3,
-       "script:1: a slot is two hexadecimal digits, such as 00 or 0C, not \"1\"\n", ""},
+      {"", "@setslot(1)\n", 3, "script:1: a slot is two hexadecimal digits, such as 00 or 0C\n",
+       ""},
       // The whole script is checked before its first line.
       {"", kSelect + "00A4 @nosuch(1)\n", 3, "script:2: unknown command @nosuch\n", ""},
   });
@@ -189,7 +185,7 @@ TEST_F(Program, RefusesWhatNobodyMeans) {
        "the key of @des has no hexadecimal digit at column 27\n"
        "  %X = @des( ****************, **, *)\n                            ^\n"},
       {"%C = 01O345\n%X = @des(00 %C,11,1)\n",
-       "the key of @des has no hexadecimal digit at character 3 of %C\n  ******\n    ^\n"},
+       "the key of @des has no hexadecimal digit at character 3 of %C\n"},
       {k + "%X = @mac(%K,11%K,00,0)\n",
        "the data of @mac has no hexadecimal digit at column 16; a variable needs a blank before "
        "it\n  %X = @mac(%K,****,**,*)\n                 ^\n"},
@@ -198,7 +194,7 @@ TEST_F(Program, RefusesWhatNobodyMeans) {
        "  %X = @xor(0x12,FF)\n             ^\n"},
       {"%X = @xor(%V,FFFF)\n",
        "the data of @xor has no hexadecimal digit at character 3 of %V; a blank in a value counts "
-       "as a digit here\n  3F 00\n    ^\n",
+       "as a digit here\n",
        "-q -D V=\"3F 00\""},
       {"%X = @xor(112,FF)\n", "the data of @xor has an odd number of digits (3)\n"},
       {"%X = @xor(11,%E)\n", "the mask of @xor is empty\n", "-q -D E="},
@@ -211,11 +207,6 @@ TEST_F(Program, RefusesWhatNobodyMeans) {
        "the iv of @descbc has 17 octets; the most is 16\n"},
       {"%X = @HASH(" + octets(4097) + ")\n",
        "the hex of @HASH has 4097 octets; the most is 4096\n"},
-      {"%X = @HASH(%E)\n",
-       "the hex of @HASH has no hexadecimal digit at character 2 of %E (the library: "
-       "\u7B2C2\u4E2A\u5B57\u7B26\u4E0D\u662F16\u8FDB\u5236\u5B57\u7B26\uFF0C"
-       "\u8BF7\u68C0\u67E5\uFF01)\n  1G\n   ^\n",
-       "-q -D E=1G"},
       {"%X = @RSAPUBENC(FF,3,100)\n",
        "@RSAPUBENC: its data has 3 digits, its modulus 2; data can't be longer\n"},
       {"%X = @RSAPUBENC(FF,3,ff)\n",
@@ -233,6 +224,12 @@ TEST_F(Program, RefusesWhatNobodyMeans) {
     ExpectRows(
         {{row.options, row.script, 3, "script:" + std::to_string(line) + ": " + row.err, ""}});
   }
+  // What no look ahead can know is judged where it runs, with the library's own message.
+  EXPECT_EQ(RunOrvane("shell -D E=1G", "%X = @HASH(%E)\n").err,
+            "orvane: "
+            "the hex of @HASH has no hexadecimal digit at character 2 of %E (the library: "
+            "\u7B2C2\u4E2A\u5B57\u7B26\u4E0D\u662F16\u8FDB\u5236\u5B57\u7B26\uFF0C"
+            "\u8BF7\u68C0\u67E5\uFF01)\n  1G\n   ^\n");
   // The literals of a whole script are looked at before its first line.
   ExpectRows({{"", kSelect + "@compare(1,1,2)\n", 3,
                "script:2: the expected of @compare is neither 0 nor 1, but \"2\"\n", ""},
