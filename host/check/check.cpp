@@ -45,12 +45,7 @@ std::string ImpossibleStatusWord(const Expectation::Pattern& pattern) {
 
 class Checker::Work {
  public:
-  explicit Work(const Circumstances& circumstances) : defaultKind_(circumstances.defaultKind) {
-    kinds_[0] = circumstances.kind;
-    for (const auto& [name, value] : circumstances.variables) {
-      variables_.Define(name, Exactly(value));
-    }
-  }
+  explicit Work(const Circumstances& circumstances) : circumstances_(circumstances) { Begin(); }
 
   void Read(std::string_view line) {
     try {
@@ -83,10 +78,24 @@ class Checker::Work {
 
   std::vector<Diagnostic> End() {
     variables_.End();
-    return findings_.Sorted();
+    std::vector<Diagnostic> found = findings_.Sorted();
+    Begin();
+    return found;
   }
 
  private:
+  void Begin() {
+    findings_ = {};
+    stop_ = 0;
+    unreachableTold_ = belowCommand_ = false;
+    reader_ = 0;
+    kinds_.fill(std::nullopt);
+    kinds_[0] = circumstances_.kind;
+    for (const auto& [name, value] : circumstances_.variables) {
+      variables_.Define(name, Exactly(value));
+    }
+  }
+
   // Behind @stop() nothing is stored, and so nothing is known of variables.
   KnownVariables* Variables() { return stop_ == 0 ? &variables_ : nullptr; }
 
@@ -167,7 +176,7 @@ class Checker::Work {
     kinds_[reader_] = std::nullopt;
     if (!address.IsExact()) return;
     try {
-      kinds_[reader_] = ReadReaderAddress(address.begin, defaultKind_).kind;
+      kinds_[reader_] = ReadReaderAddress(address.begin, circumstances_.defaultKind).kind;
     } catch (const Failure&) {  // the run ends there, with another exit code
     }
   }
@@ -215,7 +224,7 @@ class Checker::Work {
                          " is not whole octets in hexadecimal: nothing can be expected of it");
   }
 
-  int32_t defaultKind_;
+  const Circumstances circumstances_;
   Findings findings_;
   KnownVariables variables_{findings_};
   std::array<std::optional<int32_t>, kReaders> kinds_;

@@ -48,7 +48,9 @@ class Checker {
   void Read(std::string_view line);
   void Read(const Statement& statement);
 
-  // All that is wrong, in the order of the places. Nothing can be read behind it.
+  // All that is wrong with the script, in the order of the places. What is read behind it is
+  // another script, which begins in the same circumstances and finds the variables of the one
+  // before.
   std::vector<Diagnostic> End();
 
  private:

@@ -25,7 +25,7 @@ class KnownVariables {
   // reported, once.
   Value Read(const std::string& name, size_t begin, size_t end);
 
-  // Reports the values that nothing reads; nothing follows.
+  // Reports the values that nothing has read.
   void End();
 
  private:
