@@ -81,7 +81,7 @@ void RunFile(const Options& options) {
   const Script script(options.file);
   Workplace workplace(options);
   LookAtScript(script, workplace.Work());
-  RefuseErrors(script, workplace.Beginning());
+  RefuseErrors({&script, 1}, workplace.Beginning());
   RunScriptFile(script, workplace.Work());
   workplace.Finish();
 }

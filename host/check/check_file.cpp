@@ -76,21 +76,23 @@ int CheckFiles(std::ostream& out, const std::vector<std::string>& files,
   return code;
 }
 
-void RefuseErrors(const Script& script, const Circumstances& circumstances) {
+void RefuseErrors(std::span<const Script> scripts, const Circumstances& circumstances) {
   Checker checker(circumstances);
-  script.ForEach([&](const Statement& statement, size_t) {
-    checker.Read(statement);
-    return true;
-  });
-  const std::vector<Diagnostic> found = checker.End();
-  const auto first = std::find_if(found.begin(), found.end(), IsError);
-  if (first == found.end()) return;
-  const auto errors = static_cast<size_t>(std::count_if(first, found.end(), IsError));
-  throw ScriptFailure(kScriptFault,
-                      script.Name() + ":" + std::to_string(first->line) + ": " + first->text +
-                          (errors > 1 ? "\n  and " + Counted(errors - 1, "more error") +
-                                            ", which orvane check shows"
-                                      : ""));
+  for (const Script& script : scripts) {
+    script.ForEach([&](const Statement& statement, size_t) {
+      checker.Read(statement);
+      return true;
+    });
+    const std::vector<Diagnostic> found = checker.End();
+    const auto first = std::find_if(found.begin(), found.end(), IsError);
+    if (first == found.end()) continue;
+    const auto more = static_cast<size_t>(std::count_if(first + 1, found.end(), IsError));
+    throw ScriptFailure(
+        kScriptFault,
+        script.Name() + ":" + std::to_string(first->line) + ": " + first->text +
+            (more > 0 ? "\n  and " + Counted(more, "more error") + ", which orvane check shows"
+                      : ""));
+  }
 }
 
 }  // namespace host

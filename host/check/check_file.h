@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ostream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,8 @@ Circumstances CircumstancesOf(const Options& options);
 int CheckFiles(std::ostream& out, const std::vector<std::string>& files,
                const Circumstances& circumstances, bool json);
 
-// Throws ScriptFailure with the first error of a script, if it has one.
-void RefuseErrors(const Script& script, const Circumstances& circumstances);
+// Throws ScriptFailure with the first error of scripts that run one behind the other, if there is
+// one.
+void RefuseErrors(std::span<const Script> scripts, const Circumstances& circumstances);
 
 }  // namespace host

@@ -109,10 +109,8 @@ class TestSession {
   void LookAtAll() {
     Readers none(options_.kind, options_.simulate, "");
     Session session(none, secrets_, recorder_, {.showSecrets = options_.showSecrets});
-    for (const Script& script : scripts_) {
-      LookAtScript(script, session);
-      RefuseErrors(script, beginning_);
-    }
+    for (const Script& script : scripts_) LookAtScript(script, session);
+    RefuseErrors(scripts_, beginning_);
   }
 
   void RunFiles() {

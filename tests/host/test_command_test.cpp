@@ -21,14 +21,17 @@ TEST_F(TestCommand, RunsEachCaseUpToItsFirstFailure) {
        "done  2 cases: 1 passed, 1 without an expectation  (",
        ""},
       {"",
-       "%A = 1\n$ B\n%B = 11\n@compare(%B,12,1)\n%B = 13\n$ C\n@compare(%B,11,1)\n$ D\n%U\n$ E\n",
+       "%A = 1\n$ B\n%B = 11\n@compare(%B,12,1)\n%B = 13\n$ C\n@compare(%B,11,1)\n$ D\n%U = "
+       "@RSAPUBENC(FF,3,FF)\n$ E\n",
        1,
        "- |(before the first heading)|FAIL     B |ok       C |BROKEN   D |-        E |"
        "\nB\nscript:4: not as expected: @compare(%B,12,1)\n  left   11\n  right  12\n|"
-       "\nD\nscript:9: undefined variable %U\n|\nfailed  5 cases: 1 passed, 1 failed, "
+       "\nD\nscript:9: @RSAPUBENC failed: |\nfailed  5 cases: 1 passed, 1 failed, "
        "1 broken off, 2 without",
        ""},
-      {"", "$ A\n%U\n$ B\n@compare(1,1,1)\n", 3, "BROKEN   A|ok       B|failed  2 cases", ""},
+      {"", "$ A\n%U = @RSAPUBENC(FF,3,FF)\n$ B\n@compare(1,1,1)\n", 3,
+       "BROKEN   A|ok       B|failed  2 cases", ""},
+      {"", "$ A\n@compare(1,1,1)\n$ B\n%U\n", 3, "", "script:4: undefined variable %U\n"},
       {"", "$ A\n@OPENREADER(nowhere)\n$ B\n00A40000\n", 4,
        "BROKEN   A|not run  B  there was trouble with reader or card|"
        "script:2: can't open the reader nowhere (PC/SC)|",
