@@ -33,21 +33,18 @@ TEST(Statements, OfAnySizeAreRead) {
 TEST(Commands, MakeValuesUpTo16MiBOnly) {
   SetVarValue("%HALF", std::string(8 << 20, 'A').c_str());
   EXPECT_EQ(RunOne("%MOST = @ASC2HEX(%HALF)").code, 0);
-  const struct {
-    std::string statement;
-    Outcome outcome;
-  } rows[] = {{"@strlen(%MOST)", {1, "16777216"}},
-              {"@strlen(%MOST 00)", {1, "16777218"}},
-              {"@strlen(@strmid(%MOST 00,1,99999999))", {1, ""}},
-              {"@strlen(@strmid(%MOST 00,2,99999999))", {1, "16777216"}},
-              {"@strlen(@xor(11,%MOST))", {1, "16777216"}},
-              {"%X = 00 @xor(11,%MOST 22) 33", {0, "0033"}},
-              {"%X = 00 @ASC2HEX(%HALF A) 33", {0, "0033"}},
-              {"@setslot(%MOST A)", {3, ""}},
-              {"%X = " + Nested(40, "AB", "@ASC2HEX("), {0, ""}}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(RunOne(row.statement), row.outcome) << row.statement.substr(0, 40);
-  }
+  const std::pair<std::string, Outcome> rows[] = {
+      {"@strlen(%MOST)", {1, "16777216"}},
+      {"@strlen(%MOST 00)", {1, "16777218"}},
+      {"@strlen(@strmid(%MOST 00,1,99999999))", {1, ""}},
+      {"@strlen(@strmid(%MOST 00,2,99999999))", {1, "16777216"}},
+      {"@strlen(@xor(11,%MOST))", {1, "16777216"}},
+      {"%X = 00 @xor(11,%MOST 22) 33", {0, "0033"}},
+      {"%X = 00 @ASC2HEX(%HALF A) 33", {0, "0033"}},
+      {"@setslot(%MOST A)", {3, ""}},
+      {"%X = " + Nested(40, "AB", "@ASC2HEX("), {0, ""}}};
+  for (const auto& [statement, outcome] : rows)
+    EXPECT_EQ(RunOne(statement), outcome) << statement.substr(0, 40);
 }
 
 }  // namespace
