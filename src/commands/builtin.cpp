@@ -5,8 +5,8 @@
 
 #include "engine/executor.h"
 #include "engine/tokeniser.h"
+#include "util/any_case.h"
 #include "util/hex.h"
-#include "util/upper_case.h"
 
 namespace orvane {
 namespace {

@@ -36,23 +36,6 @@ std::int32_t RunToCode(ScriptEngine& engine, std::string_view script) try {
 
 }  // namespace
 
-// Octets are taken eight at a time. The bit that tells lower from upper case does not count.
-std::size_t NameHash::operator()(std::string_view name) const {
-  constexpr std::uint64_t kCaseBits = 0x2020202020202020;
-  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
-  std::uint64_t hash = 0;
-  std::uint64_t octets = 0;
-  const auto mix = [&] { hash = ((hash ^ (octets | kCaseBits)) * kFactor) ^ (hash >> 29U); };
-  for (; name.size() >= sizeof octets; name.remove_prefix(sizeof octets)) {
-    std::memcpy(&octets, name.data(), sizeof octets);
-    mix();
-  }
-  octets = name.size();
-  for (const char c : name) octets = octets << 8U | static_cast<unsigned char>(c);
-  mix();
-  return static_cast<std::size_t>(hash);
-}
-
 ScriptEngine::ScriptEngine() {
   for (const char* name : {"SYS_RESP", "SYS_SW", "SYS_FUNCRTN", "SYS_STATE"}) variables[name];
 }

@@ -8,27 +8,15 @@
 #include <vector>
 
 #include "orvane.h"
-#include "util/upper_case.h"
+#include "util/any_case.h"
 
 namespace orvane {
 
 // The room for a statement's text.
 inline constexpr std::size_t kResultSize = 512;
 
-struct NameHash {
-  using is_transparent = void;
-  std::size_t operator()(std::string_view name) const;
-};
-
-struct NameEqual {
-  using is_transparent = void;
-  bool operator()(std::string_view left, std::string_view right) const {
-    return EqualInAnyCase(left, right);
-  }
-};
-
 // Names in upper case to values. A lookup takes a name in any case and makes no string of it.
-using VariableTable = std::unordered_map<std::string, std::string, NameHash, NameEqual>;
+using VariableTable = std::unordered_map<std::string, std::string, AnyCaseHash, AnyCaseEqual>;
 
 // Runs one statement at a time; only `variables` lives from one statement to the next.
 struct ScriptEngine {

@@ -1,6 +1,6 @@
 #include "tags/tag_dictionary.h"
 
-#include <cstring>
+#include <functional>
 #include <new>
 #include <string>
 
@@ -13,13 +13,9 @@ namespace {
 
 constexpr char kFileName[] = "dictdata.bin";
 
-unsigned char Upper(char c) {
-  return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
-}
-
 // The entry of the first record whose tag equals this one; none if there is none.
 template <typename Index, typename Equal>
-auto FindFirst(Index& index, const char* tag, Equal isEqual) {
+auto FindFirst(Index& index, std::string_view tag, Equal isEqual) {
   auto first = index.end();
   const auto [begin, end] = index.equal_range(tag);
   for (auto entry = begin; entry != end; ++entry) {
@@ -30,19 +26,6 @@ auto FindFirst(Index& index, const char* tag, Equal isEqual) {
 }
 
 }  // namespace
-
-std::size_t TagDictionary::AnyCase::operator()(const char* tag) const {
-  std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
-  for (; *tag != '\0'; ++tag) hash = (hash ^ Upper(*tag)) * 0x100000001B3;
-  return static_cast<std::size_t>(hash);
-}
-
-bool TagDictionary::AnyCase::operator()(const char* left, const char* right) const {
-  for (; Upper(*left) == Upper(*right); ++left, ++right) {
-    if (*left == '\0') return true;
-  }
-  return false;
-}
 
 bool TagDictionary::Load() {
   if (loaded_) return true;
@@ -76,7 +59,7 @@ std::int32_t TagDictionary::Copy(TagdictData* records) const {
 }
 
 const PackedRecord* TagDictionary::Find(const char* tag) const {
-  const auto found = FindFirst(index_, tag, AnyCase());
+  const auto found = FindFirst(index_, tag, AnyCaseEqual());
   return found != index_.end() ? &*found->second.record : nullptr;
 }
 
@@ -85,10 +68,7 @@ bool TagDictionary::Add(const TagdictData& record) { return Append(record, false
 bool TagDictionary::Update(const TagdictData& record) { return Append(record, true); }
 
 bool TagDictionary::Delete(const char* tag) {
-  const auto isEqual = [](const char* left, const char* right) {
-    return std::strcmp(left, right) == 0;
-  };
-  const auto found = FindFirst(index_, tag, isEqual);
+  const auto found = FindFirst(index_, tag, std::equal_to<std::string_view>());
   if (found == index_.end()) return false;
   const auto record = found->second.record;
   index_.erase(found);

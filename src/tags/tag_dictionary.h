@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <string_view>
 #include <unordered_map>
 
 #include "orvane.h"
 #include "tags/packed_record.h"
+#include "util/any_case.h"
 
 namespace orvane {
 
@@ -42,13 +44,8 @@ class TagDictionary {
     std::list<PackedRecord>::iterator record;
     std::uint64_t number;
   };
-  // The hash of a tag, and whether two are equal, with letters in either case.
-  struct AnyCase {
-    std::size_t operator()(const char* tag) const;
-    bool operator()(const char* left, const char* right) const;
-  };
   // By the tags that the records hold.
-  using Index = std::unordered_multimap<const char*, Place, AnyCase, AnyCase>;
+  using Index = std::unordered_multimap<std::string_view, Place, AnyCaseHash, AnyCaseEqual>;
 
   bool Append(const TagdictData& record, bool replace);
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace orvane {
+
+// a to z become A to Z; every other byte stays, whatever the locale.
+constexpr char UpperCase(char c) {
+  return static_cast<char>(c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c);
+}
+
+// These look texts up in a hash table, with letters in either case and without copies.
+struct AnyCaseEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view left, std::string_view right) const {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char l, char r) { return l == r || UpperCase(l) == UpperCase(r); });
+  }
+};
+
+struct AnyCaseHash {
+  using is_transparent = void;
+  // Takes eight octets at a time. The bit that tells lower from upper case does not count.
+  std::size_t operator()(std::string_view text) const {
+    constexpr std::uint64_t kCaseBits = 0x2020202020202020;
+    constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
+    std::uint64_t hash = 0;
+    std::uint64_t octets = 0;
+    const auto mix = [&] { hash = ((hash ^ (octets | kCaseBits)) * kFactor) ^ (hash >> 29U); };
+    for (; text.size() >= sizeof octets; text.remove_prefix(sizeof octets)) {
+      std::memcpy(&octets, text.data(), sizeof octets);
+      mix();
+    }
+    octets = text.size();
+    for (const char c : text) octets = octets << 8U | static_cast<unsigned char>(c);
+    mix();
+    return static_cast<std::size_t>(hash);
+  }
+};
+
+}  // namespace orvane
