@@ -11,9 +11,7 @@ namespace orvane_test {
 // Loads the module, so that the library finds this one and none that is installed.
 inline CryptoProvider LoadDefaultProvider() {
   const std::filesystem::path folder = u8"" ORVANE_BUILD_FOLDER;
-  std::string why;
-  void* const module = support::LoadModule(folder / support::ModuleFileName("orvane_crypto"), why);
-  if (module == nullptr) throw std::runtime_error(why);
+  void* const module = support::LoadModule(folder / support::ModuleFileName("orvane_crypto"));
   CryptoProvider provider{};
   const auto bind = [module](auto& entry, const char* name) {
     entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(

@@ -16,9 +16,7 @@ namespace fs = std::filesystem;
 
 // Ends the process: with 0 if every command fails, twice.
 [[noreturn]] void RunStatements(const fs::path& library) {
-  std::string why;
-  void* const loaded = support::LoadModule(library, why);
-  if (loaded == nullptr) std::exit(1);
+  void* const loaded = support::LoadModule(library);
   const auto run = reinterpret_cast<decltype(&RunScript)>(support::FindExport(loaded, "RunScript"));
   char result[512];
   for (int round = 0; round < 2; ++round) {

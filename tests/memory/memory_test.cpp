@@ -104,8 +104,7 @@ TEST(Memory, MissingInACommandIsAFailureOfTheStatement) {
 
 // The vendor module here allocates nothing, so that every allocation that counts is the library's.
 TEST(Memory, IsAskedForByOpeningAndNotByExchanges) {
-  std::string why;
-  ASSERT_NE(support::LoadModule(u8"" QUIET_WINSCARD, why), nullptr) << why;
+  support::LoadModule(u8"" QUIET_WINSCARD);
   const auto open = [] { return OpenReaderA("Quiet", ReaderKindPcsc); };
   char response[8193] = "untouched";
   ExpectFailures(open, [&] {

@@ -9,7 +9,7 @@ TEST_F(LibraryCopy, KeepsItsVariablesWhenItIsUnloaded) {
   void* library = LoadLibraryCopy(root_);
   EXPORT_OF(library, SetVarValue)("%KEPT", "1234");
   support::UnloadModule(library);
-  library = Load(root_ / kLibrary);
+  library = support::LoadModule(root_ / kLibrary);
   EXPECT_EQ(Run(library, "%KEPT"), "1234");
 }
 
@@ -27,35 +27,34 @@ TEST_F(LibraryCopy, TakesTheModuleThatItsHostHasLoaded) {
   Copy(kBuild, {"orvane"}, root_ / "library");
   Copy(kVendor, {"orvane_second", "dcrf32"}, root_ / "vendor");
   fs::current_path(root_ / "vendor");
-  Load(fs::path(".") / support::ModuleFileName("dcrf32"));
+  support::LoadModule(fs::path(".") / support::ModuleFileName("dcrf32"));
   fs::current_path(root_);
-  void* const library = Load(root_ / "library" / kLibrary);
+  void* const library = support::LoadModule(root_ / "library" / kLibrary);
   EXPECT_TRUE(OpensD8(library));
+}
+
+void CopyAll(const fs::path& folder) {
+  Copy(kBuild, {"orvane", "orvane_crypto", "wdcrwx"}, folder);
+  Copy(kVendor, {"orvane_second", "dcrf32"}, folder);
 }
 
 // What stands beside it and what that needs there, wherever its host has gone since.
 TEST_F(LibraryCopy, LooksInTheFolderThatItWasLoadedFrom) {
   const fs::path folder = fs::path(u8"bau ö (1)") / u8"Проект 中文";
-  Copy(kBuild, {"orvane", "orvane_crypto", "wdcrwx"}, root_ / folder);
-  Copy(kVendor, {"orvane_second", "dcrf32"}, root_ / folder);
+  CopyAll(root_ / folder);
   fs::current_path(root_);
-  void* const library = Load(folder / kLibrary);
+  void* const library = support::LoadModule(folder / kLibrary);
   PutFalseCryptoModule(root_ / "elsewhere" / folder);
   fs::current_path(root_ / "elsewhere");
-  EXPECT_TRUE(Encrypts(library));
-  EXPECT_TRUE(OpensD8(library));
-  EXPECT_EQ(EXPORT_OF(library, OpenReaderA)("WDUSB1", ReaderKindWd), 1);
+  ExpectAll(library);
 }
 
 TEST_F(LibraryCopy, MayStandDeep) {
   fs::path folder = root_;
   for (int i = 0; i < 3; ++i) folder /= std::string(100, 'a');
-  Copy(kBuild, {"orvane", "orvane_crypto", "wdcrwx"}, folder);
-  Copy(kVendor, {"orvane_second", "dcrf32"}, folder);
-  void* const library = Load(folder / kLibrary);
-  EXPECT_TRUE(Encrypts(library));
-  EXPECT_TRUE(OpensD8(library));
-  EXPECT_EQ(EXPORT_OF(library, OpenReaderA)("WDUSB1", ReaderKindWd), 1);
+  CopyAll(folder);
+  void* const library = support::LoadModule(folder / kLibrary);
+  ExpectAll(library);
 }
 
 }  // namespace

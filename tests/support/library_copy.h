@@ -6,7 +6,6 @@
 
 #include <filesystem>
 #include <initializer_list>
-#include <stdexcept>
 #include <string>
 
 #include "orvane.h"
@@ -23,27 +22,21 @@ const fs::path kVendor = kBuild / "tests" / "fake_vendor";
 #define EXPORT_OF(library, name) \
   reinterpret_cast<decltype(&name)>(support::FindExport(library, #name))
 
-inline void* Load(const fs::path& file) {
-  std::string why;
-  void* const module = support::LoadModule(file, why);
-  if (module == nullptr) throw std::runtime_error(why);
-  return module;
-}
-
 // Copies modules; the folder is made.
 inline void Copy(const fs::path& from, std::initializer_list<const char*> names,
                  const fs::path& to) {
   fs::create_directories(to);
   for (const char* name : names) {
     const std::string file = support::ModuleFileName(name);
-    fs::copy_file(from / file, to / file, fs::copy_options::overwrite_existing);
+    fs::remove(to / file);
+    fs::copy_file(from / file, to / file);
   }
 }
 
 // A copy of the library in that folder, which stays loaded.
 inline void* LoadLibraryCopy(const fs::path& folder) {
   Copy(kBuild, {"orvane"}, folder);
-  return Load(folder / support::ModuleFileName("orvane"));
+  return support::LoadModule(folder / support::ModuleFileName("orvane"));
 }
 
 inline void* LoadLibraryCopy() {
@@ -84,6 +77,12 @@ class LibraryCopy : public testing::Test {
 
   static bool OpensD8(void* library) {
     return EXPORT_OF(library, OpenReaderA)("COM1", ReaderKindD8) == 1;
+  }
+
+  static void ExpectAll(void* library) {
+    EXPECT_TRUE(Encrypts(library));
+    EXPECT_TRUE(OpensD8(library));
+    EXPECT_EQ(EXPORT_OF(library, OpenReaderA)("WDUSB1", ReaderKindWd), 1);
   }
 
   const fs::path root_ =

@@ -9,8 +9,8 @@ namespace support {
 // The file of a module asked for by this name: libwinscard.so or winscard.dll for "winscard".
 std::string ModuleFileName(const std::string& name);
 
-// Null if the file can't be loaded; why then says it.
-void* LoadModule(const std::filesystem::path& file, std::string& why);
+// Throws std::runtime_error if the file can't be loaded.
+void* LoadModule(const std::filesystem::path& file);
 
 // The module that stands loaded under this bare file name, or null. It is not kept loaded by this.
 void* FindLoadedModule(const std::string& fileName);

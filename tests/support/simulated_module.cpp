@@ -23,9 +23,7 @@ SimulatedModule::SimulatedModule(const std::string& vendor)
 
 SimulatedModule::SimulatedModule(const std::string& vendor, const std::filesystem::path& folder) {
   const std::string fileName = ModuleFileName(vendor);
-  std::string why;
-  module_ = LoadModule(folder / fileName, why);
-  if (!module_) throw std::runtime_error(why);
+  module_ = LoadModule(folder / fileName);
   if (FindLoadedModule(fileName) != module_) {
     UnloadModule(module_);
     throw std::runtime_error("another " + fileName + " is still loaded");
@@ -64,21 +62,15 @@ void SimulatedModule::InsertCard(bool present) const {
 
 void* SimulatedModule::Export(const char* name) const { return FindExport(module_, name); }
 
-void CopyWithout(const std::filesystem::path& file, const std::string& exported,
-                 const std::filesystem::path& copy) {
-  std::string octets = orvane_test::ReadFile(file).value_or("");
-  const std::string name = '\0' + exported + '\0';
-  auto at = octets.find(name);
-  if (at == octets.npos) throw std::runtime_error(file.string() + " has no " + exported);
-  // The last character, and to a lower one: the names of a DLL stand in their order.
-  for (; at != octets.npos; at = octets.find(name, at)) octets[at + exported.size()] = '!';
-  orvane_test::WriteFile(copy, octets);
-}
-
 void WriteModuleWithout(const std::string& vendor, const std::string& function,
                         const std::filesystem::path& folder) {
-  const std::string fileName = ModuleFileName(vendor);
-  CopyWithout(FolderOf(vendor) / fileName, function, folder / fileName);
+  const std::string fileName = ModuleFileName(vendor), name = '\0' + function + '\0';
+  std::string octets = orvane_test::ReadFile(FolderOf(vendor) / fileName).value_or("");
+  auto at = octets.find(name);
+  if (at == octets.npos) throw std::runtime_error(fileName + " has no " + function);
+  // The last character, and to a lower one: the names of a DLL stand in their order.
+  for (; at != octets.npos; at = octets.find(name, at)) octets[at + function.size()] = '!';
+  orvane_test::WriteFile(folder / fileName, octets);
 }
 
 SimulatedModule ModuleWithout(const std::string& vendor, const std::string& function) {

@@ -48,12 +48,8 @@ class SimulatedModule {
   std::filesystem::path temporaryFolder_;  // removed at the end unless empty
 };
 
-// Copies a module's file so that nobody finds this exported name in it. Throws std::runtime_error
-// if there is none.
-void CopyWithout(const std::filesystem::path& file, const std::string& exported,
-                 const std::filesystem::path& copy);
-
-// The same with the vendor's module, into a folder.
+// Copies the vendor's module into a folder so that nobody finds this exported name in it. Throws
+// std::runtime_error if there is none.
 void WriteModuleWithout(const std::string& vendor, const std::string& function,
                         const std::filesystem::path& folder);
 

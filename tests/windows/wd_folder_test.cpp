@@ -14,7 +14,7 @@ TEST(WdFolder, IsTheOnlyOneThatCounts) {
   const fs::path folder = fs::current_path() / u"\u0E27\u4E2D";
   fs::create_directory(folder);
   support::WriteModuleWithout("wdcrwx", "CT_open", folder);
-  void* const loaded = Load(folder / "wdcrwx.dll");
+  void* const loaded = support::LoadModule(folder / "wdcrwx.dll");
   EXPECT_EQ(OpenReaderA("WDUSB1", ReaderKindWd), 1) << "another of that name is loaded";
   EXPECT_EQ(OpenReader(1, 13, 9600), 0);
   support::UnloadModule(loaded);

@@ -15,7 +15,7 @@ class CryptoSearch : public LibraryCopy {
     SetEnvironmentVariableW(L"PATH", (root_ / "path").c_str());
   }
 
-  void* LoadLibrary() { return Load(root_ / "library" / "orvane.dll"); }
+  void* LoadLibrary() { return support::LoadModule(root_ / "library" / "orvane.dll"); }
 };
 
 TEST_F(CryptoSearch, PassesOverTheCurrentFolderAndPath) {
@@ -40,7 +40,7 @@ TEST_F(CryptoSearch, TakesALoadedOneBeforeAll) {
   PutFalseCryptoModule(root_ / "library");
   PutFalseCryptoModule(root_ / "added");
   AddDllDirectory((root_ / "added").make_preferred().c_str());
-  Load(root_ / "loaded" / "orvane_crypto.dll");
+  support::LoadModule(root_ / "loaded" / "orvane_crypto.dll");
   EXPECT_TRUE(Encrypts(LoadLibrary()));
 }
 

@@ -2,13 +2,15 @@
 
 #include <dlfcn.h>
 
+#include <stdexcept>
+
 namespace support {
 
 std::string ModuleFileName(const std::string& name) { return "lib" + name + ".so"; }
 
-void* LoadModule(const std::filesystem::path& file, std::string& why) {
+void* LoadModule(const std::filesystem::path& file) {
   void* const module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (!module) why = dlerror();
+  if (!module) throw std::runtime_error(dlerror());
   return module;
 }
 

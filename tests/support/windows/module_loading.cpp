@@ -2,13 +2,15 @@
 
 #include <windows.h>
 
+#include <stdexcept>
+
 namespace support {
 
 std::string ModuleFileName(const std::string& name) { return name + ".dll"; }
 
-void* LoadModule(const std::filesystem::path& file, std::string& why) {
+void* LoadModule(const std::filesystem::path& file) {
   void* const module = LoadLibraryW(file.c_str());
-  if (!module) why = file.string() + ": error " + std::to_string(GetLastError());
+  if (!module) throw std::runtime_error("error " + std::to_string(GetLastError()));
   return module;
 }
 
