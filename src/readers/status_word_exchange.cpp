@@ -33,7 +33,7 @@ bool CReaderToolBase::Exchange(const std::uint8_t*, std::uint32_t, Response&) { 
 
 bool CReaderToolBase::ExchangeOnce(const std::uint8_t* command, std::uint32_t length,
                                    Response& response) {
-  response.octets.fill(0);
+  response.octets = {};
   response.length = 0;
   response.statusWord = 0;
   if (!Exchange(command, length, response) || response.length > kResponseSize) return false;
