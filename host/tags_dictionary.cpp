@@ -109,22 +109,6 @@ std::vector<TagEntry> ReadEntries(FileReader& reader) {
   return entries;
 }
 
-}  // namespace
-
-std::vector<TagEntry> ReadDictionary() {
-  std::error_code error;
-  const fs::file_status status = fs::status(kDictionaryFile, error);
-  if (status.type() == fs::file_type::not_found) return {};
-  if (!fs::is_regular_file(status)) FailUnreadable();
-  std::ifstream in(kDictionaryFile, std::ios::binary);
-  if (!in) FailUnreadable();
-  FileReader reader(in);
-  if (reader.AtEnd()) return {};  // made, but never written to
-  return ReadEntries(reader);
-}
-
-namespace {
-
 std::string Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";
   const size_t begin = text.find_first_not_of(kBlanks);
@@ -203,6 +187,18 @@ void PrintEntry(std::ostream& out, const TagEntry& entry) {
 }
 
 }  // namespace
+
+std::vector<TagEntry> ReadDictionary() {
+  std::error_code error;
+  const fs::file_status status = fs::status(kDictionaryFile, error);
+  if (status.type() == fs::file_type::not_found) return {};
+  if (!fs::is_regular_file(status)) FailUnreadable();
+  std::ifstream in(kDictionaryFile, std::ios::binary);
+  if (!in) FailUnreadable();
+  FileReader reader(in);
+  if (reader.AtEnd()) return {};  // made, but never written to
+  return ReadEntries(reader);
+}
 
 void PrintTags(std::ostream& out) {
   for (const TagEntry& entry : ReadDictionary()) PrintEntry(out, entry);

@@ -19,25 +19,6 @@ std::wstring FromPage(UINT page, std::string_view text) {
   return wide;
 }
 
-}  // namespace
-
-std::optional<std::string> EnvironmentVariable(const std::string& name) {
-  const wchar_t* const value = _wgetenv(ToWide(name).c_str());
-  return value != nullptr ? std::optional<std::string>(FromWide(value)) : std::nullopt;
-}
-
-std::filesystem::path ProgramFolder() {
-  std::vector<wchar_t> name(32768);
-  const DWORD length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
-  return std::filesystem::path(name.data(), name.data() + length).parent_path();
-}
-
-void* LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()); }
-
-std::string ModuleFileName(std::string_view name) { return std::string(name) + ".dll"; }
-
-namespace {
-
 FoundModule Load(std::string_view name, Lookup lookup, DWORD besides) {
   const std::filesystem::path file = ModuleFileName(name);
   std::vector<wchar_t> path(32768);
@@ -63,7 +44,39 @@ FoundModule Load(std::string_view name, Lookup lookup, DWORD besides) {
   return {module, std::string(text.begin(), text.end())};
 }
 
+// The same for the same folder, however it is named.
+std::wstring LockName() {
+  std::wstring name = L"Orvane tags";
+  const HANDLE folder = CreateFileW(L".", FILE_READ_ATTRIBUTES,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  BY_HANDLE_FILE_INFORMATION information;
+  if (GetFileInformationByHandle(folder, &information) != 0) {
+    for (const DWORD part : {information.dwVolumeSerialNumber, information.nFileIndexHigh,
+                             information.nFileIndexLow}) {
+      name += L' ' + std::to_wstring(part);
+    }
+  }
+  CloseHandle(folder);
+  return name;
+}
+
 }  // namespace
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+  const wchar_t* const value = _wgetenv(ToWide(name).c_str());
+  return value != nullptr ? std::optional<std::string>(FromWide(value)) : std::nullopt;
+}
+
+std::filesystem::path ProgramFolder() {
+  std::vector<wchar_t> name(32768);
+  const DWORD length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
+  return std::filesystem::path(name.data(), name.data() + length).parent_path();
+}
+
+void* LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()); }
+
+std::string ModuleFileName(std::string_view name) { return std::string(name) + ".dll"; }
 
 FoundModule FindModule(std::string_view name, Lookup lookup) { return Load(name, lookup, 0); }
 
@@ -111,27 +124,6 @@ std::string ToLibrary(const std::string& name) {
 }
 
 std::string FromLibrary(std::string_view name) { return FromWide(FromPage(CP_ACP, name)); }
-
-namespace {
-
-// The same for the same folder, however it is named.
-std::wstring LockName() {
-  std::wstring name = L"Orvane tags";
-  const HANDLE folder = CreateFileW(L".", FILE_READ_ATTRIBUTES,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  BY_HANDLE_FILE_INFORMATION information;
-  if (GetFileInformationByHandle(folder, &information) != 0) {
-    for (const DWORD part : {information.dwVolumeSerialNumber, information.nFileIndexHigh,
-                             information.nFileIndexLow}) {
-      name += L' ' + std::to_wstring(part);
-    }
-  }
-  CloseHandle(folder);
-  return name;
-}
-
-}  // namespace
 
 FolderLock::FolderLock()
     : handle_(reinterpret_cast<std::intptr_t>(CreateMutexW(nullptr, FALSE, LockName().c_str()))) {
