@@ -195,7 +195,7 @@ class Checker::Work {
   }
 
   void CheckExpectation(const Statement& statement) {
-    const size_t begin = *FindExpectation(statement.text);
+    const size_t begin = statement.text.find_first_not_of(" \t", *FindExpectation(statement.text));
     const Expectation expectation = ReadExpectation(statement.text, begin);
     size_t at = begin;
     for (const Expectation::Pattern& pattern : expectation.patterns) {
