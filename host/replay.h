@@ -39,6 +39,7 @@ class Replay : public ExchangeListener {
   recordings::Recording recording_;
   std::map<int32_t, Differed*> simulators_;  // by kinds
   size_t commands_ = 0;
+  bool told_ = false;  // of the first command that is not as recorded
 };
 
 // Has the simulator of a kind of reader replay what is to be replayed, if anything is.

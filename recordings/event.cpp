@@ -55,7 +55,7 @@ std::string ReadText(const Json& line, const Field& field) {
   if (text == nullptr || !Has(*text, field.form)) {
     const std::string what = field.form == Form::kText         ? "text"
                              : field.form == Form::kStatusWord ? "status word of four digits"
-                                                               : "text of whole octets, 0 to F";
+                                                               : "text of whole octets, in digits 0 to 9 and A to F";
     throw BadEvent('"' + std::string(field.name) + "\" is no " + what);
   }
   return *text;

@@ -11,6 +11,7 @@
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/readers.h"
+#include "host/replay.h"
 #include "host/script.h"
 #include "host/session.h"
 #include "host/session_recorder.h"
@@ -57,6 +58,7 @@ class TestSession {
       : options_(options),
         beginning_(CircumstancesOf(options)),
         colour_(WantsColour(options)),
+        replay_(ReplayFor(options)),
         recording_(RecorderFor(options)),
         silent_(nullptr),
         recorder_(options.verbose && !options.quiet && !options.tap ? std::cout : silent_,
@@ -133,6 +135,7 @@ class TestSession {
     readers.Select("0");
     std::vector<ExchangeListener*> listeners = {&recorder_};
     if (recording_) listeners.push_back(recording_.get());
+    if (replay_) listeners.push_back(replay_.get());
     Session session(readers, secrets_, recorder_,
                     {.showSecrets = options_.showSecrets, .listeners = std::move(listeners)});
     StoreDefinitions(beginning_.variables, secrets_);
@@ -192,7 +195,9 @@ class TestSession {
   const Options& options_;
   Circumstances beginning_;
   bool colour_;
-  std::unique_ptr<SessionRecorder> recording_;  // outlives the readers
+  // These outlive the readers.
+  std::unique_ptr<Replay> replay_;
+  std::unique_ptr<SessionRecorder> recording_;
   std::ostream silent_;
   CaseRecorder recorder_;
   Secrets secrets_{Secrets::Flow::kInParts};
