@@ -1,7 +1,6 @@
 #include "host/response.h"
 
-#include <orvane.h>
-
+#include <orvane.hpp>
 #include <sstream>
 
 #include "host/reader_address.h"
@@ -11,15 +10,9 @@
 namespace host {
 namespace {
 
-constexpr std::string_view kSuccess = "9000";
-
-bool KeepsStatusWord(int32_t kind) {
-  return kind == ReaderKindWd || kind == ReaderKindS5009 || kind == ReaderKindS5009Ats;
-}
-
-bool StripsStatusWord(int32_t kind) {
-  return kind == ReaderKindPcsc || kind == ReaderKindD8 || kind == ReaderKindBsit;
-}
+using orvane::HasStatusWord;
+using orvane::LongestCommand;
+using orvane::MostData;
 
 std::string AskForLess(int32_t kind) {
   std::ostringstream text;
@@ -31,32 +24,10 @@ std::string AskForLess(int32_t kind) {
 
 }  // namespace
 
-bool HasStatusWord(int32_t kind) {
-  return kind != ReaderKindFm8201 && kind != ReaderKindTcp && kind != ReaderKindIcr;
-}
-
 std::optional<Response> ReadResponse(int32_t kind, int32_t result, std::string_view text) {
-  const std::string whole(text);
-  if (!HasStatusWord(kind)) {
-    return result != 0 ? std::optional(Response{whole, ""}) : std::nullopt;
-  }
-  if (result == 0) {
-    if (text.empty()) return std::nullopt;
-    // A response that ends in 9000 does not fail: this one begins so, and must not look like
-    // success.
-    return Response{"", text == kSuccess ? "" : whole, true};
-  }
-  if (KeepsStatusWord(kind) && text.ends_with(kSuccess)) {
-    return Response{whole.substr(0, whole.size() - kSuccess.size()), std::string(kSuccess)};
-  }
-  // Success with nothing but 9000 is a response without data here, not two bytes of data.
-  if (StripsStatusWord(kind) && text == kSuccess) return Response{"", whole};
-  return Response{whole, std::string(kSuccess)};
-}
-
-size_t LongestCommand(int32_t kind) {
-  if (kind == ReaderKindD8 || kind == ReaderKindWd) return 255;
-  return kind == ReaderKindS5009 || kind == ReaderKindS5009Ats ? 133 : kMostCommandOctets;
+  const std::optional<orvane::ResponseParts> parts = orvane::ReadResponse(kind, result, text);
+  if (!parts) return std::nullopt;
+  return Response{std::string(parts->data), std::string(parts->statusWord), !parts->ok};
 }
 
 std::string TooLong(const CardCommand& command, int32_t kind) {
@@ -64,11 +35,6 @@ std::string TooLong(const CardCommand& command, int32_t kind) {
   return "the command has " + Counted(command.Octets(), "byte") + ", and readers of the kind " +
          std::string(KindName(kind)) + " take " + std::to_string(LongestCommand(kind)) +
          " at most; nothing sent";
-}
-
-size_t MostData(int32_t kind) {
-  if (kind == ReaderKindS5009 || kind == ReaderKindS5009Ats) return 126;
-  return kind == ReaderKindTyUsb || kind == ReaderKindTyCom ? 256 : 254;
 }
 
 std::string TooMuchAsked(const CardCommand& command, int32_t kind) {

@@ -23,17 +23,9 @@ struct Response {
 // None if there was none.
 std::optional<Response> ReadResponse(int32_t kind, int32_t result, std::string_view text);
 
-// True for the kinds whose responses end in a status word.
-bool HasStatusWord(int32_t kind);
-
-// The most octets of a command that the library hands to a reader of this kind.
-size_t LongestCommand(int32_t kind);
-
-// What is wrong with a command that is longer than that; empty if it is not.
+// What is wrong with a command of more octets than go out to a reader of this kind; empty if it has
+// none too many.
 std::string TooLong(const CardCommand& command, int32_t kind);
-
-// The most octets of data that a response can bring in beside its status word.
-size_t MostData(int32_t kind);
 
 // What the status word of a failed response may be instead, and what to ask where more data is
 // offered than a response can bring in; empty where it is what it looks like.
