@@ -10,14 +10,13 @@
 #include "host/decode/decode.h"
 #include "host/definitions.h"
 #include "host/failure.h"
+#include "host/listeners.h"
 #include "host/options.h"
 #include "host/output.h"
 #include "host/platform.h"
 #include "host/reader_list.h"
-#include "host/replay.h"
 #include "host/script.h"
 #include "host/session.h"
-#include "host/session_recorder.h"
 #include "host/shell.h"
 #include "host/tags_dictionary.h"
 #include "host/test/test_command.h"
@@ -33,8 +32,7 @@ class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
       : beginning_(CircumstancesOf(options)),
-        replay_(ReplayFor(options)),
-        recorder_(RecorderFor(options)),
+        listeners_(options),
         readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
                  options.coldReset),
         silent_(nullptr),
@@ -43,7 +41,7 @@ class Workplace {
         session_(readers_, secrets_, trace_,
                  {.showSecrets = options.showSecrets,
                   .echoStatements = echoStatements,
-                  .listeners = Listeners()}) {
+                  .listeners = AllListeners()}) {
     StoreDefinitions(beginning_.variables, secrets_);
     if (!options.reader.empty()) session_.Open(options.reader);
   }
@@ -55,21 +53,18 @@ class Workplace {
   // To be called when all has gone well: throws Failure if the recording is not whole.
   void Finish() {
     readers_.CloseAll();
-    if (recorder_) recorder_->Finish();
+    listeners_.Finish();
   }
 
  private:
-  std::vector<ExchangeListener*> Listeners() {
-    std::vector<ExchangeListener*> listeners;
-    if (recorder_) listeners.push_back(recorder_.get());
-    if (replay_) listeners.push_back(replay_.get());
-    return listeners;
+  std::vector<ExchangeListener*> AllListeners() const {
+    std::vector<ExchangeListener*> all;
+    listeners_.AddTo(all);
+    return all;
   }
 
   Circumstances beginning_;
-  // These outlive the readers.
-  std::unique_ptr<Replay> replay_;
-  std::unique_ptr<SessionRecorder> recorder_;
+  Listeners listeners_;
   Readers readers_;
   Secrets secrets_;
   std::ostream silent_;

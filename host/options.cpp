@@ -37,7 +37,8 @@ Readers
 Scripts
   After a command %RESP holds the data of the answer and %SW its status word; after @reset()
   %ATR holds the answer to reset. A status word that tells of an error does not stop a
-  script: @compare(%SW,9000,1) does. The whole file is checked before its first line runs.
+  script: @compare(%SW,9000,1) does, and so does a comment below the command, ; expect 9000
+  (docs/language.md). The whole file is checked before its first line runs.
   @setreader(N) takes 0 to 15, @setslot(S) two hexadecimal digits.
   Scripts and all other texts are UTF-8, with or without a mark, or UTF-16 with one.
   In the shell Ctrl-C drops the line; during a command it waits for the answer, and a second
@@ -59,7 +60,7 @@ Tags
 
 Exit codes
   0  done
-  1  an expectation (@compare) did not hold, or there is no such tag
+  1  an expectation did not hold, or there is no such tag
   2  the command line is wrong
   3  the script or the data is wrong: an undefined variable, a command that is not
      hexadecimal, BER-TLV data that is cut, ...

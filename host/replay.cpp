@@ -71,7 +71,7 @@ void Replay::Exchanged(const CardExchange& exchange) {
   if (simulator == simulators_.end()) return;
   ++commands_;
   const int64_t line = simulator->second();
-  if (line == 0 || std::exchange(told_, true)) return;
+  if (line == 0 || std::exchange(differs_, true)) return;
   const auto expected = std::find_if(
       recording_.events.begin(), recording_.events.end(),
       [line](const RecordedEvent& event) { return static_cast<int64_t>(event.line) == line; });

@@ -28,6 +28,9 @@ class Replay : public ExchangeListener {
   void CardReset(size_t, const std::optional<std::string>&, const Timing&) override {}
   void Exchanged(const CardExchange& exchange) override;
 
+  // True from the first command on that is not as recorded.
+  bool Differs() const { return differs_; }
+
   // Has the simulator of a kind of reader replay it, unless that has been done.
   void BeginIn(int32_t kind, void* simulator);
 
@@ -39,7 +42,7 @@ class Replay : public ExchangeListener {
   recordings::Recording recording_;
   std::map<int32_t, Differed*> simulators_;  // by kinds
   size_t commands_ = 0;
-  bool told_ = false;  // of the first command that is not as recorded
+  bool differs_ = false;
 };
 
 // Has the simulator of a kind of reader replay what is to be replayed, if anything is.

@@ -9,12 +9,11 @@
 #include "host/check/check_file.h"
 #include "host/definitions.h"
 #include "host/failure.h"
+#include "host/listeners.h"
 #include "host/platform.h"
 #include "host/readers.h"
-#include "host/replay.h"
 #include "host/script.h"
 #include "host/session.h"
-#include "host/session_recorder.h"
 #include "host/test/case_recorder.h"
 #include "host/test/html_report.h"
 #include "host/test/junit_report.h"
@@ -40,7 +39,9 @@ void CheckFiles(const Options& options) {
   }
   std::vector<std::string> taken = options.tests;
   taken.insert(taken.end(), options.variableFiles.begin(), options.variableFiles.end());
-  if (!options.record.empty()) taken.push_back(options.record);
+  for (const std::string& file : {options.record, options.replay}) {
+    if (!file.empty()) taken.push_back(file);
+  }
   for (const std::string& report : {options.junit, options.html}) {
     if (report.empty()) continue;
     for (const std::string& file : taken) {
@@ -58,8 +59,7 @@ class TestSession {
       : options_(options),
         beginning_(CircumstancesOf(options)),
         colour_(WantsColour(options)),
-        replay_(ReplayFor(options)),
-        recording_(RecorderFor(options)),
+        listeners_(options),
         silent_(nullptr),
         recorder_(options.verbose && !options.quiet && !options.tap ? std::cout : silent_,
                   {.colour = colour_, .tlv = options.tlv}, !options.html.empty()) {
@@ -86,7 +86,7 @@ class TestSession {
       throw;
     }
     line.Clear();
-    if (recording_) recording_->Finish();
+    listeners_.Finish();
     const std::vector<Failure> unwritten = WriteReports();
     if (!options_.tap) PrintTable(std::cout, report_, colour_, options_.quiet);
     for (const Failure& failure : unwritten) PrintFailure(failure);
@@ -134,8 +134,7 @@ class TestSession {
                     EnvironmentVariable("ORVANE_READER").value_or(""), options_.coldReset);
     readers.Select("0");
     std::vector<ExchangeListener*> listeners = {&recorder_};
-    if (recording_) listeners.push_back(recording_.get());
-    if (replay_) listeners.push_back(replay_.get());
+    listeners_.AddTo(listeners);
     Session session(readers, secrets_, recorder_,
                     {.showSecrets = options_.showSecrets, .listeners = std::move(listeners)});
     StoreDefinitions(beginning_.variables, secrets_);
@@ -150,7 +149,8 @@ class TestSession {
                      [this] {
                        line_->Show();
                        return Interrupted();
-                     }});
+                     },
+                 .cardIsGone = [this] { return listeners_.Differ(); }});
     return run.Run();
   }
 
@@ -195,9 +195,7 @@ class TestSession {
   const Options& options_;
   Circumstances beginning_;
   bool colour_;
-  // These outlive the readers.
-  std::unique_ptr<Replay> replay_;
-  std::unique_ptr<SessionRecorder> recording_;
+  Listeners listeners_;
   std::ostream silent_;
   CaseRecorder recorder_;
   Secrets secrets_{Secrets::Flow::kInParts};

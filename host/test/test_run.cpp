@@ -102,6 +102,7 @@ void TestRun::Fail(const Failure& failure, size_t line) {
   case_->failedLine = line;
   if (failure.Code() == kInterrupted) Stop(Ending::kAll, "the run was interrupted");
   if (failure.Code() == kReaderFault) Stop(Ending::kFile, "there was trouble with reader or card");
+  if (hooks_.cardIsGone()) Stop(Ending::kAll, "a command before it is not as recorded");
   if (failFast_) Stop(Ending::kAll, "a case failed before it");
 }
 

@@ -23,6 +23,7 @@ class TestRun {
     std::function<void()> prepare;                  // what the first case does first
     std::function<void(const TestCase&)> caseDone;  // also of those that do not run
     std::function<bool()> interrupted;
+    std::function<bool()> cardIsGone;  // a replayed one, which has nothing more to say
   };
 
   TestRun(const Script& script, TestFile& file, Session& session, CaseRecorder& recorder,

@@ -70,8 +70,8 @@ class Table {
     add(counts.notRun, " not run");
     add(counts.passedOver, " passed over");
     out_ << '\n'
-         << (failed ? Paint("1;37;41", "failed") : Paint("32", "done")) << "  " << text << "  ("
-         << ShownDuration(report.duration) << ")\n"
+         << (failed ? Paint("1;37;41", "failed") : Paint("32", "done")) << "  " << text
+         << Paint("2", "\ntime    " + ShownDuration(report.duration)) << '\n'
          << std::flush;
   }
 

@@ -55,7 +55,7 @@ def strays(text):
     for kind, block in fences.findall(text):
         if kind == "sh":
             yield from re.findall(r"^(?!script/).+", block, re.M)
-        elif not re.fullmatch("console (?:checkout|(?:installed|zip)(?: reader)?|zip sh)|c|cpp|python|js|csharp|text|cmake|orvane", kind):
+        elif not re.fullmatch("console (?:checkout|(?:installed|zip)(?: reader)?|zip sh)|c|cpp|python|js|csharp|text|yaml|cmake|orvane", kind):
             yield f"```{kind}"
     prose = fences.sub("", text)
     yield from re.findall(rf"^(?: {{4,}}|\t)(?:\$ )?{tools} .*", prose, re.M)

@@ -18,7 +18,7 @@ TEST_F(TestCommand, RunsEachCaseUpToItsFirstFailure) {
   } rows[] = {
       {"", "$ A\n@reset()\n00A40000\n; expect 9000\n$ B\n%X = 1\n", 0,
        "script\n|ok       A  |1         1|-        B  |0         0|"
-       "done  2 cases: 1 passed, 1 without an expectation  (",
+       "done  2 cases: 1 passed, 1 without an expectation\ntime ",
        ""},
       {"",
        "%A = 1\n$ B\n%B = 11\n@compare(%B,12,1)\n%B = 13\n$ C\n@compare(%B,11,1)\n$ D\n%U = "
