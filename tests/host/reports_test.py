@@ -19,7 +19,7 @@ $ {HOSTILE}
 00200080 08 24 %PIN FFFFFFFFFF
 ; expect 9000
 $ Breaks off
-%A = %U
+%A = @RSAPUBENC(FF,3,FF)
 $ Ends the file
 @stop()
 $ Does not run
