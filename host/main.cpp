@@ -23,6 +23,7 @@
 #include "host/text.h"
 #include "host/text_input.h"
 #include "host/tlv.h"
+#include "host/trace/trace_command.h"
 
 namespace host {
 namespace {
@@ -163,6 +164,7 @@ int Carry(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("shell")) return StartShell(options);
   if (app.got_subcommand("readers")) ShowReaders(options);
   if (app.got_subcommand("tlv")) PrintTlv(std::cout, DataOf(options));
+  if (app.got_subcommand("trace")) return TraceRecording(options);
   if (app.got_subcommand("decode")) ShowDecoded(options);
   if (app.got_subcommand("tags")) EditTags(*app.get_subcommand("tags"), options);
   return kDone;

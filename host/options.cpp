@@ -300,6 +300,26 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(shell, options);
   AddTlv(shell, options);
 
+  CLI::App& trace =
+      *app.add_subcommand("trace", "Show a recording, compare two, or make something else of one");
+  trace.add_option("FILE", options.file, "The recording")->required();
+  CLI::Option* diff = trace
+                          .add_option("--diff", options.other,
+                                      "Show where this recording parts from FILE, and give exit "
+                                      "code 1 if it does")
+                          ->type_name("OTHER");
+  CLI::Option* script = trace.add_flag(
+      "--script", options.asScript, "Print a script that repeats it and expects what was recorded");
+  trace
+      .add_option("--pcap", options.pcap,
+                  "Write what Wireshark takes apart as ISO/IEC 7816; hidden data is 00")
+      ->type_name("OUT")
+      ->excludes(diff, script);
+  script->excludes(diff);
+  trace.add_flag("--times", options.times, "Show when each command came, and what it took");
+  AddTrace(trace, options);
+  AddTlv(trace, options);
+
   std::vector<std::string> kinds = DecodedKinds();
   kinds.emplace_back("tlv");
   CLI::App& decode = *app.add_subcommand("decode", "Show what data of a card says, field by field");

@@ -14,7 +14,7 @@ namespace host {
 
 // What the command line says.
 struct Options {
-  std::string file;                   // run
+  std::string file;                   // run, trace
   std::vector<std::string> tests;     // test; files
   std::string only;                   // test; a part of a case's name
   std::string junit, html;            // test; files, empty for none
@@ -27,6 +27,9 @@ struct Options {
   std::string expected;               // apdu; a pattern, empty for none
   std::string decodedKind;            // decode
   std::vector<std::string> data;      // decode, tlv
+  std::string other, pcap;            // trace; files, empty for none
+  bool asScript = false;              // trace
+  bool times = false;                 // trace
   TagEntry entry;                     // tags find, add, remove
   std::string tagList;                // tags import
   bool replace = false;               // tags add
