@@ -15,11 +15,11 @@
  *  - What can't be done is thrown: ScriptError by a statement that failed, ReaderError where a
  *    reader or card doesn't answer, DataError for input that can't be meant. A status word other
  *    than 9000 is an answer, and no failure.
- *  - Texts that the library writes into an area of a known size come back in an object of that
- * size: nothing is allocated beside what a std::string or std::vector in a signature says.
+ *  - Texts that the library writes into an area of a known size come back in an object of it:
+ *    nothing is allocated beside what a std::string or std::vector in a signature says.
  *  - Hexadecimal text is as in orvane.h, but an odd number of digits is refused.
- *  - The rules of orvane.h for threads hold. Readers that are opened by orvane.h's own functions in
- *    the same process take the numbers of these: use one or the other.
+ *  - The rules of orvane.h for threads hold. Readers that something else in the process opens, by
+ *    orvane.h's own functions or from another DLL, take the numbers of these: use one way.
  */
 #ifndef ORVANE_HPP
 #define ORVANE_HPP
