@@ -17,6 +17,7 @@ constexpr std::string_view kHelp =
     "  @OPENREADER(reader)  @setreader(number)  @setslot(slot)  @reset()\n"
     "                            @reset() leaves a PIN verified on PC/SC: see orvane --help\n"
     "  @compare(left, right, 1)  says whether they are equal; with 0, whether they differ\n"
+    "  ; expect 61XX or 9000     says whether the response to the command above is like this\n"
     "  help, quit\n";
 
 // In a script such a line is a command to the card. Here it is what one types to look at a value,

@@ -101,6 +101,26 @@ def interrupt_a_command():
             assert terminal.exit_code() == -signal.SIGINT
 
 
+def interrupt_a_test_run():
+    with open("checks", "w") as checks:
+        checks.write("$ Asks\nABCDEF01\n; expect AB .. EF01\n$ Asks again\nAB\n")
+    for answers in (True, False):
+        machine = SlowMachine()
+        terminal = Terminal(f"exec {{}} test -r 10:{machine.address} --junit junit checks")
+        terminal.wait_for("0 of 2 cases, 0 failed")
+        assert machine.asked.wait(30)
+        terminal.type(CTRL_C)
+        if answers:
+            machine.answers.set()
+            terminal.wait_for("interrupted")
+            assert terminal.exit_code() == 130
+            assert b'skipped message="the run was interrupted"' in open("junit", "rb").read()
+        else:
+            terminal.wait_for("^C")
+            terminal.type(CTRL_C)
+            assert terminal.exit_code() == -signal.SIGINT
+
+
 def lose_input_in_the_middle():
     # What reads from a terminal's other end is told of an error once nobody is at the terminal.
     other_end, terminal = pty.openpty()
@@ -119,6 +139,7 @@ else:
     run("exec {} shell", store, (PROMPT, "%A = 12"), ("12", CTRL_C), show, ("Müller中", ""),
         (PROMPT, CTRL_D), ("\n", ""))
     interrupt_a_command()
+    interrupt_a_test_run()
     lose_input_in_the_middle()
     run("{} shell | tee log", (PROMPT, "%A = 1x" + BACKSPACE + "2\r"), show, ("=    12", CTRL_D))
     log = open("log").read()
