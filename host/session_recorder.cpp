@@ -159,6 +159,10 @@ std::unique_ptr<SessionRecorder> RecorderFor(const Options& options) {
   const std::string file =
       options.record.empty() ? EnvironmentVariable("ORVANE_RECORD").value_or("") : options.record;
   if (file.empty()) return nullptr;
+  std::error_code error;
+  if (std::filesystem::equivalent(PathOf(file), PathOf(options.replay), error)) {
+    throw Failure(kUsageFault, "the recording would take the place of the one that is replayed");
+  }
   return std::make_unique<SessionRecorder>(file, options.showSecrets);
 }
 
