@@ -86,9 +86,7 @@ int32_t Readers::CurrentKind() const {
   return ReadReaderAddress(defaultReader_, defaultKind_).kind;
 }
 
-Framing Readers::CurrentFraming() const {
-  return FramingOf(CurrentKind());
-}
+Framing Readers::CurrentFraming() const { return FramingOf(CurrentKind()); }
 
 bool Readers::Simulated() const {
   const int32_t kind = CurrentKind();
