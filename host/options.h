@@ -18,9 +18,6 @@ struct Options {
   std::vector<std::string> tests;     // test; files
   std::string only;                   // test; a part of a case's name
   std::string junit, html;            // test; files, empty for none
-  bool tap = false;                   // test
-  bool failFast = false;              // test
-  bool verbose = false;               // test
   std::vector<std::string> files;     // check
   std::string format = "text";        // check
   std::vector<std::string> commands;  // apdu
@@ -28,11 +25,8 @@ struct Options {
   std::string decodedKind;            // decode
   std::vector<std::string> data;      // decode, tlv
   std::string other, pcap;            // trace; files, empty for none
-  bool asScript = false;              // trace
-  bool times = false;                 // trace
   TagEntry entry;                     // tags find, add, remove
   std::string tagList;                // tags import
-  bool replace = false;               // tags add
   int32_t listedKind = 0;             // readers; 0 is all of them
   int32_t ports = 0;                  // readers
   std::string reader;                 // empty: none is named
@@ -41,10 +35,16 @@ struct Options {
   std::vector<std::string> variableFiles;  // of such lines
   std::vector<std::string> environment;    // names
   std::string colour = "auto";
-  bool simulate = false;
   std::string replay;     // a file; it goes with simulate
-  bool anyOrder = false;  // goes with replay
   std::string record;     // a file; empty: nothing is recorded
+  bool asScript = false;  // trace
+  bool times = false;     // trace
+  bool replace = false;   // tags add
+  bool tap = false;       // test
+  bool failFast = false;  // test
+  bool verbose = false;   // test
+  bool simulate = false;
+  bool anyOrder = false;  // goes with replay
   bool coldReset = false;
   bool quiet = false;
   bool showSecrets = false;

@@ -41,7 +41,8 @@ bool OutputIsTerminal();
 std::optional<std::string> EditLine(const std::string& prompt);
 
 // From the first call on, the first Ctrl-C (on POSIX, also what else asks a program to end) is only
-// noted, and the second one ends the program.
+// noted, and the second one ends the program; and a write that can't be done fails, which ends no
+// program.
 void NoteInterrupts();
 bool Interrupted();
 

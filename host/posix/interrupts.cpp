@@ -22,7 +22,8 @@ void NoteInterrupts() {
   action.sa_handler = Note;
   action.sa_flags = SA_RESTART;  // the libraries of readers know nothing of interrupted calls
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
-  std::signal(SIGXFSZ, SIG_IGN);  // the write that goes past a limit of file sizes tells of it
+  // The write that goes past a limit of file sizes, or to nobody, tells of it.
+  for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
 }
 
 bool Interrupted() { return noted != 0; }

@@ -76,8 +76,7 @@ class TestSession {
     NoteInterrupts();
     const size_t cases = Count(report_).all;
     const bool progress = !options_.tap && !options_.quiet && !options_.verbose;
-    ProgressLine line(std::cout, progress && OutputIsTerminal(), cases);
-    line_ = &line;
+    line_.emplace(std::cout, progress && OutputIsTerminal(), cases);
     if (options_.tap) tap_.emplace(std::cout, cases);
     try {
       RunFiles();
@@ -85,7 +84,7 @@ class TestSession {
       WriteReports();
       throw;
     }
-    line.Clear();
+    line_->Clear();
     listeners_.Finish();
     const std::vector<Failure> unwritten = WriteReports();
     if (!options_.tap) PrintTable(std::cout, report_, colour_, options_.quiet);
@@ -203,7 +202,7 @@ class TestSession {
   TestReport report_;
   std::optional<ReportFile> junit_, html_;
   std::optional<TapReport> tap_;
-  ProgressLine* line_ = nullptr;
+  std::optional<ProgressLine> line_;
 };
 
 }  // namespace
