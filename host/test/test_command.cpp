@@ -98,6 +98,7 @@ class TestSession {
     for (const Script& script : scripts_) {
       TestFile& file = report_.files.emplace_back();
       file.name = script.Name();
+      file.begin = std::chrono::system_clock::now();
       file.cases = CasesOf(script, options_.only);
       if (file.cases.empty()) throw Failure(kScriptFault, Printable(file.name) + " has no case");
     }
@@ -153,11 +154,8 @@ class TestSession {
     return run.Run();
   }
 
-  void PassOver(TestFile& file) {
-    for (TestCase& each : file.cases) {
-      if (each.state == CaseState::kNotRun) each.reason = "the run ended before its file";
-      CaseDone(file, each);
-    }
+  void PassOver(const TestFile& file) {
+    for (const TestCase& each : file.cases) CaseDone(file, each);
   }
 
   void CaseDone(const TestFile& file, const TestCase& done) {

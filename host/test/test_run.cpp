@@ -8,6 +8,7 @@ namespace host {
 namespace {
 
 constexpr const char* kBeforeHeadings = "(before the first heading)";
+constexpr const char* kEndedBefore = "the run ended before it";
 constexpr const char* kNotAsked = "--only asks for others";
 
 }  // namespace
@@ -29,7 +30,7 @@ std::vector<TestCase> CasesOf(const Script& script, const std::string& only) {
   });
   for (TestCase& each : cases) {
     if (!asked) each.state = CaseState::kPassedOver;
-    if (each.state == CaseState::kPassedOver) each.reason = kNotAsked;
+    each.reason = each.state == CaseState::kPassedOver ? kNotAsked : kEndedBefore;
   }
   return cases;
 }
@@ -62,6 +63,7 @@ void TestRun::Begin() {
   End();
   case_ = &file_.cases[next_++];
   over_ = case_->state == CaseState::kPassedOver;
+  if (!over_) case_->reason.clear();
   recorder_.Enter(*case_);
   start_ = std::chrono::steady_clock::now();
 }
@@ -87,8 +89,8 @@ bool TestRun::Visit(const Statement& statement, size_t line) {
     if (case_ != nullptr && hooks_.interrupted()) throw Failure(kInterrupted, "interrupted");
     if (!session_.Run(statement, line)) Stop(Ending::kFile, "@stop() stands before it");
   } catch (const Failure& failure) {
+    if (case_ != nullptr) Fail(failure, line);
     if (failure.Code() == kFileFault) throw;
-    Fail(failure, line);
     session_.PassOver(statement);
   }
   return ending_ == Ending::kNone;

@@ -96,6 +96,12 @@ with tempfile.TemporaryDirectory() as name:
         assert b"4711" not in report, report
     check_page(html, folder)
 
+    # A run that its output or a report's disk cuts off is no success in any report.
+    with open("/dev/full", "wb") as full:
+        cut = subprocess.run([*command, "-v", "--junit", str(junit)], stdout=full, stderr=subprocess.PIPE)
+    assert cut.returncode == 5 and b'errors="1" skipped="4"' in junit.read_bytes(), (cut, junit.read_text())
+    assert b"can't write /dev/full" in subprocess.run([*command, "--html", "/dev/full"], capture_output=True).stderr
+
     script.write_text("".join(f"$ Case {at}\n" + "00A40400 08 F04F5256414E4501 00\n; expect 9000\n" * 25 for at in range(400))
                       + "$ Fails\n00840000 01\n; expect 6700\n")
     run(*command, "--html", str(html), code=1)
