@@ -70,27 +70,16 @@ Value Length(const Value& text, size_t unit) {
   return text.whole ? Exactly(std::to_string(text.begin.size() / unit)) : AnyText();
 }
 
-unsigned Octet(std::string_view digits) {
-  unsigned octet = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), octet, 16);
-  return octet;
-}
-
-std::string HexOf(unsigned octet) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  return {kDigits[octet >> 4 & 0xF], kDigits[octet & 0xF]};
-}
-
 Value Xor(const Value& data, const Value& mask) {
   if (!mask.whole) return DigitsUpTo(mask.most);
   if (!mask.IsExact() || !data.IsExact()) return DigitsOf(mask.begin.size());
   std::string folded;
   for (size_t at = 0; at < mask.begin.size(); at += 2) {
-    unsigned octet = Octet(mask.begin.substr(at, 2));
+    unsigned octet = HexValue(mask.begin.substr(at, 2));
     for (size_t each = at; each < data.begin.size(); each += mask.begin.size()) {
-      octet ^= Octet(data.begin.substr(each, 2));
+      octet ^= HexValue(data.begin.substr(each, 2));
     }
-    folded += HexOf(octet);
+    folded += HexOctet(octet);
   }
   return Exactly(folded);
 }
@@ -100,7 +89,7 @@ Value HexOfText(const Value& text) {
   std::string digits;
   for (const char c : text.begin) {
     digits += c == Value::kUnknown ? std::string(2, Value::kUnknown)
-                                   : HexOf(static_cast<unsigned char>(c));
+                                   : HexOctet(static_cast<unsigned char>(c));
   }
   return {.begin = digits};
 }
@@ -110,7 +99,7 @@ Value TextOfHex(const Value& hex) {
   const std::string digits = WithoutBlanks(hex.begin);
   std::string text;
   for (size_t at = 0; at + 2 <= digits.size(); at += 2) {
-    const unsigned octet = Octet(std::string_view(digits).substr(at, 2));
+    const unsigned octet = HexValue(std::string_view(digits).substr(at, 2));
     if (octet == 0) break;
     text += static_cast<char>(octet);
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 namespace orvane::platform {
 
 // A dynamic library, loaded for as long as this object holds it. Empty when there is none.
@@ -7,8 +9,11 @@ class Module {
  public:
   Module() = default;
   explicit Module(void* handle) : handle_(handle) {}
-  Module(Module&& other) noexcept;
-  Module& operator=(Module&& other) noexcept;
+  Module(Module&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Module& operator=(Module&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
   ~Module();
 
   explicit operator bool() const { return handle_ != nullptr; }

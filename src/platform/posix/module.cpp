@@ -71,13 +71,6 @@ Module FindLoaded(const std::string& name) {
 
 }  // namespace
 
-Module::Module(Module&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-
-Module& Module::operator=(Module&& other) noexcept {
-  std::swap(handle_, other.handle_);
-  return *this;
-}
-
 Module::~Module() {
   if (handle_ != nullptr) dlclose(handle_);
 }

@@ -48,13 +48,6 @@ Module LoadFromChosenFolders(const char* fileName) {
 
 }  // namespace
 
-Module::Module(Module&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-
-Module& Module::operator=(Module&& other) noexcept {
-  std::swap(handle_, other.handle_);
-  return *this;
-}
-
 Module::~Module() {
   if (handle_ != nullptr) FreeLibrary(static_cast<HMODULE>(handle_));
 }
