@@ -55,6 +55,18 @@ std::unique_ptr<BlockAreas> FillAreas(const std::string& key, const std::string&
   return std::make_unique<BlockAreas>(key, data, iv);
 }
 
+// What @descbc and @mac take.
+struct ChainedArguments {
+  std::string key;
+  std::string data;
+  std::string iv;
+  std::string flag;
+
+  bool Read(CommandCall& call) {
+    return ReadKey(call, key) && call.ReadNext(data) && call.ReadNext(iv) && call.ReadNext(flag);
+  }
+};
+
 bool IsLongKey(const std::string& key) { return ByteCount(key) > 8; }
 
 bool GiveOctets(CommandCall& call, const std::uint8_t* area, std::size_t size, std::int32_t count) {
@@ -104,36 +116,26 @@ bool Des(CommandCall& call) {
 }
 
 bool DesCbc(CommandCall& call) {
-  std::string key;
-  std::string data;
-  std::string iv;
-  std::string flag;
-  if (!ReadKey(call, key) || !call.ReadNext(data) || !call.ReadNext(iv) || !call.ReadNext(flag)) {
-    return false;
-  }
+  ChainedArguments given;
+  if (!given.Read(call)) return false;
   call.Close();
-  const auto areas = FillAreas(key, data, iv);
-  return areas && RunBlockEntry(call, *areas, flag, IsLongKey(key) ? 4 : 3, true);
+  const auto areas = FillAreas(given.key, given.data, given.iv);
+  return areas && RunBlockEntry(call, *areas, given.flag, IsLongKey(given.key) ? 4 : 3, true);
 }
 
 bool Mac(CommandCall& call) {
-  std::string key;
-  std::string data;
-  std::string iv;
-  std::string flag;
-  if (!ReadKey(call, key) || !call.ReadNext(data) || !call.ReadNext(iv) || !call.ReadNext(flag)) {
-    return false;
-  }
-  const auto areas = FillAreas(key, data, iv);
+  ChainedArguments given;
+  if (!given.Read(call)) return false;
+  const auto areas = FillAreas(given.key, given.data, given.iv);
   if (!areas) return false;
   const CryptoMacEntry entry = BoundCryptoProvider().CryptoMac;
   if (entry == nullptr) return false;
   areas->resultCount = 0;
   CallProvider(entry, areas->key.octets, areas->key.count, areas->data.octets, areas->data.count,
                areas->iv.octets, areas->iv.count, areas->result, &areas->resultCount,
-               IsLongKey(key) ? 1 : 0);
+               IsLongKey(given.key) ? 1 : 0);
   if (!GiveResult(call, *areas)) return false;
-  if (flag == "1") call.out.erase(std::min<std::size_t>(8, call.out.size()));
+  if (given.flag == "1") call.out.erase(std::min<std::size_t>(8, call.out.size()));
   call.Close();
   return true;
 }
