@@ -43,15 +43,15 @@ constexpr CommandEntry kCommandTable[] = {
     {"@HASH", 1, 19, Hash},
 };
 
-// All zero for a word that is no keyword.
-CommandEntry FindCommand(std::string_view word) {
+// Null for a word that is no keyword.
+const CommandEntry* FindCommand(std::string_view word) {
   const auto matches = [](char c, char upper) { return UpperCase(c) == upper; };
   for (const CommandEntry& entry : kCommandTable) {
     if (std::equal(word.begin(), word.end(), entry.keyword.begin(), entry.keyword.end(), matches)) {
-      return entry;
+      return &entry;
     }
   }
-  return {};
+  return nullptr;
 }
 
 class DepthGuard {
@@ -95,17 +95,17 @@ void CommandCall::GiveHex(const unsigned char* octets, std::size_t count) {
 
 bool RunBuiltin(ScriptEngine& engine, std::string& out, std::size_t& position) try {
   if (ClassifyToken(TokenAt(engine, position + 1)) != ClassOpen) return false;
-  const CommandEntry command = FindCommand(TokenAt(engine, position));
-  if (command.commandId == 0) return false;
+  const CommandEntry* const command = FindCommand(TokenAt(engine, position));
+  if (command == nullptr) return false;
 
   const DepthGuard guard(engine.callDepth);
   if (engine.callDepth > kDeepestCall) {
     out.clear();
     return false;
   }
-  if (command.argumentCount > 0) position += 2;
+  if (command->argumentCount > 0) position += 2;
   CommandCall call{engine, out, position};
-  return command.body(call);
+  return command->body(call);
 } catch (...) {
   return false;
 }

@@ -43,8 +43,9 @@ std::int32_t Split(ScriptEngine& engine) {
   auto& tokens = engine.tokens;
   const char* word = engine.statement.data();
   const char* const end = word + engine.statement.size();
-  for (const char* next = word; next != end; ++next) {
-    if (kWordCharacters[static_cast<unsigned char>(*next)]) continue;
+  for (const char* next = word;; ++next) {
+    while (next != end && kWordCharacters[static_cast<unsigned char>(*next)]) ++next;
+    if (next == end) break;
     engine.tokenCount = static_cast<std::int32_t>(tokens.size());
     const bool isBlank = *next == ' ' || *next == '\t';
     if (!isBlank) {
