@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/text_end.h"
+
 namespace orvane {
 namespace {
 
@@ -79,8 +81,9 @@ void EncodeHex(const unsigned char* octets, std::size_t count, char* text) {
 bool DecodeHex(std::string_view text, unsigned char* octets) {
   constexpr std::size_t kBlockDigits = 2 * kBlockOctets;
   // Whole blocks are only read where the text has not ended before its size.
-  std::size_t blocks =
-      text.size() < kBlockDigits ? 0 : text.substr(0, text.find('\0')).size() / kBlockDigits;
+  std::size_t blocks = text.size() < kBlockDigits
+                           ? 0
+                           : platform::LengthUpTo(text.data(), text.size()) / kBlockDigits;
   for (; blocks > 0 && DecodeBlock(text.data(), octets); --blocks) {
     text.remove_prefix(kBlockDigits);
     octets += kBlockOctets;
