@@ -12,7 +12,7 @@ std::string_view OctetReader::Take(size_t octets) {
 
 void AddFlags(Decoding& decoding, std::span<const Flag> flags, std::string_view digits,
               const std::string& indent) {
-  for (unsigned octet = 1; octet <= digits.size() / 2; ++octet) {
+  for (size_t octet = 1; octet <= digits.size() / 2; ++octet) {
     const std::string_view part = digits.substr(2 * (octet - 1), 2);
     const unsigned value = HexValue(part);
     decoding.fields.push_back(

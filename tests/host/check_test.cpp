@@ -123,7 +123,7 @@ TEST(Check, IsWhatRunDoesFirst) {
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err,
             "script:2: undefined variable %U\n  and 1 more error, which orvane check shows\n");
-  const Outcome json = RunOrvane("check --format json script - <in", "\xFF%\xFF = 1\n");
+  const Outcome json = RunOrvane("check --format json script -", "\xFF%\xFF = 1\n");
   EXPECT_EQ(json.exitCode, 3);
   EXPECT_TRUE(Shows(json.out,
                     "\"line\": 3,\n    \"column\": 1,\n    \"severity\": \"error\",\n    "
