@@ -57,6 +57,9 @@ std::optional<std::string> EnvironmentVariable(const std::string& name);
 // Where this program's file stands. Throws Failure (kReaderFault) if the system doesn't tell.
 std::filesystem::path ProgramFolder();
 
+// Where the simulators and the recorder of an installation stand.
+std::filesystem::path ModulesFolder();
+
 // Loads a module for the rest of the process's life; what is looked for under its bare file name
 // later is then this one. Null if it can't be loaded.
 void* LoadModule(const std::filesystem::path& file);

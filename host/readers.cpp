@@ -13,10 +13,6 @@
 #include "host/session_recorder.h"
 #include "host/text.h"
 
-#ifndef INSTALLED_SIMULATORS  // from the program's folder, if there is an installation
-#define INSTALLED_SIMULATORS "simulators"
-#endif
-
 namespace host {
 namespace {
 
@@ -43,8 +39,7 @@ std::optional<std::string> ReadAtr() {
 void LoadSimulator(int32_t kind) {
   if (KindLibrary(kind).empty() || kind == ReaderKindWd) return;
   const std::string file = ModuleFileName(KindLibrary(kind));
-  const auto beside = ProgramFolder() / "simulators",
-             installed = (ProgramFolder() / INSTALLED_SIMULATORS).lexically_normal();
+  const auto beside = ProgramFolder() / "simulators", installed = ModulesFolder() / "simulators";
   std::error_code error;
   const auto module = (std::filesystem::exists(beside / file, error) ? beside : installed) / file;
   if (void* const simulator = LoadModule(module)) {

@@ -9,10 +9,6 @@
 #include "host/text.h"
 #include "recorder/recorder.h"
 
-#ifndef INSTALLED_RECORDER  // from the program's folder, if there is an installation
-#define INSTALLED_RECORDER "recorder"
-#endif
-
 namespace host {
 namespace {
 
@@ -39,7 +35,7 @@ void LoadRecorder() {
   if (recorder != nullptr) return;
   const std::string name = ModuleFileName("winscard");
   const std::filesystem::path beside = ProgramFolder() / "recorder" / name;
-  const auto installed = (ProgramFolder() / INSTALLED_RECORDER / name).lexically_normal();
+  const std::filesystem::path installed = ModulesFolder() / "recorder" / name;
   for (const std::filesystem::path& file : {beside, installed}) {
     recorder = LoadModule(file);
     recorderFile = file;

@@ -53,13 +53,26 @@ void* LoadModule(const std::filesystem::path& file) {
 
 std::string ModuleFileName(std::string_view name) { return "lib" + std::string(name) + ".so"; }
 
-FoundModule FindModule(std::string_view name, Lookup lookup) {
-  const std::string file = ModuleFileName(name);
+// As the process has loaded it; without links if they are followed.
+static std::filesystem::path LibraryFolder(bool followLinks) {
   Dl_info library{};
   dladdr(dlsym(RTLD_DEFAULT, "RunScript"), &library);
-  const auto folder = std::filesystem::path(library.dli_fname).parent_path();
-  std::vector<std::string> places = {folder / file, folder / "orvane" / file};
-  if (lookup != Lookup::kBesideLibrary) places.insert(places.begin(), file);
+  const std::filesystem::path file = library.dli_fname;
+  std::error_code error;
+  const auto target = followLinks ? std::filesystem::canonical(file, error) : file;
+  return (error ? file : target).parent_path();
+}
+
+std::filesystem::path ModulesFolder() { return LibraryFolder(true) / "orvane"; }
+
+FoundModule FindModule(std::string_view name, Lookup lookup) {
+  const std::string file = ModuleFileName(name);
+  const auto folder = LibraryFolder(false), target = LibraryFolder(true);
+  std::vector<std::string> places = {folder / file, target / file};
+  if (lookup != Lookup::kBesideLibrary) {
+    places.insert(places.begin(), file);
+    places.insert(places.end(), {folder / "orvane" / file, target / "orvane" / file});
+  }
   std::string message = "not found";
   for (const std::string& place : places) {
     if (void* const module = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL)) {

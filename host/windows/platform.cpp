@@ -74,6 +74,8 @@ std::filesystem::path ProgramFolder() {
   return std::filesystem::path(name.data(), name.data() + length).parent_path();
 }
 
+std::filesystem::path ModulesFolder() { return ProgramFolder(); }
+
 void* LoadModule(const std::filesystem::path& file) { return LoadLibraryW(file.c_str()); }
 
 std::string ModuleFileName(std::string_view name) { return std::string(name) + ".dll"; }

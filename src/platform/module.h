@@ -30,7 +30,8 @@ class Module {
 //  - among the libraries of the process, by its own name or that of its file,
 //  - where the system looks for libraries,
 //  - on Windows, in folders that the host has named to AddDllDirectory,
-//  - in the folder of this library.
+//  - in the folder of this library,
+//  - on POSIX, in orvane/ below that folder, where our own modules are installed.
 Module LoadModule(const char* fileName);
 
 // The same for a module that is given secrets: on Windows the current folder and PATH are left out.

@@ -69,6 +69,13 @@ Module FindLoaded(const std::string& name) {
   return search.path.empty() ? Module() : Open(search.path, RTLD_NOLOAD);
 }
 
+Module OpenInOwnFolder(const std::string& name) {
+  Module module = OpenIn(FolderOfOwnName(), name);
+  // A link to the library may stand elsewhere than what belongs to it.
+  if (module || kOwnFile == nullptr) return module;
+  return OpenIn(FolderOf(kOwnFile), name);
+}
+
 }  // namespace
 
 Module::~Module() {
@@ -83,17 +90,14 @@ Module LoadModule(const char* fileName) {
   const std::string name = SharedObjectName(fileName);
   Module module = FindLoaded(name);
   if (!module) module = Open(name);
-  return module ? std::move(module) : LoadModuleFromOwnFolder(fileName);
+  if (!module) module = OpenInOwnFolder(name);
+  return module ? std::move(module) : OpenInOwnFolder("orvane/" + name);
 }
 
 Module LoadOwnModule(const char* fileName) { return LoadModule(fileName); }
 
 Module LoadModuleFromOwnFolder(const char* fileName) {
-  const std::string name = SharedObjectName(fileName);
-  Module module = OpenIn(FolderOfOwnName(), name);
-  // A link to the library may stand elsewhere than what belongs to it.
-  if (module || kOwnFile == nullptr) return module;
-  return OpenIn(FolderOf(kOwnFile), name);
+  return OpenInOwnFolder(SharedObjectName(fileName));
 }
 
 }  // namespace orvane::platform
