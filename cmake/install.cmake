@@ -1,5 +1,5 @@
-# What is installed, where, and how it is packed. On Windows everything stands in one folder, as
-# programs there look for DLLs in their own.
+# What is installed, and where. On Windows everything stands in one folder, as programs there look for
+# DLLs in their own.
 if(WIN32)
   set(CMAKE_INSTALL_BINDIR .)
   set(CMAKE_INSTALL_LIBDIR .)
@@ -9,19 +9,7 @@ elseif(NOT CMAKE_INSTALL_DOCDIR)
 endif()
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
-if(WIN32)
-  set(module_prefix "")
-  set(simulators_folder simulators)
-  set(recorder_folder recorder)
-  set(package_folder cmake)
-  set(pkgconfig_folder pkgconfig)
-else()
-  set(module_prefix lib)
-  set(simulators_folder lib/orvane/simulators)
-  set(recorder_folder lib/orvane/recorder)
-  set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Orvane)
-  set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endif()
+set(architecture_folder lib/${CMAKE_LIBRARY_ARCHITECTURE})
 
 # How to get from one folder of the installation to another: relative_path(result from to).
 function(relative_path result from to)
@@ -30,17 +18,128 @@ function(relative_path result from to)
   set(${result} ${path} PARENT_SCOPE)
 endfunction()
 
+if(ORVANE_TOOLS)
+  # The program looks for modules where the library does.
+  set(run_path $ORIGIN)
+  foreach(folder ${CMAKE_INSTALL_LIBDIR} ${architecture_folder})
+    relative_path(libraries ${CMAKE_INSTALL_BINDIR} ${folder})
+    list(APPEND run_path $ORIGIN/${libraries} $ORIGIN/${libraries}/orvane)
+  endforeach()
+  list(REMOVE_DUPLICATES run_path)
+  set_target_properties(orvane_host PROPERTIES
+    INSTALL_RPATH "${run_path}" BUILD_WITH_INSTALL_RPATH ON)
+  relative_path(documents ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_DOCDIR})
+  target_compile_definitions(orvane_host_parts PRIVATE
+    "INSTALLED_EXAMPLES=\"${documents}/examples\"")
+endif()
+
+# The folders of the installation that the rules below are for. Its libraries are in libdir, the names
+# of its components begin with prefix. With EXCLUDE_FROM_ALL only those who name a component install it.
+macro(choose_installation libdir_ prefix_)
+  set(libdir ${libdir_})
+  set(prefix ${prefix_})
+  set(exclude ${ARGN})
+  set(generated ${PROJECT_BINARY_DIR}/${prefix}installation)
+  if(WIN32)
+    set(module_prefix "")
+    set(modules_folder .)
+    set(simulators_folder simulators)
+    set(recorder_folder recorder)
+    set(package_folder cmake)
+    set(pkgconfig_folder pkgconfig)
+  else()
+    set(module_prefix lib)
+    set(modules_folder ${libdir}/orvane)
+    set(simulators_folder ${modules_folder}/simulators)
+    set(recorder_folder ${modules_folder}/recorder)
+    set(package_folder ${libdir}/cmake/Orvane)
+    set(pkgconfig_folder ${libdir}/pkgconfig)
+  endif()
+endmacro()
+
 # Modules that are found by name at run time: their import libraries stay behind.
 function(install_modules component folder)
   install(TARGETS ${ARGN}
-    RUNTIME DESTINATION ${folder} COMPONENT ${component}
-    LIBRARY DESTINATION ${folder} COMPONENT ${component}
+    RUNTIME DESTINATION ${folder} COMPONENT ${component} ${exclude}
+    LIBRARY DESTINATION ${folder} COMPONENT ${component} ${exclude}
     ARCHIVE DESTINATION ${folder} COMPONENT unused EXCLUDE_FROM_ALL)
 endfunction()
 
+# WD's simulator in a folder of its own: beside the library it would stand in the place of the
+# vendor's, which the library takes from there and from nowhere else.
+function(install_simulators)
+  get_property(simulators GLOBAL PROPERTY ORVANE_SIMULATORS)
+  list(REMOVE_ITEM simulators simulator_wdcrwx)
+  install_modules(${prefix}simulators ${simulators_folder} ${simulators})
+  install_modules(${prefix}simulators ${simulators_folder}/wd simulator_wdcrwx)
+  if(WIN32)
+    return()
+  endif()
+  # The library loaded under one of these names has that folder for its own.
+  relative_path(libraries ${simulators_folder}/wd ${libdir})
+  foreach(name liborvane.so liborvane.so.${PROJECT_VERSION_MAJOR})
+    file(MAKE_DIRECTORY ${generated}/wd)
+    file(CREATE_LINK ${libraries}/${name} ${generated}/wd/${name} SYMBOLIC)
+    install(FILES ${generated}/wd/${name} DESTINATION ${simulators_folder}/wd
+            COMPONENT ${prefix}simulators ${exclude})
+  endforeach()
+endfunction()
+
+# What a host is built with.
+function(install_development)
+  install(FILES include/orvane.h include/orvane.hpp TYPE INCLUDE
+          COMPONENT ${prefix}development ${exclude})
+  install(FILES src/commands/crypto_provider.h simulators/simulator.h
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvane COMPONENT ${prefix}development ${exclude})
+  if(TARGET orvane_lib)
+    install(FILES ${PROJECT_BINARY_DIR}/orvane.lib TYPE LIB COMPONENT ${prefix}development)
+  endif()
+  get_property(simulator_names GLOBAL PROPERTY ORVANE_SIMULATORS)
+  list(TRANSFORM simulator_names REPLACE "^simulator_" "")
+  list(JOIN simulator_names " " simulator_names)
+  configure_package_config_file(cmake/OrvaneConfig.cmake.in ${generated}/OrvaneConfig.cmake
+    INSTALL_DESTINATION ${package_folder} NO_SET_AND_CHECK_MACRO)
+  write_basic_package_version_file(${generated}/OrvaneConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+  install(EXPORT ${prefix}Orvane NAMESPACE Orvane:: FILE OrvaneTargets.cmake
+          DESTINATION ${package_folder} COMPONENT ${prefix}development ${exclude})
+  install(FILES ${generated}/OrvaneConfig.cmake ${generated}/OrvaneConfigVersion.cmake
+          DESTINATION ${package_folder} COMPONENT ${prefix}development ${exclude})
+  relative_path(up ${pkgconfig_folder} "")
+  configure_file(cmake/orvane.pc.in ${generated}/orvane.pc @ONLY)
+  install(FILES ${generated}/orvane.pc DESTINATION ${pkgconfig_folder}
+          COMPONENT ${prefix}development ${exclude})
+endfunction()
+
+# The rules of the installation whose folders are chosen.
+function(install_all)
+  install(TARGETS orvane EXPORT ${prefix}Orvane
+    RUNTIME COMPONENT ${prefix}library ${exclude}
+    LIBRARY DESTINATION ${libdir} COMPONENT ${prefix}library ${exclude}
+            NAMELINK_COMPONENT ${prefix}development
+    ARCHIVE DESTINATION ${libdir} COMPONENT ${prefix}development ${exclude}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  foreach(module orvane_crypto winscard)
+    if(TARGET ${module})
+      install_modules(${prefix}library ${modules_folder} ${module})
+    endif()
+  endforeach()
+  if(ORVANE_TOOLS)
+    install(TARGETS orvane_host COMPONENT ${prefix}program ${exclude})
+    install_modules(${prefix}program ${recorder_folder} recorder)
+    install_simulators()
+  endif()
+  install_development()
+  install(FILES README.md CHANGELOG.md TYPE DOC COMPONENT ${prefix}program ${exclude})
+  install(DIRECTORY docs examples TYPE DOC COMPONENT ${prefix}program ${exclude}
+          PATTERN build EXCLUDE PATTERN node_modules EXCLUDE)
+endfunction()
+
+choose_installation(${CMAKE_INSTALL_LIBDIR} "")
+
 # Folders that an installation makes are open to everybody, whatever the umask; others stay as they
 # are.
-set(folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_INCLUDEDIR}/orvane
+set(folders ${CMAKE_INSTALL_BINDIR} ${libdir} ${CMAKE_INSTALL_INCLUDEDIR}/orvane
     ${CMAKE_INSTALL_DOCDIR} ${simulators_folder}/wd ${recorder_folder} ${package_folder}
     ${pkgconfig_folder})
 install(CODE "set(folders \"${folders}\")" ALL_COMPONENTS)
@@ -55,71 +154,8 @@ install(CODE [[
   endforeach()
 ]] ALL_COMPONENTS)
 
-install(TARGETS orvane EXPORT Orvane RUNTIME COMPONENT library LIBRARY COMPONENT library
-        ARCHIVE COMPONENT development INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-foreach(module orvane_crypto winscard)
-  if(TARGET ${module})
-    install_modules(library ${CMAKE_INSTALL_LIBDIR} ${module})
-  endif()
-endforeach()
-
-if(ORVANE_TOOLS)
-  relative_path(libraries ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
-  set_target_properties(orvane_host PROPERTIES
-    INSTALL_RPATH "$ORIGIN;$ORIGIN/${libraries}" BUILD_WITH_INSTALL_RPATH ON)
-  install(TARGETS orvane_host COMPONENT program)
-  relative_path(simulators ${CMAKE_INSTALL_BINDIR} ${simulators_folder})
-  relative_path(recorder ${CMAKE_INSTALL_BINDIR} ${recorder_folder})
-  install_modules(program ${recorder_folder} recorder)
-  relative_path(documents ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_DOCDIR})
-  target_compile_definitions(orvane_host_parts PRIVATE
-    "INSTALLED_SIMULATORS=\"${simulators}\"" "INSTALLED_RECORDER=\"${recorder}\""
-    "INSTALLED_EXAMPLES=\"${documents}/examples\"")
-
-  # WD's simulator in a folder of its own: beside the library it would stand in the place of the
-  # vendor's, which the library takes from there and from nowhere else.
-  get_property(simulators GLOBAL PROPERTY ORVANE_SIMULATORS)
-  list(REMOVE_ITEM simulators simulator_wdcrwx)
-  install_modules(simulators ${simulators_folder} ${simulators})
-  install_modules(simulators ${simulators_folder}/wd simulator_wdcrwx)
-  get_property(simulator_names GLOBAL PROPERTY ORVANE_SIMULATORS)
-  list(TRANSFORM simulator_names REPLACE "^simulator_" "")
-  list(JOIN simulator_names " " simulator_names)
-  if(NOT WIN32)
-    # The library loaded under one of these names has that folder for its own.
-    relative_path(libraries ${simulators_folder}/wd ${CMAKE_INSTALL_LIBDIR})
-    foreach(name liborvane.so liborvane.so.${PROJECT_VERSION_MAJOR})
-      file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/wd)
-      file(CREATE_LINK ${libraries}/${name} ${PROJECT_BINARY_DIR}/wd/${name} SYMBOLIC)
-      install(FILES ${PROJECT_BINARY_DIR}/wd/${name} DESTINATION ${simulators_folder}/wd
-              COMPONENT simulators)
-    endforeach()
-  endif()
-endif()
-
-# What a host is built with.
-install(FILES include/orvane.h include/orvane.hpp TYPE INCLUDE COMPONENT development)
-install(FILES src/commands/crypto_provider.h simulators/simulator.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvane
-        COMPONENT development)
-if(TARGET orvane_lib)
-  install(FILES ${PROJECT_BINARY_DIR}/orvane.lib TYPE LIB COMPONENT development)
-endif()
-configure_package_config_file(cmake/OrvaneConfig.cmake.in OrvaneConfig.cmake
-  INSTALL_DESTINATION ${package_folder} NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file(OrvaneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(EXPORT Orvane NAMESPACE Orvane:: FILE OrvaneTargets.cmake DESTINATION ${package_folder}
-        COMPONENT development)
-install(FILES ${PROJECT_BINARY_DIR}/OrvaneConfig.cmake
-              ${PROJECT_BINARY_DIR}/OrvaneConfigVersion.cmake
-        DESTINATION ${package_folder} COMPONENT development)
-relative_path(up ${pkgconfig_folder} "")
-configure_file(cmake/orvane.pc.in orvane.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/orvane.pc DESTINATION ${pkgconfig_folder}
-        COMPONENT development)
-
-install(FILES README.md LICENSE CHANGELOG.md TYPE DOC COMPONENT documentation)
-install(DIRECTORY docs examples TYPE DOC COMPONENT documentation
-        PATTERN build EXCLUDE PATTERN node_modules EXCLUDE)
+install_all()
+install(FILES LICENSE TYPE DOC COMPONENT program)
 if(WIN32)
   # orvane_crypto.dll and the simulators contain these.
   foreach(library libgcrypt libgpg-error)
@@ -139,27 +175,6 @@ install(CODE [[
   endforeach()
 ]] ALL_COMPONENTS)
 
-# For script/package.
-if(NOT PROJECT_IS_TOP_LEVEL)
-  return()
+if(PROJECT_IS_TOP_LEVEL AND ORVANE_TOOLS)
+  include(cmake/package.cmake)
 endif()
-set(CPACK_PACKAGE_NAME orvane)
-set(CPACK_PACKAGE_VENDOR "the Orvane authors")
-set(CPACK_PACKAGE_CONTACT "the Orvane authors <orvane@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
-set(CPACK_VERBATIM_VARIABLES ON)
-set(CPACK_STRIP_FILES ON)
-if(WIN32)
-  set(CPACK_GENERATOR ZIP)
-else()
-  set(CPACK_GENERATOR DEB)
-  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-  set(CPACK_DEBIAN_PACKAGE_SECTION libs)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-  # The PC/SC module loads pcsc-lite when it is first called, the program libedit when a person types.
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libpcsclite1, pcscd, libedit2")
-endif()
-include(CPack)

@@ -35,12 +35,12 @@ case $name in
     closed=$(find "$prefix" -not -type l -not -perm -u=rw,go=r -o -type d -not -perm 755)
     [ -z "$closed" ] || fail "not everybody reads $closed"
     # Nothing simulated stands where vendor libraries are looked for.
-    ! grep -l SimulatorRestart "$prefix"/lib/*.so || fail "a simulator beside the library"
+    ! grep -l SimulatorRestart "$prefix"/lib/{,orvane/}*.so || fail "a simulator beside the library"
     grep -q SimulatorRestart "$simulators/libwinscard.so" || fail "no simulator"
     ;;
   hardening)
     need readelf
-    for binary in "$prefix"/{bin/orvane,lib/liborvane.so,lib/lib{orvane_crypto,winscard}.so} "$simulators"/{,wd/}lib*.so; do
+    for binary in "$prefix"/{bin/orvane,lib/liborvane.so,lib/orvane/lib{orvane_crypto,winscard}.so} "$simulators"/{,wd/}lib*.so; do
       facts=$(readelf --wide --program-headers --dynamic --dyn-syms --file-header "$binary")
       for fact in 'Type: *DYN' 'GNU_STACK.* RW ' GNU_RELRO BIND_NOW __stack_chk_fail; do
         grep -q "$fact" <<<"$facts" || fail "$binary lacks $fact"
@@ -63,7 +63,7 @@ case $name in
     "$prefix/bin/orvane" run --simulate "$script" >out || fail "$(cat out)"
     tail -n 1 out | grep -qx 'done  3 commands sent, 3 expectations met' || fail "$(cat out)"
     "$prefix/bin/orvane" readers >out
-    grep -q 'PC/SC  *libwinscard.so  */.*libwinscard.so' out || fail "$(cat out)"
+    grep -q 'PC/SC  *libwinscard.so  */.*/lib/orvane/libwinscard.so' out || fail "$(cat out)"
     grep -q 'D8  *libdcrf32.so  *not found' out || fail "$(cat out)"
     # WD's, and the crypto module, which is not in the folder of the link.
     LD_LIBRARY_PATH=$simulators/wd "$prefix/bin/orvane" run --simulate -r 4:WDUSB1 \
@@ -155,15 +155,25 @@ case $name in
     ;;
   debian)
     need dpkg-deb dpkg-shlibdeps file
-    package=$("$root/script/package" debian "$build")
-    cp "$package" first.deb
+    packages=($("$root/script/package" debian "$build"))
+    cp "${packages[@]}" .
     sleep 1
     (umask 077 && "$root/script/package" debian "$build") >log
-    cmp first.deb "$package" || fail "the second package is another"
-    dpkg-deb -x "$package" .
-    diff <(files_in "$prefix") <(files_in usr) || fail "the package holds other files"
-    usr/bin/orvane run --simulate "usr/share/doc/orvane/examples/payment.orv" >out || fail "$(cat out)"
-    dpkg-deb -f "$package" Depends | tr ',' '\n' | grep -q '^ *libgcrypt20 ' || fail "no dependencies"
+    for package in *.deb; do
+      cmp "$package" "$build/package/$package" || fail "the second package is another"
+      dpkg-deb -x "$package" .
+    done
+    # The installation, with the libraries in the architecture's folder, and what Debian wants to be told.
+    libraries=lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
+    diff <(files_in "$prefix" | grep -v LICENSE | sed "s,^lib/,$libraries/," | LC_ALL=C sort) \
+      <(files_in usr | grep -Ev 'share/doc/[^/]*/(changelog.gz|copyright)$') || fail "the packages hold other files"
+    dpkg-deb -f liborvane1_*.deb Depends | tr ',' '\n' | grep -q '^ *libgcrypt20 ' || fail "no dependencies"
+    dpkg-deb --ctrl-tarfile liborvane1_*.deb | tar -xO ./symbols |
+      diff <(grep '^  ' "$root/src/orvane.def" | sort) <(sed -n 's/^ \(.*\)@Base .*/  \1/p' | sort) || fail "other symbols"
+    need lintian
+    lintian --allow-root --suppress-tags no-manual-page --fail-on error,warning *.deb >log 2>&1 || fail "$(cat log)"
+    [ "$(id -u)" = 0 ] || { echo "skipped: only root tries them in a copy of this system"; exit 77; }
+    unshare --mount --pid --fork bash "$here/debian_test.sh" . <"$here/exchange.txt" || fail "installed"
     ;;
   *) fail "there is no case $name" ;;
 esac

@@ -1,0 +1,12 @@
+# For script/package: how it is packed.
+set(CPACK_PACKAGE_NAME orvane)
+set(CPACK_PACKAGE_VENDOR "the Orvane authors")
+set(CPACK_PACKAGE_CONTACT "the Orvane authors <maintainers@orvane.example>")
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_STRIP_FILES ON)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  include(cmake/debian/package.cmake)
+endif()
+include(CPack)
