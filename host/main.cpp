@@ -11,6 +11,7 @@
 #include "host/definitions.h"
 #include "host/failure.h"
 #include "host/listeners.h"
+#include "host/lsp/server.h"
 #include "host/options.h"
 #include "host/output.h"
 #include "host/platform.h"
@@ -160,6 +161,7 @@ int Carry(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("check")) {
     return CheckFiles(std::cout, options.files, CircumstancesOf(options), options.format == "json");
   }
+  if (app.got_subcommand("lsp")) return ServeEditor(CircumstancesOf(options));
   if (app.got_subcommand("apdu")) SendCommands(options);
   if (app.got_subcommand("shell")) return StartShell(options);
   if (app.got_subcommand("readers")) ShowReaders(options);

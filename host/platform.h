@@ -32,6 +32,9 @@ std::ptrdiff_t WriteSome(int descriptor, std::string_view text);
 // has NO_COLOR. Makes a terminal ready for them where that takes a call, until the program ends.
 bool OutputTakesColour();
 
+// Standard output takes what is written to it octet by octet from now on.
+void WriteOctets();
+
 bool InputIsTerminal();
 bool OutputIsTerminal();
 

@@ -76,6 +76,11 @@ class Checker::Work {
     CheckCommand(statement);
   }
 
+  Value Follow(const Statement& statement) {
+    findings_.BeginLine(statement.text);
+    return OperandCheck(statement, findings_, Variables()).Follow(nullptr).value;
+  }
+
   std::vector<Diagnostic> End() {
     variables_.End();
     std::vector<Diagnostic> found = findings_.Sorted();
@@ -242,6 +247,8 @@ Checker::~Checker() = default;
 void Checker::Read(std::string_view line) { work_->Read(line); }
 
 void Checker::Read(const Statement& statement) { work_->Read(statement); }
+
+Value Checker::Follow(const Statement& statement) { return work_->Follow(statement); }
 
 std::vector<Diagnostic> Checker::End() { return work_->End(); }
 

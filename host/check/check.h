@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/check/value.h"
 #include "host/statement.h"
 
 namespace host {
@@ -47,6 +48,10 @@ class Checker {
   // The next line, without its end; the second for one that has been read already.
   void Read(std::string_view line);
   void Read(const Statement& statement);
+
+  // What is known of what a statement evaluates behind the lines that were read. What is wrong with
+  // it counts as a line's.
+  Value Follow(const Statement& statement);
 
   // All that is wrong with the script, in the order of the places. What is read behind it is
   // another script, which begins in the same circumstances and finds the variables of the one

@@ -110,6 +110,8 @@ void NoteInterrupts() {
 
 bool Interrupted() { return interrupted; }
 
+void WriteOctets() { _setmode(1, _O_BINARY); }
+
 bool InputIsTerminal() { return IsConsole(0); }
 bool OutputIsTerminal() { return IsConsole(1); }
 
