@@ -319,6 +319,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
   trace.add_flag("--times", options.times, "Show when each command came, and what it took");
   AddTrace(trace, options);
   AddTlv(trace, options);
+
   CLI::App& lsp = *app.add_subcommand("lsp", "Serve an editor (Language Server Protocol)");
   AddDefinitions(lsp, options);
   AddReaderName(lsp, options, "The reader that scripts find; it is not opened");
