@@ -20,7 +20,7 @@ class Statements : public testing::Test {
     SetVarValue("%A", "aBcD");
     SetVarValue("%SPACED", "11 22");
     SetVarValue("%NEGATIVE", " \t-3");
-    SetVarValue("%PLUS", "+2x");
+    SetVarValue("%PLUS", "\v\r\n+2x");
     SetVarValue("%HUGE", "99999999999999999999");
   }
 

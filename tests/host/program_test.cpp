@@ -203,7 +203,7 @@ TEST_F(Program, RefusesWhatNobodyMeans) {
       {k + "%X = @des(%K,00,@strmid(01,0,2))\n", "the flag of @des is neither 0 nor 1\n"},
       {k + "%X = @des(%K," + octets(257) + ",1)\n",
        "the data of @des has 257 octets; the most is 256\n"},
-      {k + "%X = @descbc(%K,00," + octets(17) + ",1)\n",
+      {k + "%X = @descbc(%K," + octets(256) + "," + octets(17) + ",1)\n",
        "the iv of @descbc has 17 octets; the most is 16\n"},
       {"%X = @HASH(" + octets(4097) + ")\n",
        "the hex of @HASH has 4097 octets; the most is 4096\n"},
@@ -381,12 +381,15 @@ TEST_F(Program, TakesAnyLettersOnItsCommandLine) {
 TEST_F(Program, ShowsValuesAndGoesOnAfterFailuresInTheShell) {
   const Outcome outcome = RunOrvane("shell --simulate",
                                     "%ATRLIKE = 00A40000023F00\n%ATRLIKE\n%U\n@strlen(ab)\n"
-                                    "@compare(1,2,1)\nsend %ATRLIKE\n%SW\nquit\n00A40000\n");
+                                    "@compare(1,2,1)\nsend %ATRLIKE\n%SW\n; expect 9000\n"
+                                    "%A = 1\n; expect 9000\nquit\n00A40000\n");
   EXPECT_EQ(outcome.exitCode, 3);  // of the first failure
   ExpectInOrder(outcome.out,
                 "%ATRLIKE\n      =    00A40000023F00\n|=    2\n|FAIL|>>|SW   9000|=    9000\n");
   EXPECT_EQ(outcome.out.find(">>"), outcome.out.rfind(">>"));
-  ExpectInOrder(outcome.err, "orvane: undefined variable %U\n|orvane: not as expected");
+  ExpectInOrder(outcome.err,
+                "orvane: undefined variable %U\n|orvane: not as expected|orvane: an expectation "
+                "stands below");
 }
 
 TEST_F(Program, SendsEachArgumentOrNothing) {

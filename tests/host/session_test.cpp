@@ -248,6 +248,7 @@ TEST_F(SessionTest, NamesWhatKeepsAReaderFromOpening) {
 TEST_F(SessionTest, ClosesAnEncryptionMachineThatGivesNoAnswer) {
   simulator::EncryptionMachine machine;
   machine.Prepare({{{std::chrono::milliseconds(1300), {0xAA}}}});
+  machine.Prepare({{{std::chrono::milliseconds(600), {0x31}}}});
   const std::string failure =
       Run({"@reset()", "30", "31", "@compare(%RESP,31,1)"}, "10:" + machine.Name());
   EXPECT_TRUE(failure.starts_with("no answer from the payment HSM; its connection is closed"))

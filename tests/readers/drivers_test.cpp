@@ -188,8 +188,10 @@ const struct {
      "1 SCardConnectA(context, \"Simulated Reader 0\", 2, 3); "
      "1 9000 SCardTransmit(0xFFFFFFFFEA010003, 2, 00)"},
     // The context stays over opens and closes; another kind gives it back.
-    {kPcsc, "opened;port 1;close;open;answer SCardDisconnect 0 - throw;kind 5;send 00A40400",
-     "1 SCardListReadersA SCardConnectA SCardFreeMemory; 1 SCardDisconnect; 1 SCardConnectA; "
+    {kPcsc,
+     "opened;port 1;answer SCardDisconnect 0 - throw;close;close;open;"
+     "answer SCardDisconnect 0 - throw;kind 5;send 00A40400",
+     "1 SCardListReadersA SCardConnectA SCardFreeMemory; 0 SCardDisconnect; 1; 1 SCardConnectA; "
      "0 SCardDisconnect SCardReleaseContext; 0",
      Calls::kNames},
     // A tool that failed had no kind yet.

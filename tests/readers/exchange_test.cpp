@@ -138,7 +138,7 @@ TEST_P(Exchange, FollowsTheStatusWord) {
       {{{"", "9001"}}, Given::kShown},
       {{{"", "6103"}, {"010203", "9000"}}, Given::kGood},
       {{{"", "6100"}, {longest, "9000"}}, Given::kGood},
-      {{{"", "6103"}, {"", "9000"}}, Given::kGood},
+      {{{"", "61FE"}, {"", "9000"}}, Given::kGood},
       {{{"", "6103"}, {"", "6104"}}, Given::kShownSecond},  // only one is followed up
       {{{"", "6103"}, {"0102", "6282"}}, Given::kShownSecond},
       {{{"", "9000", 257}}, Given::kNothing},

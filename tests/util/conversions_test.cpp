@@ -78,6 +78,11 @@ TEST(Conversions, BetweenOctetsAndHexadecimalText) {
     EXPECT_EQ(same.Written(), expected) << text;
   }
   Area octets;
+  for (const char wrong : {'/', ':', '@', 'G', '`', 'g'}) {  // the neighbours of digits
+    const std::string text = std::string(63, '1') + wrong;
+    EXPECT_EQ(AsciiToHex(text.c_str(), octets.Octets(), Length(text)), 0) << wrong;
+  }
+  octets = {};
   EXPECT_EQ(AsciiToHex("12", octets.Octets(), -1), 1);
   HexToAscii(octets.Octets(), octets.Text(), -1);
   HexToAscii(octets.Octets(), octets.Text(), 0);

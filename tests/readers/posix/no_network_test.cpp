@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 
 #include "readers/reader_host.h"
 
@@ -35,6 +37,17 @@ TEST(NoNetwork, IsNoConnection) {
   ASSERT_TRUE(WIFEXITED(status));
   if (WEXITSTATUS(status) == kNoNamespace) GTEST_SKIP() << "needs the right to a network namespace";
   EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+// A host may try a machine that is not there as often as it likes.
+TEST(NoConnection, LeavesNoSocketOpen) {
+  const auto open = [] {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::distance(begin(descriptors), end(descriptors));
+  };
+  const auto before = open();
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(OpenReaderA("127.0.0.1:1", ReaderKindTcp), 0);
+  EXPECT_EQ(open(), before);
 }
 
 }  // namespace
