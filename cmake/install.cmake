@@ -114,7 +114,7 @@ endfunction()
 # The rules of the installation whose folders are chosen.
 function(install_all)
   install(TARGETS orvane EXPORT ${prefix}Orvane
-    RUNTIME COMPONENT ${prefix}library ${exclude}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${prefix}library ${exclude}
     LIBRARY DESTINATION ${libdir} COMPONENT ${prefix}library ${exclude}
             NAMELINK_COMPONENT ${prefix}development
     ARCHIVE DESTINATION ${libdir} COMPONENT ${prefix}development ${exclude}
