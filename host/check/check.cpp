@@ -90,7 +90,7 @@ class Checker::Work {
 
  private:
   void Begin() {
-    findings_ = {};
+    findings_ = Findings(circumstances_.warns);
     stop_ = 0;
     unreachableTold_ = belowCommand_ = false;
     reader_ = 0;
@@ -230,7 +230,7 @@ class Checker::Work {
   }
 
   const Circumstances circumstances_;
-  Findings findings_;
+  Findings findings_{circumstances_.warns};
   KnownVariables variables_{findings_};
   std::array<std::optional<int32_t>, kReaders> kinds_;
   size_t reader_ = 0;

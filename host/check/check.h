@@ -34,6 +34,7 @@ struct Circumstances {
   std::vector<std::pair<std::string, std::string>> variables;  // names with their %
   std::optional<int32_t> kind;                                 // of the reader; none: not known
   int32_t defaultKind = 3;  // of readers that are named without one
+  bool warns = true;        // false: errors alone are wanted
 };
 
 // Reads a script's lines as far as they tell without a card. In a language without control flow

@@ -77,19 +77,21 @@ int CheckFiles(std::ostream& out, const std::vector<std::string>& files,
 }
 
 void RefuseErrors(std::span<const Script> scripts, const Circumstances& circumstances) {
-  Checker checker(circumstances);
+  Circumstances strict = circumstances;
+  strict.warns = false;
+  Checker checker(strict);
   for (const Script& script : scripts) {
     script.ForEach([&](const Statement& statement, size_t) {
       checker.Read(statement);
       return true;
     });
     const std::vector<Diagnostic> found = checker.End();
-    const auto first = std::find_if(found.begin(), found.end(), IsError);
-    if (first == found.end()) continue;
-    const auto more = static_cast<size_t>(std::count_if(first + 1, found.end(), IsError));
+    if (found.empty()) continue;
+    const Diagnostic& first = found.front();
+    const size_t more = found.size() - 1;
     throw ScriptFailure(
         kScriptFault,
-        script.Name() + ":" + std::to_string(first->line) + ": " + first->text +
+        script.Name() + ":" + std::to_string(first.line) + ": " + first.text +
             (more > 0 ? "\n  and " + Counted(more, "more error") + ", which orvane check shows"
                       : ""));
   }

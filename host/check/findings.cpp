@@ -12,6 +12,7 @@ void Findings::BeginLine(std::string_view line) {
 }
 
 void Findings::Report(Severity severity, size_t begin, size_t end, const std::string& text) {
+  if (severity == Severity::kWarning && !warns_) return;
   found_.push_back({line_, ColumnOf(text_, begin), begin, end, severity, Printable(text)});
 }
 

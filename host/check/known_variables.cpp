@@ -19,9 +19,14 @@ void KnownVariables::DefineAnswer() {
 void KnownVariables::Assign(std::string_view name, const Value& value, size_t begin, size_t end) {
   Variable& variable = variables_[UpperCase(name)];
   Drop(variable);
-  variable = {value,
-              Diagnostic{findings_.Line(), ColumnOf(findings_.Text(), begin), begin, end,
-                         Severity::kWarning, "nothing reads this value of " + Printable(name)}};
+  variable.value = value;
+  if (!findings_.Warns()) return;
+  variable.unused = Diagnostic{findings_.Line(),
+                               ColumnOf(findings_.Text(), begin),
+                               begin,
+                               end,
+                               Severity::kWarning,
+                               "nothing reads this value of " + Printable(name)};
 }
 
 Value KnownVariables::Read(const std::string& name, size_t begin, size_t end) {
