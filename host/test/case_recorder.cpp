@@ -35,7 +35,9 @@ void CaseRecorder::Add(Step::Kind kind, std::string_view text, size_t line) {
 
 void CaseRecorder::Reader(const std::string& reader, bool simulated) {
   Trace::Reader(reader, simulated);
-  Add(Step::Kind::kReader, reader + (simulated ? ", simulated" : ""));
+  const std::string shown = reader + (simulated ? ", simulated" : "");
+  readers_.insert(shown);
+  Add(Step::Kind::kReader, shown);
 }
 
 void CaseRecorder::Statement(std::optional<size_t> line, std::string_view statement) {

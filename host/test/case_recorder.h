@@ -16,6 +16,8 @@ class CaseRecorder : public Trace, public ExchangeListener {
   // What comes goes into this case from now on. It has to outlive the recorder or be replaced.
   void Enter(TestCase& entered) { case_ = &entered; }
 
+  const std::set<std::string>& Readers() const { return readers_; }
+
   void Reader(const std::string& reader, bool simulated) override;
   void Statement(std::optional<size_t> line, std::string_view statement) override;
   void Value(std::string_view value) override;
@@ -30,6 +32,7 @@ class CaseRecorder : public Trace, public ExchangeListener {
   void Add(Step::Kind kind, std::string_view text, size_t line = 0);
 
   bool keepsSteps_;
+  std::set<std::string> readers_;
   TestCase* case_ = nullptr;
 };
 

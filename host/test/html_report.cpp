@@ -2,7 +2,6 @@
 
 #include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include "host/decode/tag_list.h"
 #include "host/status_word.h"
@@ -60,7 +59,7 @@ class PageData {
     }
     return {{"files", std::move(files)},
             {"duration", Milliseconds(report.duration)},
-            {"readers", readers_},
+            {"readers", report.readers},
             {"words", words_},
             {"tags", tags_}};
   }
@@ -71,7 +70,6 @@ class PageData {
     for (const Step& step : each.steps) {
       Json made = {{"kind", NameOf(step.kind)}, {"text", Printable(step.text)}};
       if (step.line > 0) made["line"] = step.line;
-      if (step.kind == Step::Kind::kReader) readers_.insert(Printable(step.text));
       if (step.kind == Step::Kind::kExchange) {
         made["exchange"] = Exchange(each.exchanges[step.exchange]);
       }
@@ -117,7 +115,6 @@ class PageData {
     return fault.empty() ? elements : Json::array();
   }
 
-  std::set<std::string> readers_;
   std::map<std::string, Json> words_;
   std::map<std::string, std::string> tags_;
 };

@@ -86,6 +86,8 @@ class TestSession {
     }
     line_->Clear();
     listeners_.Finish();
+    report_.readers = recorder_.Readers();
+    if (!options_.replay.empty()) report_.readers.insert("the recording " + options_.replay);
     const std::vector<Failure> unwritten = WriteReports();
     if (!options_.tap) PrintTable(std::cout, report_, colour_, options_.quiet);
     for (const Failure& failure : unwritten) PrintFailure(failure);

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,7 @@ struct CaseCounts {
 
 struct TestReport {
   std::vector<TestFile> files;
+  std::set<std::string> readers;  // that were opened, and what stood in a card's place
   Duration duration{};
 };
 

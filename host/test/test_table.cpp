@@ -71,8 +71,11 @@ class Table {
     add(counts.passedOver, " passed over");
     out_ << '\n'
          << (failed ? Paint("1;37;41", "failed") : Paint("32", "done")) << "  " << text
-         << Paint("2", "\ntime    " + ShownDuration(report.duration)) << '\n'
-         << std::flush;
+         << Paint("2", "\ntime    " + ShownDuration(report.duration)) << '\n';
+    for (const std::string& reader : report.readers) {
+      out_ << Paint("2", "on      " + Printable(reader)) << '\n';
+    }
+    out_ << std::flush;
   }
 
  private:
