@@ -27,6 +27,8 @@
 #include "host/tags_dictionary.h"
 #include "host/text.h"
 #include "host/tlv.h"
+#include "host/trace/capture.h"
+#include "host/trace/script_writer.h"
 #include "orvane.h"
 #include "platform/module.h"
 #include "tags/tag_dictionary.h"
@@ -426,6 +428,22 @@ void Tlv(Input input) {
   Expect(out.str().size() <= 1000 + 400 * text.size(), "the size of a tree");
 }
 
+// A recording is the same as itself, whatever is in it; its lines can be read as they are written.
+void Recordings(Input input) {
+  std::istringstream in(input.Rest());
+  try {
+    const host::NamedRecording session{"", recordings::ReadRecording(in)};
+    for (const auto& event : session.recording.events) {
+      Expect(recordings::ReadEvent(recordings::WriteEvent(event)).has_value(), "a written line");
+    }
+    std::ostringstream out;
+    host::WriteScript(out, session);
+    host::MakeCapture(session.recording);
+    Expect(host::PrintDifferences(out, session, session, true, true), "a recording of itself");
+  } catch (const recordings::Fault&) {
+  }
+}
+
 const std::map<std::string_view, void (*)(Input)> kTargets = {{"statements", Statements},
                                                               {"tags", Tags},
                                                               {"dictionary", Dictionary},
@@ -434,6 +452,7 @@ const std::map<std::string_view, void (*)(Input)> kTargets = {{"statements", Sta
                                                               {"character_sets", CharacterSets},
                                                               {"card", Card},
                                                               {"tlv", Tlv},
+                                                              {"recordings", Recordings},
                                                               {"scripts", Scripts}};
 
 }  // namespace

@@ -57,10 +57,11 @@ class ScriptWriter {
     const CardCommand command = CommandOf(event);
     const size_t last = FollowUp(at);
     const auto leaveOut = [&](const std::string& why) {
-      out_ << "; line " << event.line << ", " << why << ": " << Text(event, command) << '\n';
+      out_ << "; line " << event.line << ", " << why << ": " << event.command << '\n';
       return last;
     };
     if (!events_[last].failed.empty()) return leaveOut("no response");
+    if (command.Octets() < 4) return leaveOut("no APDU");
     if (command.Octets() > kLongestCommand) return leaveOut("too long for a script");
     if (HidesData(event, true)) {
       out_ << "; %SECRET" << ++secrets_ << " is "
