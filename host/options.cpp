@@ -60,7 +60,8 @@ Tags
 
 Exit codes
   0  done
-  1  an expectation did not hold, or there is no such tag
+  1  an expectation did not hold, there is no such tag, a command is not as recorded, or two
+     recordings differ
   2  the command line is wrong
   3  the script or the data is wrong: an undefined variable, a command that is not
      hexadecimal, BER-TLV data that is cut, ...
