@@ -16,8 +16,9 @@ const struct {
      "1 bsit_openHID(0, 0, 0) bsit_SetSlot(0, 0); 1 bsit_openHID(0, 0, 0) bsit_SetSlot(1, 0); "
      "1 bsit_openHID(0, 1, 0) bsit_SetSlot(2, 0); 1 bsit_openHID(0, 0, 0) bsit_SetSlot(3, 0); "
      "1 bsit_CloseHID(3); 1; 0; 0 bsit_SendApdu(-1, 00)"},
-    {kBsit, "port 3;port 0;name BSIT:;name SIT:1;name BSIT:1",
-     "0 bsit_openHID(0, 2, 0); 0 bsit_openHID(0, 65535, 0); 0 bsit_openHID(0, 65535, 0); 0; "
+    {kBsit, "name SIT:1;slot 05;port 3;port 0;name BSIT:;name BSIT:1",
+     "0; - bsit_SetSlot(-1, 5); "
+     "0 bsit_openHID(0, 2, 0); 0 bsit_openHID(0, 65535, 0); 0 bsit_openHID(0, 65535, 0); "
      "1 bsit_openHID(0, 0, 0) bsit_SetSlot(0, 0)"},
     // A refused slot and a refused close change nothing.
     {kBsit,

@@ -67,8 +67,9 @@ TEST_F(ReaderSlots, RefuseCallsFromInsideACall) {
     EXPECT_EQ(CloseReader(), 0);
     EXPECT_EQ(SetReader(3), 0);
     ChangeSlot("00");
-    char text[512];
+    char text[512] = "x";
     EXPECT_EQ(RunScript("%INNER = 1", text), ScriptException);
+    EXPECT_STREQ(text, "");
   });
   EXPECT_EQ(disturbed, undisturbed);
   EXPECT_EQ(callsBack, 9);
