@@ -43,11 +43,12 @@ bool OutputIsTerminal();
 // nothing, and the second one ends the program.
 std::optional<std::string> EditLine(const std::string& prompt);
 
-// From the first call on, the first Ctrl-C (on POSIX, also what else asks a program to end) is only
-// noted, and the second one ends the program; and a write that can't be done fails, which ends no
+// From the first call on, so many Ctrl-C (on POSIX, also what else asks a program to end) are only
+// noted, and the next one ends the program; and a write that can't be done fails, which ends no
 // program.
-void NoteInterrupts();
-bool Interrupted();
+void NoteInterrupts(int noted = 1);
+int Interrupts();  // that were noted
+inline bool Interrupted() { return Interrupts() > 0; }
 
 // Offers a line for recall by the arrow keys, where there is line editing.
 void RememberLine(const std::string& line);

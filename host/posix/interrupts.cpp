@@ -6,18 +6,20 @@ namespace host {
 namespace {
 
 volatile std::sig_atomic_t noted = 0;
+volatile std::sig_atomic_t most = 0;
 
 void Note(int signal) {
-  if (noted != 0) {
+  if (noted == most) {
     std::signal(signal, SIG_DFL);
     raise(signal);
   }
-  noted = 1;
+  noted = noted + 1;
 }
 
 }  // namespace
 
-void NoteInterrupts() {
+void NoteInterrupts(int count) {
+  most = count;
   struct sigaction action {};
   action.sa_handler = Note;
   action.sa_flags = SA_RESTART;  // the libraries of readers know nothing of interrupted calls
@@ -26,6 +28,6 @@ void NoteInterrupts() {
   for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
 }
 
-bool Interrupted() { return noted != 0; }
+int Interrupts() { return noted; }
 
 }  // namespace host

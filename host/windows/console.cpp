@@ -33,12 +33,12 @@ void GiveBack() {
 
 // How many times Ctrl-C is let pass before it ends the program.
 std::atomic<int> interruptsLeft = 0;
-std::atomic<bool> interrupted = false;
+std::atomic<int> interrupts = 0;
 
 BOOL WINAPI HandleControl(DWORD event) {
   if (event == CTRL_C_EVENT && interruptsLeft > 0) {
     --interruptsLeft;
-    interrupted = true;
+    ++interrupts;
     return TRUE;
   }
   GiveBack();
@@ -103,12 +103,12 @@ bool OutputTakesColour() {
   return ready && EnvironmentVariable("NO_COLOR").value_or("").empty();
 }
 
-void NoteInterrupts() {
+void NoteInterrupts(int noted) {
   HandleControls();
-  interruptsLeft = 1;
+  interruptsLeft = noted;
 }
 
-bool Interrupted() { return interrupted; }
+int Interrupts() { return interrupts; }
 
 void WriteOctets() { _setmode(1, _O_BINARY); }
 
