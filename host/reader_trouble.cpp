@@ -83,6 +83,16 @@ Code Connect(void* module, Handle context, const char* reader, Then then) {
   return code;
 }
 
+// As the interface has it.
+struct ReaderState {
+  const char* name;
+  void* user = nullptr;
+  uint32_t current = 0;
+  uint32_t event = 0;
+  uint32_t atrLength = 0;
+  unsigned char atr[36] = {};
+};
+
 std::string Ask(const std::string& reader, Then then) {
   const FoundModule found = FindModule("winscard", Lookup::kByName);
   if (found.module == nullptr) {
@@ -187,6 +197,28 @@ std::string WhyNotOpened(const ReaderAddress& address) {
 
 std::string CardTrouble(const ReaderAddress& address) {
   return address.kind == ReaderKindPcsc ? PcscTrouble(PcscName(address)) : "";
+}
+
+std::optional<CardMovements> AskForMovements(const ReaderAddress& address) {
+  constexpr uint32_t kPresent = 0x20;
+  if (address.kind != ReaderKindPcsc) return std::nullopt;
+  const std::string name = ToLibrary(PcscName(address));
+  void* const module = FindModule("winscard", Lookup::kByName).module;
+  const auto establish =
+      Find<Code(uint32_t, const void*, const void*, Handle*)>(module, "SCardEstablishContext");
+  const auto release = Find<Code(Handle)>(module, "SCardReleaseContext");
+  const auto ask =
+      Find<Code(Handle, uint32_t, ReaderState*, uint32_t)>(module, "SCardGetStatusChangeA");
+  Handle context = 0;
+  if (establish == nullptr || release == nullptr || ask == nullptr ||
+      establish(0, nullptr, nullptr, &context) != 0) {
+    return std::nullopt;
+  }
+  ReaderState state{name.c_str()};
+  const Code code = ask(context, 0, &state, 1);
+  release(context);
+  if (code != 0) return std::nullopt;
+  return CardMovements{state.event >> 16, (state.event & kPresent) != 0};
 }
 
 std::string PowerOffAndOn(const std::string& reader) {

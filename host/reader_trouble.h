@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "host/reader_address.h"
@@ -21,6 +23,16 @@ std::string WhyNotOpened(const ReaderAddress& address);
 
 // What is wrong with the card of a reader that is open; empty if that can't be told.
 std::string CardTrouble(const ReaderAddress& address);
+
+// How often cards have come into a PC/SC reader and gone, as far as PC/SC counts them, and whether
+// one is there.
+struct CardMovements {
+  uint32_t count;
+  bool present;
+  bool operator==(const CardMovements&) const = default;
+};
+// None where that can't be told, as of a reader of another kind. Nothing goes to the card.
+std::optional<CardMovements> AskForMovements(const ReaderAddress& address);
 
 // Takes the power from the card in this reader and gives it back, which nothing in the library
 // does. Gives what was in the way: a sentence without its full stop; empty if nothing was. A

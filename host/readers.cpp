@@ -28,6 +28,15 @@ bool WdIsSimulated() {
   return LoadedModuleExports("wdcrwx", "SimulatorRestart");
 }
 
+// That of the installation where none stands beside the program.
+std::filesystem::path SimulatorFile(int32_t kind) {
+  const std::string file = ModuleFileName(KindLibrary(kind));
+  const auto beside = ProgramFolder() / "simulators" / file;
+  std::error_code error;
+  if (std::filesystem::exists(beside, error)) return beside;
+  return ModulesFolder() / "simulators" / file;
+}
+
 std::optional<std::string> ReadAtr() {
   std::array<char, 1025> atr{};
   return Reset(atr.data()) != 0 ? std::optional<std::string>(atr.data()) : std::nullopt;
@@ -38,20 +47,29 @@ std::optional<std::string> ReadAtr() {
 // The one of WD stands beside the library.
 void LoadSimulator(int32_t kind) {
   if (KindLibrary(kind).empty() || kind == ReaderKindWd) return;
-  const std::string file = ModuleFileName(KindLibrary(kind));
-  const auto beside = ProgramFolder() / "simulators", installed = ModulesFolder() / "simulators";
-  std::error_code error;
-  const auto module = (std::filesystem::exists(beside / file, error) ? beside : installed) / file;
+  const std::filesystem::path module = SimulatorFile(kind);
   if (void* const simulator = LoadModule(module)) {
     ReplayIn(kind, simulator);
     if (kind == ReaderKindPcsc) PutRecorderFirst();
     return;
   }
+  std::error_code error;
   if (std::filesystem::exists(module, error)) {
     throw Failure(kReaderFault, "can't load " + module.string());
   }
-  throw Failure(kReaderFault, "there is no simulator " + file + " in " + beside.string() + " or " +
-                                  installed.string());
+  throw Failure(kReaderFault, "there is no simulator " + module.filename().string() + " in " +
+                                  (ProgramFolder() / "simulators").string() + " or " +
+                                  module.parent_path().string());
+}
+
+void FeedSimulator(int32_t kind, const std::string& serialNumber) {
+  if (KindLibrary(kind).empty()) return;
+  void* const module = kind == ReaderKindWd ? FindModule("wdcrwx", Lookup::kBesideLibrary).module
+                                            : LoadModule(SimulatorFile(kind));
+  if (module == nullptr) return;
+  if (void* const feed = ModuleFunction(module, "SimulatorFeedCard")) {
+    reinterpret_cast<void (*)(const char*)>(feed)(serialNumber.c_str());
+  }
 }
 
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {

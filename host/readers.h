@@ -20,6 +20,10 @@ namespace host {
 // if there is none.
 void LoadSimulator(int32_t kind);
 
+// Puts a fresh card with this serial number, 16 digits, into the readers of the kind's simulator,
+// or the recording at its first command again. LoadSimulator has loaded it.
+void FeedSimulator(int32_t kind, const std::string& serialNumber);
+
 // The readers of one kind, offering this many ports where ports can't be asked for.
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
 

@@ -22,6 +22,9 @@ class Script {
   // As messages show it.
   const std::string& Name() const { return name_; }
 
+  // As it was read, each line with a line feed behind it.
+  const std::string& Text() const { return text_; }
+
   // Hands over the statements in order, with their lines counted from 1, until visit gives false.
   // A Failure out of visit becomes a ScriptFailure.
   void ForEach(const std::function<bool(const Statement&, size_t line)>& visit) const;

@@ -69,6 +69,10 @@ SIMULATOR_API int64_t SimulatorDiffered(void);
  * selected and verified. */
 SIMULATOR_API void SimulatorInsertCard(int32_t present);
 
+/* Takes the card out and puts the next one in, as a feeder does: a fresh card with this serial
+ * number, 16 hexadecimal digits, or the recording at its first command again. */
+SIMULATOR_API void SimulatorFeedCard(const char* serialNumber);
+
 #ifdef __cplusplus
 }
 #endif

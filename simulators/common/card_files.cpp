@@ -10,6 +10,11 @@ constexpr std::string_view kLabel = "ORVANE PAY";
 constexpr size_t kNotesSize = 64;
 constexpr size_t kLimitsSize = 16;
 
+Octets& CurrentNumber() {
+  static Octets number = FromHex(kFirstSerialNumber);
+  return number;
+}
+
 ElementaryFile Directory() {
   const Octets entry = Tlv(0x61, {Tlv(0x4F, kApplicationName), Tlv(0x50, FromText(kLabel))});
   return {0x2F00, 30, {entry}, {}};
@@ -68,10 +73,9 @@ Octets ElementaryFile::ControlInformation() const {
   return Tlv(0x6F, {Tlv(0x80, size), description, names, shortName});
 }
 
-const Octets& SerialNumber() {
-  static const Octets number = FromHex("80 99 99 00 00 00 00 42");
-  return number;
-}
+const Octets& SerialNumber() { return CurrentNumber(); }
+
+void SetSerialNumber(std::string_view digits) { CurrentNumber() = FromHex(digits); }
 
 const Octets& AuthenticationMasterKey() {
   static const Octets key = FromHex("404142434445464748494A4B4C4D4E4F");

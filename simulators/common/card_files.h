@@ -35,6 +35,9 @@ constexpr uint16_t kMasterFile = 0x3F00;
 // The card's own keys are derived from its serial number and the issuer's master keys: one to
 // authenticate with, one for MACs. Everybody knows these master keys; they guard nothing.
 const Octets& SerialNumber();
+// Of the cards that are made from now on.
+void SetSerialNumber(std::string_view digits);
+constexpr std::string_view kFirstSerialNumber = "8099990000000042";
 const Octets& AuthenticationMasterKey();  // 40 41 42 ... 4F
 const Octets& MacMasterKey();             // 50 51 52 ... 5F
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "common/call.h"
+#include "common/card_files.h"
 #include "common/replayed_card.h"
 #include "common/virtual_card.h"
 #include "recordings/process.h"
@@ -93,6 +94,7 @@ void SimulatorRestart(void) {
   using namespace simulator;
   ForgetCalls();
   card = nullptr;
+  SetSerialNumber(kFirstSerialNumber);
   present = true;
   movements = 0;
   if (restoreModule) restoreModule();
@@ -104,6 +106,14 @@ void SimulatorInsertCard(int32_t nowPresent) {
   present = !present;
   ++movements;
   if (present) Card().Reset();
+}
+
+void SimulatorFeedCard(const char* serialNumber) {
+  using namespace simulator;
+  SimulatorInsertCard(0);
+  card = nullptr;
+  SetSerialNumber(serialNumber);
+  SimulatorInsertCard(1);
 }
 
 const char* SimulatorReplay(const char* file, int32_t anyOrder) {
