@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/batch/job_store.h"
+#include "host/batch/line_queue.h"
+#include "host/child_process.h"
+
+namespace host {
+
+// Runs the workers of a batch, one a reader, and is the only one who writes to the store.
+class Supervisor {
+ public:
+  struct Reader {
+    std::string name;
+    std::string doing;          // for people
+    std::optional<size_t> row;  // that it works on
+  };
+  struct Hooks {
+    std::function<void(const std::string&)> tell;          // a line for people
+    std::function<void(const std::vector<Reader>&)> show;  // some times a second
+    std::function<void(size_t row, RowState, const std::string& reason)> ended;
+  };
+
+  Supervisor(JobStore& store, Hooks hooks) : store_(store), hooks_(std::move(hooks)) {}
+
+  // Starts a worker process with these arguments.
+  void Start(const std::string& reader, const std::vector<std::string>& arguments);
+
+  // Runs until no row waits and none is worked on, or all workers have ended. Gives the exit code:
+  // 0; 4 or 5 after trouble of a worker; 130 after Ctrl-C. Throws Failure (kFileFault) if the store
+  // can't be written; the workers halt then.
+  int Run(const std::string& scriptDigest, bool fresh);
+
+  // Has no more rows begun.
+  void Finish();
+
+ private:
+  struct Worker {
+    Reader reader;
+    std::unique_ptr<ChildProcess> process;
+    std::optional<std::string> ready;  // the ATR of a card that waits for a row
+    bool stopped = false;
+    bool ended = false;
+  };
+
+  void Take(const LineQueue::Line& line);
+  void TakeMessage(Worker& worker, const std::string& text);
+  void TakeEnd(Worker& worker, const std::string& text);
+  void Died(Worker& worker);
+  void HandOut();
+  void Answer(Worker& worker, const std::string& text) { answers_.emplace_back(&worker, text); }
+  void SendAnswers();
+  void Stop(const char* how);
+  void HeedInterrupts();
+
+  JobStore& store_;
+  Hooks hooks_;
+  std::vector<std::unique_ptr<Worker>> workers_;
+  std::vector<std::pair<Worker*, std::string>> answers_;  // once the store is flushed
+  LineQueue lines_;
+  int interrupts_ = 0;
+  int code_ = 0;
+};
+
+}  // namespace host
