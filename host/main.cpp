@@ -6,6 +6,7 @@
 #include <iostream>
 #include <memory>
 
+#include "host/batch/batch_command.h"
 #include "host/check/check_file.h"
 #include "host/decode/decode.h"
 #include "host/definitions.h"
@@ -158,6 +159,7 @@ void EditTags(const CLI::App& tags, const Options& options) {
 int Carry(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("run")) RunFile(options);
   if (app.got_subcommand("test")) return TestFiles(options);
+  if (app.got_subcommand("batch")) return RunBatch(options);
   if (app.got_subcommand("check")) {
     return CheckFiles(std::cout, options.files, CircumstancesOf(options), options.format == "json");
   }
@@ -178,6 +180,7 @@ int Work(std::vector<std::string> arguments) {
   DescribeOptions(app, options);
   try {
     CheckArguments(arguments);
+    options.arguments = arguments;
     std::reverse(arguments.begin(), arguments.end());  // as this function wants them
     app.parse(std::move(arguments));
     return Carry(app, options);

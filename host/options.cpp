@@ -109,8 +109,7 @@ std::string ReadKind(std::string& text) {
 
 const CLI::Validator kKindNames(ReadKind, "");
 
-void AddReaderName(CLI::App& command, Options& options, const char* help) {
-  command.add_option("-r,--reader", options.reader, help)->type_name("READER");
+void AddKind(CLI::App& command, Options& options) {
   command
       .add_option("-k,--kind", options.kind,
                   "Kind of readers named without one, a number or a name (pcsc)")
@@ -118,8 +117,12 @@ void AddReaderName(CLI::App& command, Options& options, const char* help) {
       ->transform(kKindNames);
 }
 
-void AddReader(CLI::App& command, Options& options) {
-  AddReaderName(command, options, "Open this reader first");
+void AddReaderName(CLI::App& command, Options& options, const char* help) {
+  command.add_option("-r,--reader", options.reader, help)->type_name("READER");
+  AddKind(command, options);
+}
+
+void AddSimulation(CLI::App& command, Options& options) {
   command.add_flag("--simulate", options.simulate,
                    "Put simulators in the place of all vendor libraries");
   CLI::Option* replay =
@@ -143,6 +146,11 @@ void AddReader(CLI::App& command, Options& options) {
       ->type_name("FILE");
   command.add_flag("--cold-reset", options.coldReset,
                    "Take the power from a card and give it back before its PC/SC reader is opened");
+}
+
+void AddReader(CLI::App& command, Options& options) {
+  AddReaderName(command, options, "Open this reader first");
+  AddSimulation(command, options);
 }
 
 void AddTrace(CLI::App& command, Options& options) {
@@ -212,6 +220,49 @@ void DescribeTest(CLI::App& test, Options& options) {
       std::string(kShortFooter));
 }
 
+void DescribeBatch(CLI::App& batch, Options& options) {
+  batch.add_option("FILE", options.file, "The script, which runs once a row");
+  batch
+      .add_option("--table", options.batch.table,
+                  "The rows: RFC 4180, the first line names the columns, which become variables")
+      ->type_name("FILE");
+  batch
+      .add_option("--key", options.batch.key,
+                  "The column that no two rows have the same of; without it the first")
+      ->type_name("COLUMN");
+  batch
+      .add_option("--journal", options.batch.journal,
+                  "What becomes of each row; the same command goes on where it ends")
+      ->type_name("FILE");
+  batch.add_flag("--status", options.batch.status, "Show what the journal says, and run nothing");
+  CLI::Option* retry = batch.add_flag("--retry-begun", options.batch.retryBegun,
+                                      "Begin rows again that did not end");
+  batch.add_flag("--skip-begun", options.batch.skipBegun, "Abandon rows that did not end")
+      ->excludes(retry);
+  batch.add_flag("--retry-failed", options.batch.retryFailed, "Begin rows again that failed");
+  batch.add_option("-r,--reader", options.batch.readers, "A reader; each has a process of its own")
+      ->type_name("READER")
+      ->allow_extra_args(false);
+  batch
+      .add_option("--timeout", options.batch.timeout,
+                  "How many seconds a reader waits for a card to come or go; without it for ever")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1, 1'000'000));
+  batch.add_flag("--no-wait", options.batch.noWait,
+                 "Do not wait for a card to go: a feeder has changed it by the next reset");
+  batch.add_option("--log-dir", options.batch.logFolder, "Write a trace a row, row-N.log")
+      ->type_name("FOLDER");
+  batch.add_option("--html", options.html, "Write a report for people, a page that stands alone")
+      ->type_name("FILE");
+  batch.add_option("--worker", options.batch.worker)->group("");  // for the program itself
+  batch.footer(
+      "\nExit code: 0 if all rows are done or abandoned; 1 if one has failed; 2 if rows that were "
+      "begun need\n--retry-begun or --skip-begun; 3 if script or table is wrong, or the journal is "
+      "another's; 4 if\nrows are left for trouble with readers or cards; 5 if a file can't be "
+      "written; 130 after Ctrl-C,\nwhich lets begun rows end; a second one halts them.\n" +
+      std::string(kShortFooter));
+}
+
 void DescribeTags(CLI::App& tags, Options& options) {
   tags.require_subcommand(1);
   tags.add_subcommand("list", "List all entries");
@@ -273,6 +324,15 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(test, options);
   AddTlv(test, options);
   AddQuiet(test, options);
+
+  CLI::App& batch =
+      *app.add_subcommand("batch", "Run a script on card after card, a table's row each");
+  DescribeBatch(batch, options);
+  AddKind(batch, options);
+  AddDefinitions(batch, options);
+  AddSimulation(batch, options);
+  AddTlv(batch, options);
+  AddQuiet(batch, options);
 
   CLI::App& apdu = *app.add_subcommand("apdu", "Bring up the card and send APDUs to it");
   apdu.add_option("HEX", options.commands,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -12,24 +13,38 @@ class App;
 
 namespace host {
 
+// What it says for a batch alone.
+struct BatchOptions {
+  std::vector<std::string> readers;
+  std::string table, key, journal;  // files; a column, empty for the first one
+  std::string logFolder;            // empty for none
+  bool status = false;
+  bool retryBegun = false, skipBegun = false, retryFailed = false;
+  int timeout = 0;  // seconds, 0 for none
+  bool noWait = false;
+  size_t worker = 0;  // whose reader it has, from 1; 0: it is no worker
+};
+
 // What the command line says.
 struct Options {
-  std::string file;                   // run, trace
-  std::vector<std::string> tests;     // test; files
-  std::string only;                   // test; a part of a case's name
-  std::string junit, html;            // test; files, empty for none
-  std::vector<std::string> files;     // check
-  std::string format = "text";        // check
-  std::vector<std::string> commands;  // apdu
-  std::string expected;               // apdu; a pattern, empty for none
-  std::string decodedKind;            // decode
-  std::vector<std::string> data;      // decode, tlv
-  std::string other, pcap;            // trace; files, empty for none
-  TagEntry entry;                     // tags find, add, remove
-  std::string tagList;                // tags import
-  int32_t listedKind = 0;             // readers; 0 is all of them
-  int32_t ports = 0;                  // readers
-  std::string reader;                 // empty: none is named
+  BatchOptions batch;
+  std::vector<std::string> arguments;  // all of them
+  std::string file;                    // run, trace
+  std::vector<std::string> tests;      // test; files
+  std::string only;                    // test; a part of a case's name
+  std::string junit, html;             // test; files, empty for none
+  std::vector<std::string> files;      // check
+  std::string format = "text";         // check
+  std::vector<std::string> commands;   // apdu
+  std::string expected;                // apdu; a pattern, empty for none
+  std::string decodedKind;             // decode
+  std::vector<std::string> data;       // decode, tlv
+  std::string other, pcap;             // trace; files, empty for none
+  TagEntry entry;                      // tags find, add, remove
+  std::string tagList;                 // tags import
+  int32_t listedKind = 0;              // readers; 0 is all of them
+  int32_t ports = 0;                   // readers
+  std::string reader;                  // empty: none is named
   int32_t kind = 3;
   std::vector<std::string> definitions;    // NAME=VALUE
   std::vector<std::string> variableFiles;  // of such lines

@@ -199,7 +199,7 @@ class CardWork {
 };
 
 std::string ReaderOf(const Options& options) {
-  if (!options.readers.empty()) return options.readers[options.worker - 1];
+  if (!options.batch.readers.empty()) return options.batch.readers[options.batch.worker - 1];
   if (options.simulate) return "3:Simulated Reader 0";
   const std::string reader = EnvironmentVariable("ORVANE_READER").value_or("");
   if (!reader.empty()) return reader;
@@ -266,10 +266,10 @@ class Worker {
     while (!orders_.Stops()) {
       if (std::optional<std::string> atr = card.Look(why)) return atr;
       if (told != why) Waits("a card (" + (told = why) + ")");
-      if (options_.timeout > 0 &&
-          steady_clock::now() - begin > std::chrono::seconds(options_.timeout)) {
-        throw Failure(kReaderFault,
-                      "no card came within " + std::to_string(options_.timeout) + " s: " + why);
+      if (options_.batch.timeout > 0 &&
+          steady_clock::now() - begin > std::chrono::seconds(options_.batch.timeout)) {
+        throw Failure(kReaderFault, "no card came within " +
+                                        std::to_string(options_.batch.timeout) + " s: " + why);
       }
       orders_.Stops(kBetweenLooks);
     }
@@ -278,15 +278,15 @@ class Worker {
 
   // False if the worker has to stop.
   bool AwaitNoCard(CardWork& card) {
-    if (options_.simulate || options_.noWait) return true;
+    if (options_.simulate || options_.batch.noWait) return true;
     const auto begin = steady_clock::now();
     Waits("the card to be taken out");
     while (IsStillThere(card)) {
       if (orders_.Stops(kBetweenLooks)) return false;
-      if (options_.timeout > 0 &&
-          steady_clock::now() - begin > std::chrono::seconds(options_.timeout)) {
+      if (options_.batch.timeout > 0 &&
+          steady_clock::now() - begin > std::chrono::seconds(options_.batch.timeout)) {
         throw Failure(kReaderFault, "the card was not taken out within " +
-                                        std::to_string(options_.timeout) + " s");
+                                        std::to_string(options_.batch.timeout) + " s");
       }
     }
     return true;
@@ -315,7 +315,7 @@ class Worker {
       orders_.Tell({{"tell", "end"}, {"state", NameOf(state)}, {"reason", reason}});
     };
     try {
-      if (!options_.logFolder.empty()) card.OpenLog(options_.logFolder, row);
+      if (!options_.batch.logFolder.empty()) card.OpenLog(options_.batch.logFolder, row);
     } catch (const Failure& failure) {
       end(RowState::kWaiting, failure.what());
       throw;
@@ -329,7 +329,7 @@ class Worker {
     } catch (const Refused& refused) {
       end(RowState::kWaiting, refused.why);
       // What does not wait would have the same card again.
-      if (options_.noWait) throw Failure(kReaderFault, refused.why);
+      if (options_.batch.noWait) throw Failure(kReaderFault, refused.why);
     } catch (const Failure& failure) {
       end(RowState::kFailed, failure.what());
       if (failure.Code() == kFileFault) throw;

@@ -1,0 +1,204 @@
+#include "host/batch/batch_command.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+#include "host/batch/batch_report.h"
+#include "host/batch/journal_store.h"
+#include "host/batch/sha256.h"
+#include "host/batch/supervisor.h"
+#include "host/batch/table.h"
+#include "host/batch/table_check.h"
+#include "host/batch/worker.h"
+#include "host/failure.h"
+#include "host/platform.h"
+#include "host/script.h"
+#include "host/test/html_report.h"
+#include "host/test/report_file.h"
+#include "host/text.h"
+
+namespace host {
+namespace {
+
+void Refuse(bool wrong, const std::string& message) {
+  if (wrong) throw Failure(kUsageFault, message);
+}
+
+// Workers have the program's standard input for themselves.
+void CheckCommandLine(const Options& options) {
+  Refuse(options.file.empty(), "a script is needed");
+  Refuse(options.batch.table.empty(), "a table is needed: --table FILE");
+  Refuse(options.batch.journal.empty(), "a journal is needed: --journal FILE");
+  const auto& variables = options.variableFiles;
+  Refuse(options.file == "-" || options.batch.table == "-" ||
+             std::find(variables.begin(), variables.end(), "-") != variables.end(),
+         "a batch reads nothing from standard input");
+  std::vector<std::string> readers = options.batch.readers;
+  std::sort(readers.begin(), readers.end());
+  const auto twice = std::adjacent_find(readers.begin(), readers.end());
+  Refuse(!options.simulate && twice != readers.end(),
+         "a reader is named twice: " + (twice != readers.end() ? Printable(*twice) : ""));
+  Refuse(!options.record.empty() && readers.size() > 1 &&
+             options.record.find("%p") == options.record.npos,
+         "several readers can't be recorded to one file: --record with %p in the name makes a file "
+         "a reader");
+}
+
+Options ForCheck(const Options& options) {
+  Options first = options;
+  if (!options.batch.readers.empty()) first.reader = options.batch.readers.front();
+  return first;
+}
+
+class Batch {
+ public:
+  explicit Batch(const Options& options)
+      : options_(options),
+        script_(options.file),
+        digest_(Sha256(script_.Text())),
+        progress_(std::cout, !options.quiet && OutputIsTerminal()) {
+    table_ = ReadTable(options.batch.table);
+    CheckTable(table_, script_, ForCheck(options), options.batch.key);
+    store_ = std::make_unique<JournalStore>(table_, digest_, options.batch.journal);
+    if (!options.html.empty()) html_.emplace(options.html);
+    if (!options.batch.logFolder.empty()) MakeLogFolder();
+  }
+
+  int Run() {
+    NoteInterrupts(2);
+    const bool fresh = IsFresh();
+    Reopen();
+    int code = kDone;
+    if (store_->Count()[RowState::kWaiting] > 0) code = RunWorkers(fresh);
+    progress_.Clear();
+    const std::vector<RowRecord> records = store_->Records();
+    if (html_) html_->Write(HtmlReport(ReportOf(script_.Name(), records)));
+    if (output_) throw *output_;
+    const RowCounts counts = store_->Count();
+    if (!options_.quiet) std::cout << Numbers(counts) << '\n';
+    return CodeOf(code, counts);
+  }
+
+ private:
+  void MakeLogFolder() {
+    std::error_code error;
+    const std::filesystem::path folder(
+        std::u8string(options_.batch.logFolder.begin(), options_.batch.logFolder.end()));
+    std::filesystem::create_directories(folder, error);
+    if (!std::filesystem::is_directory(folder, error)) {
+      throw Failure(kFileFault, "can't make the folder " + Printable(options_.batch.logFolder));
+    }
+  }
+
+  // A card that is in a reader may be one of an earlier run, unless there was none.
+  bool IsFresh() {
+    const std::vector<RowRecord> records = store_->Records();
+    return std::all_of(records.begin(), records.end(),
+                       [](const RowRecord& record) { return record.begun.empty(); });
+  }
+
+  // Has rows of an earlier run wait again, as far as that is asked for.
+  void Reopen() {
+    const std::vector<RowRecord> records = store_->Records();
+    const std::vector<size_t> begun = store_->LeftBegun();
+    if (!begun.empty() && !options_.batch.retryBegun && !options_.batch.skipBegun) {
+      std::string text = "rows were begun and not finished; their cards may be half written:\n";
+      for (const size_t row : begun) text += "  " + DescribeRow(row, records[row - 1]) + '\n';
+      throw Failure(kUsageFault, text +
+                                     "--retry-begun begins them again, --skip-begun gives them "
+                                     "up; nothing sent");
+    }
+    for (const size_t row : begun) {
+      if (options_.batch.retryBegun) store_->Put(row, RowState::kWaiting, "--retry-begun");
+      if (options_.batch.skipBegun) store_->Put(row, RowState::kAbandoned, "--skip-begun");
+    }
+    for (size_t row = 1; options_.batch.retryFailed && row <= records.size(); ++row) {
+      if (records[row - 1].state != RowState::kFailed) continue;
+      store_->Put(row, RowState::kWaiting, "--retry-failed");
+    }
+    store_->Flush();
+  }
+
+  int RunWorkers(bool fresh) {
+    Supervisor supervisor(
+        *store_, {.tell = [&](const std::string& text) { Tell(supervisor, text); },
+                  .show = [&](const auto& readers) { Show(supervisor, readers); },
+                  .ended =
+                      [&](size_t row, RowState state, const std::string& reason) {
+                        progress_.RowEnded();
+                        if (state == RowState::kDone) return;
+                        Tell(supervisor,
+                             "row " + std::to_string(row) + " " + NameOf(state) + ": " + reason);
+                      }});
+    const size_t readers = std::max<size_t>(1, options_.batch.readers.size());
+    for (size_t at = 0; at < readers; ++at) {
+      std::vector<std::string> arguments = options_.arguments;
+      arguments.insert(arguments.begin() + 1, "--worker=" + std::to_string(at + 1));
+      supervisor.Start(
+          at < options_.batch.readers.size() ? options_.batch.readers[at] : "the only reader",
+          arguments);
+    }
+    return supervisor.Run(digest_, fresh);
+  }
+
+  // Rows that are begun come to their end also where standard output is gone.
+  template <typename Write>
+  void Guarded(Supervisor& supervisor, Write write) {
+    if (output_) return;
+    try {
+      write();
+    } catch (const Failure& failure) {
+      output_ = failure;
+      supervisor.Finish();
+    }
+  }
+
+  void Tell(Supervisor& supervisor, const std::string& text) {
+    Guarded(supervisor, [&] { progress_.Clear(); });
+    PrintFailure(Failure(kDone, text));
+  }
+
+  void Show(Supervisor& supervisor, const std::vector<Supervisor::Reader>& readers) {
+    if (progress_.Shown()) Guarded(supervisor, [&] { progress_.Show(store_->Count(), readers); });
+  }
+
+  static int CodeOf(int code, const RowCounts& counts) {
+    if (code == kInterrupted || code == kFileFault) return code;
+    if (counts[RowState::kWaiting] + counts[RowState::kBegun] > 0) {
+      return code != kDone ? code : kReaderFault;
+    }
+    return counts[RowState::kFailed] > 0 ? kExpectationFailed : kDone;
+  }
+
+  const Options& options_;
+  Script script_;
+  std::string digest_;
+  Table table_;
+  std::unique_ptr<JobStore> store_;
+  std::optional<ReportFile> html_;
+  BatchProgress progress_;
+  std::optional<Failure> output_;  // why nothing more can be shown
+};
+
+int ShowStatus(const Options& options) {
+  Refuse(options.batch.journal.empty(), "a journal is needed: --journal FILE");
+  const Journal journal = ReadJournal(options.batch.journal);
+  if (!journal.batch)
+    throw Failure(kFileFault, Printable(options.batch.journal) + " is no journal");
+  PrintStatus(std::cout, RecordsOf(journal));
+  return kDone;
+}
+
+}  // namespace
+
+int RunBatch(const Options& options) {
+  if (options.batch.worker > 0) return RunWorker(options);
+  if (options.batch.status) return ShowStatus(options);
+  CheckCommandLine(options);
+  return Batch(options).Run();
+}
+
+}  // namespace host
