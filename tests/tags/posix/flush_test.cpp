@@ -132,7 +132,7 @@ TEST_F(Flush, KeepsItsNewFileFromOthersUntilItIsWhole) {
   EXPECT_EQ(FilesIn("."), 2);
 }
 
-// Where the file is replaced, tests/host/posix/tags_sharing_test.cpp has a full disk.
+// tests/host/posix/tags_sharing_test.cpp has a full disk.
 TEST_F(Flush, WritesWhatItMayAndLeavesTheRest) {
   List grown = kMany;
   grown.push_back(kNew[1]);
@@ -149,6 +149,7 @@ TEST_F(Flush, WritesWhatItMayAndLeavesTheRest) {
       {"a folder that takes no other", 0666, 0555, kMany, grown},
       {"a smaller content there", 0666, 0555, kMany, {kNew[1]}, RLIM_INFINITY, true},
       {"no room there", 0666, 0555, kMany, kMany, half},
+      {"no room for another file", 0666, 0777, kMany, kMany, half},
   };
   for (const auto& row : rows) {
     chmod(".", 0777);
