@@ -4,7 +4,7 @@ set -euo pipefail
 unset CDPATH
 build=$1
 root=$(cd "$(dirname "$0")/../.." && pwd)
-zip=$(cd "$root" && realpath "$(script/package windows "$build")")
+zip=$(cd "$root" && script/package windows "$build" | grep zip$ | xargs realpath)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 folder="$scratch/bau ö (1)"
@@ -21,6 +21,11 @@ done
 named=$(sed -n '/^| In the zip/,/^$/p' docs/windows.md | cut -d '|' -f 2 | grep -o '`[^`]*`' | tr -d '`' | tr '\\' /)
 [ "$(wc -l <<<"$named")" -ge 12 ] || fail "the page names $named"
 while read -r file; do [ -e "$file" ] || fail "the package lacks $file"; done <<<"$named"
+
+# The version that Windows shows.
+for file in orvane.exe orvane.dll orvane_crypto.dll; do
+  strings -el "$file" | grep -A1 -x ProductVersion | grep -qx "$(basename "$PWD" | cut -d- -f2)" || fail "$file has no version"
+done
 
 # Nothing but the library itself and what every Windows has is asked for; only C names are offered;
 # no code runs from the stack or at an address that is known before.
