@@ -53,7 +53,10 @@ python3 "$root/tests/docs/printed_test.py" zip "$PWD" "$root/script/wine" || fai
 run() { "$root/script/wine" orvane.exe "$@"; }
 
 for example in examples/*.orv; do
-  [ $example != examples/payment_checks.orv ] || continue # two of its checks fail on purpose
+  case $example in
+    */payment_checks.orv) continue ;; # two of its checks fail on purpose
+    */personalise.orv) continue ;; # takes a table
+  esac
   run run --simulate "$example" >out || fail "$example: exit code $?: $(cat out)"
   closing=$(tail -n 1 out | tr -d '\r')
   [[ "$closing" = "done "* ]] || fail "$example: no closing line: $closing"
