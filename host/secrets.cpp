@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "host/builtin.h"
 #include "host/command.h"
@@ -268,7 +267,7 @@ void Secrets::Add(const Statement& assignment) {
     if (at < rest) value.rest = static_cast<Number>(sources_.size());
   }
   variables_[target].ahead = static_cast<Number>(values_.size());
-  values_.push_back(std::move(value));
+  values_.push_back(value);
 }
 
 void Secrets::Look(const Statement& statement) {
@@ -316,7 +315,7 @@ void Secrets::Define(std::string_view name, std::string_view value) {
   defined.sources = defined.rest = static_cast<Number>(sources_.size());
   const auto number = static_cast<Number>(values_.size());
   variables_[UpperCase(name)] = {number, number};
-  values_.push_back(std::move(defined));
+  values_.push_back(defined);
   next_ = firstAhead_ = number + 1;
 }
 

@@ -193,14 +193,13 @@ Response Session::Exchange(const CardCommand& command, bool hide) {
   trace_.Command(command, hide);
   trace_.Flush();
   for (ExchangeListener* listener : settings_.listeners) listener->Sending(command, hide);
-  const Response response =
-      Timed([&] { return readers_.Send(command); },
-            [&](const std::optional<Response>& given, const Timing& timing) {
-              for (ExchangeListener* listener : settings_.listeners) {
-                listener->Exchanged(
-                    {readers_.Number(), readers_.CurrentKind(), command, hide, given, timing});
-              }
-            });
+  Response response = Timed([&] { return readers_.Send(command); },
+                            [&](const std::optional<Response>& given, const Timing& timing) {
+                              for (ExchangeListener* listener : settings_.listeners) {
+                                listener->Exchanged({readers_.Number(), readers_.CurrentKind(),
+                                                     command, hide, given, timing});
+                              }
+                            });
   ++commands_;
   SetVariable("%RESP", response.data);
   SetVariable("%SW", response.statusWord);
