@@ -44,6 +44,7 @@ void CheckFiles(const Options& options) {
   }
   for (const std::string& report : {options.junit, options.html}) {
     if (report.empty()) continue;
+    if (report == "-") throw Failure(kUsageFault, "a report goes to a file; --tap is printed");
     for (const std::string& file : taken) {
       if (Place(file) != Place(report)) continue;
       throw Failure(kUsageFault, "a report would take the place of " + Printable(file));

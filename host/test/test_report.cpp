@@ -1,14 +1,16 @@
 #include "host/test/test_report.h"
 
-#include <cstdio>
+#include <array>
+#include <charconv>
 
 namespace host {
 namespace {
 
 std::string Fixed(double value, int digits) {
-  char text[64];
-  std::snprintf(text, sizeof(text), "%.*f", digits, value);
-  return text;
+  std::array<char, 64> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                 std::chars_format::fixed, digits);
+  return {text.data(), end.ptr};
 }
 
 }  // namespace

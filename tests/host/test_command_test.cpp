@@ -54,6 +54,7 @@ TEST_F(TestCommand, RunsEachCaseUpToItsFirstFailure) {
       {"--junit script", "$ A\n", 2, "", "orvane: a report would take the place of script\n"},
       {"--junit ./x --html x", "$ A\n", 2, "", "orvane: a report would take the place of ./x\n"},
       {"--html no/folder", "$ A\n", 5, "", "orvane: can't write no/folder: "},
+      {"--junit -", "$ A\n", 2, "", "orvane: a report goes to a file"},
       {"- -", "$ A\n", 2, "", "orvane: standard input can be read once\n"},
   };
   WriteFile("other", "$ A\n; expect 9000\n");
