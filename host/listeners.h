@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "host/failure.h"
 #include "host/options.h"
 #include "host/replay.h"
 #include "host/session_recorder.h"
@@ -19,6 +21,13 @@ class Listeners {
   void AddTo(std::vector<ExchangeListener*>& listeners) const {
     if (recorder_) listeners.push_back(recorder_.get());
     if (replay_) listeners.push_back(replay_.get());
+  }
+
+  // Throws Failure (kUsageFault) if something records already.
+  ExchangeListener* Record(const std::string& file, bool showSecrets) {
+    if (recorder_) throw Failure(kUsageFault, "the session is recorded already");
+    recorder_ = std::make_unique<SessionRecorder>(file, showSecrets);
+    return recorder_.get();
   }
 
   // True if a command was not the recorded one.

@@ -43,11 +43,12 @@ void Script::ForEach(const std::function<bool(const Statement&, size_t line)>& v
   }
 }
 
-void LookAtScript(const Script& script, Session& session) {
+bool LookAtScript(const Script& script, Session& session) {
   session.StartOver();
   bool sound = true;
+  bool learned = false;
   script.ForEach([&](const Statement& statement, size_t) {
-    session.Learn(statement);
+    learned = session.Learn(statement) || learned;
     try {
       CheckLiterals(statement, true);
     } catch (const Failure&) {
@@ -55,7 +56,7 @@ void LookAtScript(const Script& script, Session& session) {
     }
     return true;
   });
-  if (sound) return;
+  if (sound) return learned;
   // What the message has to hide is known now.
   size_t assignments = 0;
   script.ForEach([&](const Statement& statement, size_t) {
@@ -63,6 +64,7 @@ void LookAtScript(const Script& script, Session& session) {
     if (statement.form == Form::kAssignment) ++assignments;
     return true;
   });
+  return learned;
 }
 
 void RunScriptFile(const Script& script, Session& session) {

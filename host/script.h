@@ -36,9 +36,9 @@ class Script {
   std::string text_;  // each line with a line feed behind it
 };
 
-// Has the session look at every statement and learn the script's secrets. Throws ScriptFailure at
-// the first statement that is refused.
-void LookAtScript(const Script& script, Session& session);
+// Has the session look at every statement and learn the script's secrets. True if what stands in a
+// variable turns out to be secret. Throws ScriptFailure at the first statement that is refused.
+bool LookAtScript(const Script& script, Session& session);
 
 // Runs it up to its end or @stop(). Throws ScriptFailure.
 void RunScriptFile(const Script& script, Session& session);

@@ -144,6 +144,15 @@ void Session::Show(const Statement& expression) {
   trace_.Value(hide ? kHidden : value);
 }
 
+std::string Session::ValueOf(const Statement& expression) const {
+  CheckOperands(expression, Hides(expression));
+  const std::string value = Evaluate(expression.text);
+  if (Hides(expression, value)) {
+    throw Failure(kScriptFault, "the value is a secret, and shown with --show-secrets");
+  }
+  return value;
+}
+
 void Session::SendFrom(const Statement& statement, std::optional<size_t> line,
                        std::string_view digits, bool hideStatement) {
   OpenDefault();

@@ -38,6 +38,13 @@ class Session {
 
   // Shows the value of an expression and sends nothing.
   void Show(const Statement& expression);
+  // Throws Failure (kScriptFault) also where the value is hidden.
+  std::string ValueOf(const Statement& expression) const;
+
+  // Tells one more listener, which outlives the session.
+  void Listen(ExchangeListener* listener) { settings_.listeners.push_back(listener); }
+  // Whether statements are shown before their outcome. Gives what it was before.
+  bool EchoStatements(bool echo) { return std::exchange(settings_.echoStatements, echo); }
 
   void Open(std::string_view address, bool hide = false);
   void ResetCard();
