@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -55,6 +56,19 @@ void RememberLine(const std::string& line);
 
 // Takes back what was offered, where that can be done.
 void ForgetLines();
+
+// Where the line editing takes what Tab completes: the words that may stand in the place of the
+// last one of the line up to the cursor, which begins behind a blank, ( ) , or =. None with null.
+using Completer = std::function<std::vector<std::string>(std::string_view before)>;
+void CompleteWith(Completer completer);
+
+// The file of lines that sessions before have offered for recall; none where the line editing takes
+// none, or where the environment has no place for it.
+std::optional<std::string> HistoryFile();
+
+// Puts a file in the place of another, with its folders, for the eyes of the owner alone. False if
+// that can't be done; then the other one stays.
+bool WriteForOwner(const std::string& file, const std::string& text);
 
 std::optional<std::string> EnvironmentVariable(const std::string& name);
 

@@ -1,13 +1,20 @@
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <bit>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <system_error>
+#include <utility>
 
 #include "host/platform.h"
+#include "host/text.h"
 
 namespace host {
 namespace {
@@ -80,25 +87,68 @@ struct LineEditor {
   char* (*readLine)(const char*) = nullptr;
   int (*addHistory)(const char*) = nullptr;
   void (*clearHistory)() = nullptr;
+  char** line = nullptr;
+  int* completed = nullptr;  // not 0: libedit's own completion of files is not wanted
 };
+
+Completer completer;
+
+const LineEditor& Editor();
+
+char* Copied(const std::string& text) { return strdup(text.c_str()); }
+
+// What libedit is to put in the place of the word, and behind it the words to choose from, all of
+// which it frees; null for none. The place of the word's end is counted in characters.
+char** Complete(const char* typed, int, int end) {
+  *Editor().completed = 1;
+  std::string_view before = *Editor().line;
+  size_t at = 0;
+  for (int characters = 0; at < before.size(); ++at) {
+    if (BeginsCharacter(before[at]) && characters++ == end) break;
+  }
+  const std::vector<std::string> words =
+      completer ? completer(before.substr(0, at)) : std::vector<std::string>();
+  if (words.empty()) return nullptr;
+  std::string common = words[0];
+  for (const std::string& word : words) {
+    common.resize(static_cast<size_t>(
+        std::mismatch(common.begin(), common.end(), word.begin(), word.end()).first -
+        common.begin()));
+  }
+  if (words.size() > 1 && common.size() < std::strlen(typed)) common = typed;
+  auto** const list = static_cast<char**>(std::calloc(words.size() + 2, sizeof(char*)));
+  list[0] = Copied(common);
+  if (words.size() > 1) std::transform(words.begin(), words.end(), list + 1, Copied);
+  return list;
+}
 
 LineEditor LoadLineEditor() {
   void* const libedit = dlopen("libedit.so.2", RTLD_NOW | RTLD_LOCAL);
   LineEditor editor;
   std::FILE** output = nullptr;
   int (**readCharacter)(FILE*) = nullptr;
+  char** (**complete)(const char*, int, int) = nullptr;
+  const char** wordBreaks = nullptr;
+  int* appended = nullptr;
   const auto find = [libedit](const char* name, auto& found) {
     found = reinterpret_cast<std::decay_t<decltype(found)>>(ModuleFunction(libedit, name));
     return found != nullptr;
   };
   if (libedit == nullptr || !find("readline", editor.readLine) ||
       !find("add_history", editor.addHistory) || !find("clear_history", editor.clearHistory) ||
-      !find("rl_outstream", output) || !find("rl_getc_function", readCharacter)) {
+      !find("rl_outstream", output) || !find("rl_getc_function", readCharacter) ||
+      !find("rl_line_buffer", editor.line) || !find("rl_attempted_completion_function", complete) ||
+      !find("rl_attempted_completion_over", editor.completed) ||
+      !find("rl_basic_word_break_characters", wordBreaks) ||
+      !find("rl_completion_append_character", appended)) {
     return {};
   }
   std::setlocale(LC_CTYPE, "C.UTF-8");
   *output = TerminalStream();
   *readCharacter = ReadCharacter;
+  *complete = Complete;
+  *wordBreaks = " \t(),=";
+  *appended = 0;
   return editor;
 }
 
@@ -141,6 +191,34 @@ std::optional<std::string> EditLine(const std::string& prompt) {
 
 void RememberLine(const std::string& line) {
   if (Editor().addHistory != nullptr) Editor().addHistory(line.c_str());
+}
+
+void CompleteWith(Completer words) { completer = std::move(words); }
+
+std::optional<std::string> HistoryFile() {
+  const std::string folder = EnvironmentVariable("XDG_STATE_HOME").value_or("");
+  if (folder.starts_with('/')) return folder + "/orvane/history";
+  const std::string home = EnvironmentVariable("HOME").value_or("");
+  if (home.starts_with('/')) return home + "/.local/state/orvane/history";
+  return std::nullopt;
+}
+
+bool WriteForOwner(const std::string& file, const std::string& text) {
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+  if (std::filesystem::create_directories(folder, error)) chmod(folder.c_str(), S_IRWXU);
+  const std::string made = file + "." + std::to_string(getpid());
+  const int descriptor = open(made.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (descriptor < 0) return false;
+  std::ptrdiff_t written = 0;
+  for (size_t at = 0; at < text.size() && written >= 0; at += static_cast<size_t>(written)) {
+    written = WriteSome(descriptor, std::string_view(text).substr(at));
+    if (written < 0) break;
+  }
+  const bool done =
+      close(descriptor) == 0 && written >= 0 && std::rename(made.c_str(), file.c_str()) == 0;
+  if (!done) unlink(made.c_str());
+  return done;
 }
 
 void ForgetLines() {

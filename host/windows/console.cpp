@@ -141,6 +141,12 @@ void RememberLine(const std::string&) {}  // the console does
 
 void ForgetLines() {}  // and gives no way to take one back
 
+void CompleteWith(Completer) {}  // and asks nobody what a line may go on with
+
+std::optional<std::string> HistoryFile() { return std::nullopt; }
+
+bool WriteForOwner(const std::string&, const std::string&) { return false; }
+
 void OpenStandardDescriptors() {
   for (int descriptor = 0; descriptor < 3; ++descriptor) {
     if (GetFileType(HandleOf(descriptor)) != FILE_TYPE_UNKNOWN) continue;
