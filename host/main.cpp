@@ -10,8 +10,8 @@
 #include "host/check/check_file.h"
 #include "host/decode/decode.h"
 #include "host/definitions.h"
+#include "host/desk/shell.h"
 #include "host/failure.h"
-#include "host/listeners.h"
 #include "host/lsp/server.h"
 #include "host/options.h"
 #include "host/output.h"
@@ -19,61 +19,16 @@
 #include "host/reader_list.h"
 #include "host/script.h"
 #include "host/session.h"
-#include "host/shell.h"
 #include "host/tags_dictionary.h"
 #include "host/test/test_command.h"
 #include "host/text.h"
 #include "host/text_input.h"
 #include "host/tlv.h"
 #include "host/trace/trace_command.h"
+#include "host/workplace.h"
 
 namespace host {
 namespace {
-
-// What run, shell and apdu have in common: a session on the reader that was asked for.
-class Workplace {
- public:
-  explicit Workplace(const Options& options, bool echoStatements = true)
-      : beginning_(CircumstancesOf(options)),
-        listeners_(options),
-        readers_(options.kind, options.simulate, EnvironmentVariable("ORVANE_READER").value_or(""),
-                 options.coldReset),
-        silent_(nullptr),
-        trace_(options.quiet ? silent_ : std::cout,
-               {.colour = WantsColour(options), .tlv = options.tlv}),
-        session_(readers_, secrets_, trace_,
-                 {.showSecrets = options.showSecrets,
-                  .echoStatements = echoStatements,
-                  .listeners = AllListeners()}) {
-    StoreDefinitions(beginning_.variables, secrets_);
-    if (!options.reader.empty()) session_.Open(options.reader);
-  }
-
-  Session& Work() { return session_; }
-  const Circumstances& Beginning() const { return beginning_; }
-  void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
-
-  // To be called when all has gone well: throws Failure if the recording is not whole.
-  void Finish() {
-    readers_.CloseAll();
-    listeners_.Finish();
-  }
-
- private:
-  std::vector<ExchangeListener*> AllListeners() const {
-    std::vector<ExchangeListener*> all;
-    listeners_.AddTo(all);
-    return all;
-  }
-
-  Circumstances beginning_;
-  Listeners listeners_;
-  Readers readers_;
-  Secrets secrets_;
-  std::ostream silent_;
-  Trace trace_;
-  Session session_;
-};
 
 void RunFile(const Options& options) {
   const Script script(options.file);
@@ -116,7 +71,7 @@ void SendCommands(const Options& options) {
 int StartShell(const Options& options) {
   const bool interactive = InputIsTerminal();
   Workplace workplace(options, !interactive || !OutputIsTerminal());
-  const int code = RunShell(workplace.Work(), interactive);
+  const int code = RunShell(workplace, options.showSecrets, interactive);
   workplace.Finish();
   return code;
 }
