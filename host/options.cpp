@@ -234,6 +234,15 @@ void DescribeBatch(CLI::App& batch, Options& options) {
       .add_option("--journal", options.batch.journal,
                   "What becomes of each row; the same command goes on where it ends")
       ->type_name("FILE");
+  batch
+      .add_option("--jobs", options.batch.jobs,
+                  "A PostgreSQL database in the place of table and journal, for several stations: "
+                  "postgresql://HOST/DATABASE")
+      ->type_name("ADDRESS");
+  CLI::App& load = *batch.add_subcommand("load", "Fill the database of --jobs with --table");
+  load.add_option("FILE", options.file, "The script")->required();
+  load.fallthrough();
+  load.callback([&options] { options.batch.load = true; });
   batch.add_flag("--status", options.batch.status, "Show what the journal says, and run nothing");
   CLI::Option* retry = batch.add_flag("--retry-begun", options.batch.retryBegun,
                                       "Begin rows again that did not end");

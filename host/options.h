@@ -17,6 +17,8 @@ namespace host {
 struct BatchOptions {
   std::vector<std::string> readers;
   std::string table, key, journal;  // files; a column, empty for the first one
+  std::string jobs;                 // a database in their place
+  bool load = false;                // fill it
   std::string logFolder;            // empty for none
   bool status = false;
   bool retryBegun = false, skipBegun = false, retryFailed = false;

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "host/batch/batch_report.h"
+#include "host/batch/database_store.h"
 #include "host/batch/journal_store.h"
 #include "host/batch/sha256.h"
 #include "host/batch/supervisor.h"
@@ -29,9 +30,15 @@ void Refuse(bool wrong, const std::string& message) {
 
 // Workers have the program's standard input for themselves.
 void CheckCommandLine(const Options& options) {
+  const bool stations = !options.batch.jobs.empty();
   Refuse(options.file.empty(), "a script is needed");
-  Refuse(options.batch.table.empty(), "a table is needed: --table FILE");
-  Refuse(options.batch.journal.empty(), "a journal is needed: --journal FILE");
+  Refuse(stations && !options.batch.journal.empty(), "--jobs is in the place of a journal");
+  Refuse(stations && !options.batch.load && !options.batch.table.empty(),
+         "--jobs is in the place of a table; orvane batch load puts one there");
+  Refuse(!stations && options.batch.load, "a database is needed: --jobs ADDRESS");
+  Refuse(options.batch.table.empty() && (!stations || options.batch.load),
+         "a table is needed: --table FILE");
+  Refuse(options.batch.journal.empty() && !stations, "a journal is needed: --journal FILE");
   const auto& variables = options.variableFiles;
   Refuse(options.file == "-" || options.batch.table == "-" ||
              std::find(variables.begin(), variables.end(), "-") != variables.end(),
@@ -53,6 +60,12 @@ Options ForCheck(const Options& options) {
   return first;
 }
 
+Table ReadCheckedTable(const Options& options, const Script& script) {
+  Table table = ReadTable(options.batch.table);
+  CheckTable(table, script, ForCheck(options), options.batch.key);
+  return table;
+}
+
 class Batch {
  public:
   explicit Batch(const Options& options)
@@ -60,9 +73,12 @@ class Batch {
         script_(options.file),
         digest_(Sha256(script_.Text())),
         progress_(std::cout, !options.quiet && OutputIsTerminal()) {
-    table_ = ReadTable(options.batch.table);
-    CheckTable(table_, script_, ForCheck(options), options.batch.key);
-    store_ = std::make_unique<JournalStore>(table_, digest_, options.batch.journal);
+    if (options.batch.jobs.empty()) {
+      table_ = ReadCheckedTable(options, script_);
+      store_ = std::make_unique<JournalStore>(table_, digest_, options.batch.journal);
+    } else {
+      store_ = std::make_unique<DatabaseStore>(options.batch.jobs, digest_);
+    }
     if (!options.html.empty()) html_.emplace(options.html);
     if (!options.batch.logFolder.empty()) MakeLogFolder();
   }
@@ -184,11 +200,24 @@ class Batch {
 };
 
 int ShowStatus(const Options& options) {
+  if (!options.batch.jobs.empty()) {
+    Postgres database(options.batch.jobs);
+    PrintStatus(std::cout, DatabaseStore::RecordsIn(database));
+    return kDone;
+  }
   Refuse(options.batch.journal.empty(), "a journal is needed: --journal FILE");
   const Journal journal = ReadJournal(options.batch.journal);
   if (!journal.batch)
     throw Failure(kFileFault, Printable(options.batch.journal) + " is no journal");
   PrintStatus(std::cout, RecordsOf(journal));
+  return kDone;
+}
+
+int Load(const Options& options) {
+  const Script script(options.file);
+  const Table table = ReadCheckedTable(options, script);
+  LoadJobs(options.batch.jobs, Sha256(script.Text()), table);
+  if (!options.quiet) std::cout << Counted(table.rows.size(), "row") << " loaded\n";
   return kDone;
 }
 
@@ -198,7 +227,7 @@ int RunBatch(const Options& options) {
   if (options.batch.worker > 0) return RunWorker(options);
   if (options.batch.status) return ShowStatus(options);
   CheckCommandLine(options);
-  return Batch(options).Run();
+  return options.batch.load ? Load(options) : Batch(options).Run();
 }
 
 }  // namespace host

@@ -51,6 +51,7 @@ class JobStore {
   virtual const std::vector<std::string>& Columns() const = 0;
   virtual std::vector<RowRecord> Records() = 0;
   virtual RowCounts Count() = 0;
+  virtual bool Waits() { return Count()[RowState::kWaiting] > 0; }  // any row
 
   // The rows that were begun and that nobody works on.
   virtual std::vector<size_t> LeftBegun() = 0;

@@ -125,7 +125,7 @@ void Supervisor::HandOut() {
   }
   const auto works = [](const auto& worker) { return worker->reader.row.has_value(); };
   if (std::any_of(workers_.begin(), workers_.end(), works)) return;
-  if (none || store_.Count()[RowState::kWaiting] == 0) Stop(kStop);
+  if (none || !store_.Waits()) Stop(kStop);
 }
 
 void Supervisor::SendAnswers() {
