@@ -1,6 +1,9 @@
 #include "common/virtual_card.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
 #include <utility>
 
 #include "common/card_key.h"
@@ -55,6 +58,13 @@ bool IsPinBlock(const Octets& block) {
   if (nibbles[0] != '2' || digits < 4 || digits > 12) return false;
   const size_t filler = nibbles.find_first_not_of("0123456789", 2);
   return filler == 2 + digits && nibbles.find_first_not_of('F', filler) == std::string::npos;
+}
+
+// How long a command takes, by ORVANE_CARD_TIME.
+std::chrono::microseconds CommandTime() {
+  static const char* const text = std::getenv("ORVANE_CARD_TIME");
+  static const std::chrono::microseconds time(text != nullptr ? std::atoi(text) : 0);
+  return time;
 }
 
 }  // namespace
@@ -162,6 +172,7 @@ void VirtualCard::Reset() {
 }
 
 std::vector<uint8_t> VirtualCard::Transmit(std::span<const uint8_t> octets) {
+  std::this_thread::sleep_for(CommandTime());
   const std::optional<Command> command = Command::Read(octets);
   if (!command || !command->IsGetResponse()) waiting_.clear();
   if (!command) return Response(kWrongLength).Join();
