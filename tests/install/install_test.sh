@@ -165,7 +165,7 @@ case $name in
     done
     # The installation, with the libraries in the architecture's folder, and what Debian wants to be told.
     libraries=lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
-    diff <(files_in "$prefix" | grep -v LICENSE | sed "s,^lib/,$libraries/," | LC_ALL=C sort) \
+    diff <(files_in "$prefix" | grep -v LICENSE | sed -e "s,^lib/,$libraries/," -e 's,man/.*,&.gz,' -e 's,site-functions,vendor-completions,' | LC_ALL=C sort) \
       <(files_in usr | grep -Ev 'share/doc/[^/]*/(changelog.gz|copyright)$') || fail "the packages hold other files"
     dpkg-deb -f liborvane1_*.deb Depends | tr ',' '\n' | grep -q '^ *libgcrypt20 ' || fail "no dependencies"
     dpkg-deb --ctrl-tarfile liborvane1_*.deb | tar -xO ./symbols |
