@@ -18,7 +18,7 @@ import time
 
 PROGRAM = " ".join(map(shlex.quote, sys.argv[1:]))
 UNDER_WINE = sys.argv[-1].endswith(".exe")
-CTRL_C, CTRL_D, BACKSPACE = "\x03", "\x04", "\x7f"
+CTRL_C, CTRL_D, BACKSPACE, UP = "\x03", "\x04", "\x7f", "\x1b[A"
 PROMPT = "orvane>"
 
 
@@ -138,6 +138,16 @@ if UNDER_WINE:  # whose console keeps the line
 else:
     run("exec {} shell", store, (PROMPT, "%A = 12"), ("12", CTRL_C), show, ("Müller中", ""),
         (PROMPT, CTRL_D), ("\n", ""))
+    # Tab completes; lines come back in the next session, but none with a secret, in any line before.
+    state = os.environ["XDG_STATE_HOME"] = os.getcwd() + "/state"
+    run("exec {} shell --simulate", (PROMPT, "%AIDÄ = 00A40400\r"), (PROMPT, "%ai\t\r"), ("00A40400", "@STRLEN\t\t"),
+        ("@strlenh(", "h(%ai\t)\r"), ("4\r\n", "%A = @x\t11, 22)\r"), ("33\r\n", ":dec\t sw 9000\r"),
+        ("success", "%PIN = 1234\r"), leave)
+    run("exec {} shell", (PROMPT, UP + UP), ("%A = @xor(11, 22)", BACKSPACE + "\r"), (PROMPT, "%X = 2412FF\r"),
+        (PROMPT, "00200080 03 %X\r"), ("", ""), (PROMPT, "%Z = 1\r"), leave)
+    history = open(state + "/orvane/history").read()
+    assert history.endswith("@strlenh(%AIDÄ)\n%A = @xor(11, 22)\n:decode sw 9000\n%Z = 1\n"), history
+    assert os.stat(state + "/orvane/history").st_mode & 0o777 == 0o600
     interrupt_a_command()
     interrupt_a_test_run()
     lose_input_in_the_middle()
