@@ -49,9 +49,11 @@ set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 foreach(component DEVELOPMENT PROGRAM SIMULATORS)
   set(CPACK_COMPONENT_DEBIAN_${component}_DEPENDS debian_library)
 endforeach()
-# The PC/SC module loads pcsc-lite when it is first called, the program libedit when a person types.
+# The PC/SC module loads pcsc-lite when it is first called, the program libedit when a person types
+# and libpq when stations share a batch.
 set(CPACK_DEBIAN_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS "libpcsclite1, pcscd")
 set(CPACK_DEBIAN_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS "libedit2, orvane-simulators")
+set(CPACK_DEBIAN_DEBIAN_PROGRAM_PACKAGE_SUGGESTS libpq5)
 
 # All of what the library exports is there since its first release.
 set(soname liborvane.so.${PROJECT_VERSION_MAJOR})

@@ -8,6 +8,8 @@ Unicode true
 Target amd64-unicode
 ManifestSupportedOS all
 RequestExecutionLevel user
+; A file that cannot be written ends the installation.
+AllowSkipFiles off
 SetCompressor /SOLID lzma
 Name "Orvane"
 OutFile "${OUTPUT}"

@@ -19,6 +19,11 @@ wine reg add 'HKCU\Environment' /v Path /t REG_EXPAND_SZ /d "%USERPROFILE%\\bin;
 before=$(user_path)
 folder="$ORVANE_WINE/drive_c/Tools(1)/Orvane"
 
+# Not half of it.
+mkdir -p "$ORVANE_WINE/drive_c/Taken/orvane.dll/mine"
+! "$root/script/wine" "$installer" /S '/D=C:\Taken' >log 2>&1 || fail "installed without the library"
+! wine reg query "$entry" >log 2>&1 || fail "listed without the library"
+
 for round in first again; do
   wine "$installer" /S /PATH '/D=C:\Tools(1)\Orvane' >log 2>&1 || fail "$round: $(cat log)"
   [ "$(user_path)" = "$before;C:\\Tools(1)\\Orvane" ] || fail "$round: PATH is $(user_path)"
