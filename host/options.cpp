@@ -7,6 +7,7 @@
 #include "host/definitions.h"
 #include "host/expectation.h"
 #include "host/failure.h"
+#include "host/help_text.h"
 #include "host/platform.h"
 #include "host/reader_address.h"
 #include "host/reader_list.h"
@@ -298,6 +299,7 @@ bool WantsColour(const Options& options) {
 
 void DescribeOptions(CLI::App& app, Options& options) {
   app.name("orvane");
+  app.formatter(MakeHelpFormatter());      // which the subcommands inherit
   app.allow_windows_style_options(false);  // a path may begin with a slash
   app.description("Runs card scripts and APDUs against smart-card readers.");
   app.footer(kShortFooter);  // what the subcommands inherit

@@ -1,0 +1,27 @@
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+
+#include "host/options.h"
+#include "host/pages/pages.h"
+
+// orvane_pages FOLDER: writes orvane.1, orvane (for bash) and _orvane (for zsh) into the folder.
+int main(int count, char** arguments) {
+  if (count != 2) return 2;
+  host::Options options;
+  CLI::App app;
+  host::DescribeOptions(app, options);
+  const std::string folder = std::string(arguments[1]) + "/";
+  bool written = true;
+  const auto write = [&](const char* name, const std::string& text) {
+    std::ofstream out(folder + name, std::ios::binary);
+    out << text;
+    out.close();
+    if (!out) std::cerr << "can't write " << folder << name << '\n';
+    written = written && static_cast<bool>(out);
+  };
+  write("orvane.1", host::ManualPage(app));
+  write("orvane", host::BashCompletion(app));
+  write("_orvane", host::ZshCompletion(app));
+  return written ? 0 : 1;
+}
