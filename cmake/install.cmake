@@ -111,6 +111,20 @@ function(install_development)
           COMPONENT ${prefix}development ${exclude})
 endfunction()
 
+# What reads the description of the command line besides the program.
+set(page_files orvane.1 orvane _orvane)
+set(page_folders ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+function(install_pages)
+  if(NOT TARGET pages)
+    return()
+  endif()
+  set(pages ${PROJECT_BINARY_DIR}/pages)
+  foreach(file folder IN ZIP_LISTS page_files page_folders)
+    install(FILES ${pages}/${file} DESTINATION ${folder} COMPONENT ${prefix}program ${exclude})
+  endforeach()
+endfunction()
+
 # The rules of the installation whose folders are chosen.
 function(install_all)
   install(TARGETS orvane EXPORT ${prefix}Orvane
@@ -127,6 +141,7 @@ function(install_all)
   if(ORVANE_TOOLS)
     install(TARGETS orvane_host COMPONENT ${prefix}program ${exclude})
     install_modules(${prefix}program ${recorder_folder} recorder)
+    install_pages()
     install_simulators()
   endif()
   install_development()
@@ -142,6 +157,9 @@ choose_installation(${CMAKE_INSTALL_LIBDIR} "")
 set(folders ${CMAKE_INSTALL_BINDIR} ${libdir} ${CMAKE_INSTALL_INCLUDEDIR}/orvane
     ${CMAKE_INSTALL_DOCDIR} ${simulators_folder}/wd ${recorder_folder} ${package_folder}
     ${pkgconfig_folder})
+if(TARGET pages)
+  list(APPEND folders ${page_folders})
+endif()
 install(CODE "set(folders \"${folders}\")" ALL_COMPONENTS)
 install(CODE [[
   set(new_folders)
