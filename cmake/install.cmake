@@ -146,7 +146,7 @@ function(install_all)
   endif()
   install_development()
   install(FILES README.md CHANGELOG.md TYPE DOC COMPONENT ${prefix}program ${exclude})
-  install(DIRECTORY docs examples TYPE DOC COMPONENT ${prefix}program ${exclude}
+  install(DIRECTORY docs examples editors TYPE DOC COMPONENT ${prefix}program ${exclude}
           PATTERN build EXCLUDE PATTERN node_modules EXCLUDE)
 endfunction()
 
