@@ -49,7 +49,7 @@ std::string FitScreen(const std::string& text) {
   for (std::string line; std::getline(in, line); last = line.size()) {
     const size_t indent = std::min(line.find_first_not_of(' '), line.size());
     const bool goesOn = !line.empty() && last > kFull && indent == HangOf(paragraph) &&
-                        !IsDigit(line[indent]) && line[indent] != '-' &&
+                        !IsDigit(line[indent]) && (indent == 0 || line[indent] != '-') &&
                         !line.starts_with("Exit code");
     if (goesOn) {
       paragraph += ' ' + line.substr(indent);
