@@ -38,6 +38,8 @@ void WriteOctets();
 
 bool InputIsTerminal();
 bool OutputIsTerminal();
+// The columns of the terminal that standard output is; 80 where they can't be told.
+size_t OutputWidth();
 
 // Reads a line from the terminal, without its end; none at the end of input. Ctrl-C drops the line
 // and gives an empty one. Once this has been called, the first Ctrl-C between two lines changes

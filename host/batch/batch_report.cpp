@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "host/platform.h"
 #include "host/text.h"
 
 namespace host {
@@ -137,6 +138,10 @@ void BatchProgress::Show(const RowCounts& counts, const std::vector<Supervisor::
   for (const Supervisor::Reader& reader : readers) {
     text += "  |  " + Printable(reader.name) + ' ' + Printable(reader.doing);
   }
+  // A line that wraps could not be written over.
+  const size_t room = OutputWidth() - 1;
+  if (text.size() > room) text.resize(room);
+  while (!text.empty() && (text.back() & 0x80) != 0) text.pop_back();
   out_ << '\r' << text << std::string(width_ - std::min(width_, text.size()), ' ') << std::flush;
   width_ = text.size();
 }

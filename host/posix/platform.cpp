@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <link.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/utsname.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -33,6 +34,10 @@ void WriteOctets() {}  // it always does
 
 bool InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 bool OutputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
+size_t OutputWidth() {
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
 
 std::optional<std::string> EnvironmentVariable(const std::string& name) {
   const char* const value = std::getenv(name.c_str());

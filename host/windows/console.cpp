@@ -114,6 +114,11 @@ void WriteOctets() { _setmode(1, _O_BINARY); }
 
 bool InputIsTerminal() { return IsConsole(0); }
 bool OutputIsTerminal() { return IsConsole(1); }
+size_t OutputWidth() {
+  CONSOLE_SCREEN_BUFFER_INFO information;
+  if (GetConsoleScreenBufferInfo(HandleOf(1), &information) == 0) return 80;
+  return static_cast<size_t>(information.srWindow.Right - information.srWindow.Left + 1);
+}
 
 std::optional<std::string> EditLine(const std::string& prompt) {
   static const int output = OutputIsTerminal() ? 1 : _wopen(L"CONOUT$", _O_RDWR);

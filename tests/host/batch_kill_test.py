@@ -79,3 +79,28 @@ with tempfile.TemporaryDirectory() as folder:
         check()
         assert set(states()[0].values()) <= {"done", "abandoned"}, states()
     print(f"{done} kills in {batches} batches")
+
+    # The first interrupt lets rows end, the second one halts them.
+    for interrupts, most in ((1, 0), (2, 2)):
+        os.remove("journal")
+        batch = subprocess.Popen(command, env={**os.environ, "ORVANE_CARD_TIME": "50000"},
+                                 stderr=subprocess.PIPE)
+        while not os.path.exists("journal") or "begun" not in open("journal").read():
+            time.sleep(0.01)
+        for _ in range(interrupts):
+            batch.send_signal(signal.SIGINT)
+            time.sleep(0.15)
+        batch.communicate()
+        left = list(states()[0].values()).count("begun")
+        assert batch.returncode == 130 and left <= most and (left > 0) == (most > 0), left
+
+    # A card that stays in its reader is none for the next row, nor for the next run. Simulators that
+    # are found as makers' libraries are change no cards.
+    held = {**os.environ, "LD_LIBRARY_PATH": os.path.join(os.path.dirname(program), "simulators")}
+    for reader in ("3:Simulated Reader 0", "5:COM1"):
+        os.remove("journal")
+        for _ in range(2):
+            batch = subprocess.run([*command[:2], *command[3:8], "-r", reader, "--timeout", "1"],
+                                   env=held, capture_output=True, text=True)
+            assert batch.returncode == 4 and "was not taken out" in batch.stderr, batch
+            assert list(states()[0].values()) == ["done"] + ["waiting"] * (ROWS - 1)
