@@ -20,7 +20,7 @@
 #include "host/script.h"
 #include "host/session.h"
 #include "host/tags_dictionary.h"
-#include "host/test/test_command.h"
+#include "host/testing/test_command.h"
 #include "host/text.h"
 #include "host/text_input.h"
 #include "host/tlv.h"

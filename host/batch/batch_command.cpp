@@ -17,8 +17,8 @@
 #include "host/failure.h"
 #include "host/platform.h"
 #include "host/script.h"
-#include "host/test/html_report.h"
-#include "host/test/report_file.h"
+#include "host/testing/html_report.h"
+#include "host/testing/report_file.h"
 #include "host/text.h"
 
 namespace host {

@@ -6,7 +6,7 @@
 
 #include "host/batch/job_store.h"
 #include "host/batch/supervisor.h"
-#include "host/test/test_report.h"
+#include "host/testing/test_report.h"
 
 namespace host {
 

@@ -24,7 +24,7 @@
 #include "host/script.h"
 #include "host/session.h"
 #include "host/session_recorder.h"
-#include "host/test/markup.h"
+#include "host/testing/markup.h"
 #include "host/text.h"
 
 namespace host {

@@ -4,7 +4,7 @@
 
 #include "host/failure.h"
 #include "host/replay.h"
-#include "host/test/report_file.h"
+#include "host/testing/report_file.h"
 #include "host/text.h"
 #include "host/trace/capture.h"
 #include "host/trace/difference.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/exchange_listener.h"
-#include "host/test/test_report.h"
+#include "host/testing/test_report.h"
 #include "host/trace.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-#include "host/test/markup.h"
+#include "host/testing/markup.h"
 
 #include <array>
 #include <sstream>

@@ -1,8 +1,8 @@
-#include "host/test/test_table.h"
+#include "host/testing/test_table.h"
 
 #include <algorithm>
 
-#include "host/test/markup.h"
+#include "host/testing/markup.h"
 #include "host/text.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-#include "host/test/tap_report.h"
+#include "host/testing/tap_report.h"
 
 #include <sstream>
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/test/test_report.h"
+#include "host/testing/test_report.h"
 
 namespace host {
 

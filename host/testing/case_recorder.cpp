@@ -1,4 +1,4 @@
-#include "host/test/case_recorder.h"
+#include "host/testing/case_recorder.h"
 
 #include "host/response.h"
 #include "host/text.h"

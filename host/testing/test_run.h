@@ -6,8 +6,8 @@
 
 #include "host/script.h"
 #include "host/session.h"
-#include "host/test/case_recorder.h"
-#include "host/test/test_report.h"
+#include "host/testing/case_recorder.h"
+#include "host/testing/test_report.h"
 
 namespace host {
 

@@ -1,4 +1,4 @@
-#include "host/test/test_run.h"
+#include "host/testing/test_run.h"
 
 #include <utility>
 

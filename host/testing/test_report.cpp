@@ -1,4 +1,4 @@
-#include "host/test/test_report.h"
+#include "host/testing/test_report.h"
 
 #include <array>
 #include <charconv>

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string>
 
-#include "host/test/test_report.h"
+#include "host/testing/test_report.h"
 
 namespace host {
 

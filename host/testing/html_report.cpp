@@ -1,14 +1,14 @@
-#include "host/test/html_report.h"
+#include "host/testing/html_report.h"
 
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include "host/decode/tag_list.h"
 #include "host/status_word.h"
-#include "host/test/markup.h"
+#include "host/testing/markup.h"
 #include "host/text.h"
 #include "host/tlv.h"
-#include "test/page/page.h"
+#include "testing/page/page.h"
 
 namespace host {
 namespace {

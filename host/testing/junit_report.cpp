@@ -1,9 +1,9 @@
-#include "host/test/junit_report.h"
+#include "host/testing/junit_report.h"
 
 #include <ctime>
 #include <sstream>
 
-#include "host/test/markup.h"
+#include "host/testing/markup.h"
 
 namespace host {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/test/report_file.h"
+#include "host/testing/report_file.h"
 
 #include <cerrno>
 #include <filesystem>

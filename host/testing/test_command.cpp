@@ -1,4 +1,4 @@
-#include "host/test/test_command.h"
+#include "host/testing/test_command.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -14,13 +14,13 @@
 #include "host/readers.h"
 #include "host/script.h"
 #include "host/session.h"
-#include "host/test/case_recorder.h"
-#include "host/test/html_report.h"
-#include "host/test/junit_report.h"
-#include "host/test/report_file.h"
-#include "host/test/tap_report.h"
-#include "host/test/test_run.h"
-#include "host/test/test_table.h"
+#include "host/testing/case_recorder.h"
+#include "host/testing/html_report.h"
+#include "host/testing/junit_report.h"
+#include "host/testing/report_file.h"
+#include "host/testing/tap_report.h"
+#include "host/testing/test_run.h"
+#include "host/testing/test_table.h"
 #include "host/text.h"
 
 namespace host {
