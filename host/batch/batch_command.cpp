@@ -92,7 +92,7 @@ class Batch {
     progress_.Clear();
     const std::vector<RowRecord> records = store_->Records();
     if (html_) html_->Write(HtmlReport(ReportOf(script_.Name(), records)));
-    if (output_) throw *output_;
+    if (output_) throw Failure(*output_);
     const RowCounts counts = store_->Count();
     if (!options_.quiet) std::cout << Numbers(counts) << '\n';
     return CodeOf(code, counts);

@@ -53,8 +53,9 @@ std::string Sha256(std::string_view text) {
   for (size_t at = 0; at + 64 <= text.size(); at += 64) TakeBlock(state, text.data() + at);
   rest += '\x80';
   rest.resize(rest.size() <= 56 ? 56 : 120);
+  const uint64_t bits = uint64_t{text.size()} * 8;
   for (int shift = 56; shift >= 0; shift -= 8) {
-    rest += static_cast<char>(uint64_t{text.size()} * 8 >> shift);
+    rest += static_cast<char>(bits >> shift);
   }
   for (size_t at = 0; at < rest.size(); at += 64) TakeBlock(state, rest.data() + at);
   std::string digits;

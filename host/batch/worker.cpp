@@ -201,7 +201,7 @@ class CardWork {
 std::string ReaderOf(const Options& options) {
   if (!options.batch.readers.empty()) return options.batch.readers[options.batch.worker - 1];
   if (options.simulate) return "3:Simulated Reader 0";
-  const std::string reader = EnvironmentVariable("ORVANE_READER").value_or("");
+  std::string reader = EnvironmentVariable("ORVANE_READER").value_or("");
   if (!reader.empty()) return reader;
   const std::vector<std::string> listed = ListReaders(ReaderKindPcsc, 0);
   if (listed.size() == 1) return "3:" + listed.front();
@@ -351,11 +351,11 @@ class Worker {
 
 }  // namespace
 
-int RunWorker(const Options& given) {
-  Options options = given;
-  Worker worker(options);
+int RunWorker(const Options& options) {
+  Options own = options;
+  Worker worker(own);
   try {
-    options.reader = ReaderOf(options);
+    own.reader = ReaderOf(options);
     worker.Run();
     return kDone;
   } catch (const Failure& failure) {
