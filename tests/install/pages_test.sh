@@ -37,10 +37,15 @@ zpty shell zsh -f -i
 zpty -w shell "PS1=; fpath=($1 \$fpath); autoload -U compinit; compinit -u -D; TERM=dumb; LISTMAX=1000; echo rea''dy"
 zpty -r shell seen '*ready*'
 zpty -w -n shell "$2"$'\t\t'
-sleep 2
-zpty -r -t shell rest; print -r -- "$rest"
-while zpty -r -t shell rest; do print -r -- "$rest"; done
+# What it shows comes in parts, and late where the machine is busy.
+rest=
+repeat 100; do
+  while zpty -r -t shell part; do rest+=$part; done
+  [[ $rest = *$3* ]] && break
+  sleep 0.2
+done
+print -r -- "$rest"
 END
-zsh -f "$work/complete.zsh" "$prefix/share/zsh/site-functions" 'orvane ' >"$work/zsh"
+zsh -f "$work/complete.zsh" "$prefix/share/zsh/site-functions" 'orvane ' 'trace *--' >"$work/zsh"
 while read -r command; do grep -q "^ *$command *--" "$work/zsh" || fail "zsh: no $command in $(cat "$work/zsh")"; done <"$work/commands"
-zsh -f "$work/complete.zsh" "$prefix/share/zsh/site-functions" 'orvane check --f' | grep -q 'format' || fail "zsh: no --format"
+zsh -f "$work/complete.zsh" "$prefix/share/zsh/site-functions" 'orvane check --f' format | grep -q format || fail "zsh: no --format"
