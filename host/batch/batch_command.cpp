@@ -54,6 +54,20 @@ void CheckCommandLine(const Options& options) {
          "a reader");
 }
 
+// A report in the place of another file would destroy it.
+void CheckReport(const Options& options) {
+  const auto path = [](const std::string& name) {
+    return std::filesystem::path(std::u8string(name.begin(), name.end()));
+  };
+  for (const std::string& taken : {options.file, options.batch.table, options.batch.journal}) {
+    std::error_code error;
+    Refuse(!taken.empty() && !options.html.empty() &&
+               (taken == options.html ||
+                std::filesystem::equivalent(path(taken), path(options.html), error)),
+           "a report would take the place of " + Printable(taken));
+  }
+}
+
 Options ForCheck(const Options& options) {
   Options first = options;
   if (!options.batch.readers.empty()) first.reader = options.batch.readers.front();
@@ -227,6 +241,7 @@ int RunBatch(const Options& options) {
   if (options.batch.worker > 0) return RunWorker(options);
   if (options.batch.status) return ShowStatus(options);
   CheckCommandLine(options);
+  CheckReport(options);
   return options.batch.load ? Load(options) : Batch(options).Run();
 }
 

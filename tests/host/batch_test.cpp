@@ -151,6 +151,7 @@ TEST_F(Batch, KeepsFailuresAndWhyTheyFailed) {
   for (const char* file : {"journal", "page", "logs/row-1.log", "logs/row-2.log"}) {
     EXPECT_FALSE(Shows(ReadText(file), "1234FF") || Shows(ReadText(file), "1111FF")) << file;
   }
+  EXPECT_EQ(Run("--html ./table").exitCode, 2);
   EXPECT_EQ(Run().exitCode, 1);
   const size_t before = ReadText("journal").size();
   EXPECT_EQ(Run("--retry-failed").exitCode, 1);
