@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "commands/crypto_provider_table.h"
-#include "common/virtual_card.h"
 #include "engine/engine.h"
 #include "host/check/check.h"
 #include "host/engine.h"
@@ -217,30 +216,24 @@ void Conversions(Input input) {
   const auto count = static_cast<std::int32_t>(size);
   const auto octets = [](auto& room) { return (unsigned char*)room.data(); };
 
-  Room url(3 * length), plain(length);
+  Room url(3 * length), plain(length), back(size), digits(2 * size), four(4);
   URLDecode(source, plain.data());
   URLEncode(source, url.data());
-  const Text encoded(TextIn(url));
-  URLDecode(encoded, plain.data());
+  URLDecode(Text(TextIn(url)), plain.data());
   Expect(std::equal(plain.begin(), plain.end(), source.begin()), "an escaped text read back");
 
-  Room digits(2 * size), back(size), parsed((size + 1) / 2), hexText(4 * ((size + 1) / 2));
-  const Room exact(text.begin(), text.end());
+  Room exact(text.begin(), text.end()), parsed((size + 1) / 2), hexText(4 * ((size + 1) / 2));
   HexToAscii(octets(exact), digits.data(), count);
   Expect(AsciiToHex(digits.data(), octets(back), 2 * count) == 1 && back == exact,
          "octets read back");
   AsciiToHex(exact.data(), octets(parsed), count);
   AsciiToHexStr(exact.data(), hexText.data(), count);
-  for (const int allowHex : {0, 1}) {
-    const std::int32_t at = CheckAsciiNum(exact.data(), allowHex, count);
-    Expect(at >= 0 && at <= count, "a place");
-  }
-  std::int32_t number = 0;
+  for (const int allowHex : {0, 1})
+    Expect(CheckAsciiNum(exact.data(), allowHex, count) <= count, "a place");
+  std::int32_t number = 0, again = 0;
   HexStrToInt(exact.data(), &number, count);
   if (HexToInt(octets(exact), &number, count) == 1) {
-    Room four(4), eight(8);
-    std::int32_t bytes = 0, again = 0;
-    IntToHexStr(eight.data(), number, &bytes);
+    std::int32_t bytes = 0;
     IntToHex(octets(four), number, &bytes);
     HexToInt(octets(four) + 4 - bytes, &again, bytes);
     Expect(again == number, "a number read back");
@@ -342,17 +335,6 @@ void Readers(Input input) {
   for (const unsigned reader : {15u, 3u, 0u}) SetReader(reader), OpenReader(1, 13, 9600);
 }
 
-// A line is a command APDU; one that begins with R resets the card.
-void Card(Input input) {
-  simulator::VirtualCard card;
-  while (!input.Empty()) {
-    const std::string line = input.Line();
-    if (line.starts_with('R')) card.Reset();
-    const auto response = card.Transmit(simulator::FromHex(line));
-    Expect(response.size() >= 2 && response.size() <= 258, "a response's length");
-  }
-}
-
 // ---- The program's reader of scripts: what it accepts, the library takes apart in the same way --
 
 void CheckAccepted(const host::Statement& statement) {
@@ -444,16 +426,12 @@ void Recordings(Input input) {
   }
 }
 
-const std::map<std::string_view, void (*)(Input)> kTargets = {{"statements", Statements},
-                                                              {"tags", Tags},
-                                                              {"dictionary", Dictionary},
-                                                              {"conversions", Conversions},
-                                                              {"readers", Readers},
-                                                              {"character_sets", CharacterSets},
-                                                              {"card", Card},
-                                                              {"tlv", Tlv},
-                                                              {"recordings", Recordings},
-                                                              {"scripts", Scripts}};
+// clang-format off
+const std::map<std::string_view, void (*)(Input)> kTargets = {
+    {"statements", Statements}, {"tags", Tags}, {"dictionary", Dictionary}, {"tlv", Tlv},
+    {"conversions", Conversions}, {"character_sets", CharacterSets}, {"readers", Readers},
+    {"recordings", Recordings}, {"scripts", Scripts}};
+// clang-format on
 
 }  // namespace
 
