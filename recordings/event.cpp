@@ -53,9 +53,10 @@ std::string ReadText(const Json& line, const Field& field) {
   if (found == line.end()) return {};
   const auto* text = found->get_ptr<const std::string*>();
   if (text == nullptr || !Has(*text, field.form)) {
-    const std::string what = field.form == Form::kText         ? "text"
-                             : field.form == Form::kStatusWord ? "status word of four digits"
-                                                               : "text of whole octets, in digits 0 to 9 and A to F";
+    const std::string what = field.form == Form::kText ? "text"
+                             : field.form == Form::kStatusWord
+                                 ? "status word of four digits"
+                                 : "text of whole octets, in digits 0 to 9 and A to F";
     throw BadEvent('"' + std::string(field.name) + "\" is no " + what);
   }
   return *text;

@@ -4,9 +4,9 @@
  * A provider is a dynamic library, orvane_crypto.dll or liborvane_crypto.so, that exports the six
  * functions under the names of the table's members. Orvane looks for it when the first crypto
  * command runs: it takes one that the host has loaded before; then comes the system's search (on
- * Windows the program's folder and those of AddDllDirectory, never the current folder or PATH), then
- * Orvane's own folder. It stays loaded until the process ends. A command whose entry can't be had
- * fails; the others work.
+ * Windows the program's folder and those of AddDllDirectory, never the current folder or PATH),
+ * then Orvane's own folder. It stays loaded until the process ends. A command whose entry can't be
+ * had fails; the others work.
  *
  * Rules for all entries:
  *  - They run on the thread of the script, one at a time. Called from inside one, RunScript gives
@@ -14,8 +14,8 @@
  *  - All areas belong to the caller and are valid during the call only. What the caller hands over
  *    to be read is not to be written to.
  *  - Counts are in octets. But for @HASH a count is half the length of the script's text, rounded
- *    down, whatever characters it has, and octets that its digits do not reach are 00. No count need
- *    be a multiple of a block.
+ *    down, whatever characters it has, and octets that its digits do not reach are 00. No count
+ * need be a multiple of a block.
  *  - A result longer than its area, or with a negative length, makes the command fail. An entry
  *    refuses its parameters by setting outputBytes to -1, writing nothing and returning 0.
  *  - Keys have 8, 16 or 24 octets. mode is 0 for an 8-octet key and 1 for a longer one; from
