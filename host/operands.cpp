@@ -26,7 +26,7 @@ class Reader {
   // Gives the value, which has no wrong character. Where it has one, the operand that brings it in
   // is looked for.
   std::string CheckCharacters(Words words) const {
-    const std::string value = ValueOf(words);
+    std::string value = ValueOf(words);
     if (value.size() < kLongestValue && !FindWrongCharacter(parameter_, value)) return value;
     ForEachOperand(words, [this](const Word& word) {
       if (word.kind == WordKind::kLiteral) CheckLiteral(word);

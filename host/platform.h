@@ -49,7 +49,7 @@ std::optional<std::string> EditLine(const std::string& prompt);
 // From the first call on, so many Ctrl-C (on POSIX, also what else asks a program to end) are only
 // noted, and the next one ends the program; and a write that can't be done fails, which ends no
 // program.
-void NoteInterrupts(int noted = 1);
+void NoteInterrupts(int count = 1);
 int Interrupts();  // that were noted
 inline bool Interrupted() { return Interrupts() > 0; }
 
@@ -62,7 +62,7 @@ void ForgetLines();
 // Where the line editing takes what Tab completes: the words that may stand in the place of the
 // last one of the line up to the cursor, which begins behind a blank, ( ) , or =. None with null.
 using Completer = std::function<std::vector<std::string>(std::string_view before)>;
-void CompleteWith(Completer completer);
+void CompleteWith(Completer words);
 
 // The file of lines that sessions before have offered for recall; none where the line editing takes
 // none, or where the environment has no place for it.

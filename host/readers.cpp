@@ -31,7 +31,7 @@ bool WdIsSimulated() {
 // That of the installation where none stands beside the program.
 std::filesystem::path SimulatorFile(int32_t kind) {
   const std::string file = ModuleFileName(KindLibrary(kind));
-  const auto beside = ProgramFolder() / "simulators" / file;
+  auto beside = ProgramFolder() / "simulators" / file;
   std::error_code error;
   if (std::filesystem::exists(beside, error)) return beside;
   return ModulesFolder() / "simulators" / file;

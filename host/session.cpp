@@ -146,7 +146,7 @@ void Session::Show(const Statement& expression) {
 
 std::string Session::ValueOf(const Statement& expression) const {
   CheckOperands(expression, Hides(expression));
-  const std::string value = Evaluate(expression.text);
+  std::string value = Evaluate(expression.text);
   if (Hides(expression, value)) {
     throw Failure(kScriptFault, "the value is a secret, and shown with --show-secrets");
   }

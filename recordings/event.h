@@ -52,6 +52,6 @@ class BadEvent : public std::runtime_error {
 std::string WriteEvent(const Event& event);
 
 // None for a type of event that is not known. Throws BadEvent.
-std::optional<Event> ReadEvent(std::string_view line);
+std::optional<Event> ReadEvent(std::string_view text);
 
 }  // namespace recordings

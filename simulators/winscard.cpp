@@ -60,6 +60,7 @@ std::vector<const char*> Readers() {
   static std::vector<std::string> recorded;
   recorded = simulator::RecordedReaders();
   std::vector<const char*> readers;
+  readers.reserve(recorded.size() + std::size(kReaders));
   for (const std::string& name : recorded) readers.push_back(name.c_str());
   for (const char* name : kReaders) {
     if (!IsOneOf(name, readers)) readers.push_back(name);

@@ -1,4 +1,6 @@
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
 #include <fstream>
 #include <iostream>
 
@@ -6,7 +8,7 @@
 #include "host/pages/pages.h"
 
 // orvane_pages FOLDER: writes orvane.1, orvane (for bash) and _orvane (for zsh) into the folder.
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
   if (count != 2) return 2;
   host::Options options;
   CLI::App app;
@@ -24,4 +26,7 @@ int main(int count, char** arguments) {
   write("orvane", host::BashCompletion(app));
   write("_orvane", host::ZshCompletion(app));
   return written ? 0 : 1;
+} catch (const std::exception& fault) {
+  std::fprintf(stderr, "%s\n", fault.what());
+  return 1;
 }

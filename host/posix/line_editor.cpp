@@ -100,8 +100,10 @@ char* Copied(const std::string& text) { return strdup(text.c_str()); }
 // What libedit is to put in the place of the word, and behind it the words to choose from, all of
 // which it frees; null for none. The place of the word's end is counted in characters.
 char** Complete(const char* typed, int, int end) {
-  *Editor().completed = 1;
-  std::string_view before = *Editor().line;
+  const LineEditor& editor = Editor();
+  if (editor.completed == nullptr || editor.line == nullptr) return nullptr;
+  *editor.completed = 1;
+  std::string_view before = *editor.line;
   size_t at = 0;
   for (int characters = 0; at < before.size(); ++at) {
     if (BeginsCharacter(before[at]) && characters++ == end) break;

@@ -23,14 +23,15 @@ constexpr auto kDigitValues = MakeDigitValues();
 
 unsigned DigitValue(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
 
-constexpr std::size_t kBlockOctets = 32;
+constexpr std::size_t kBlockDigits = 64;
+constexpr std::size_t kBlockOctets = kBlockDigits / 2;
 
 // Reads two digits for every octet of a block, in loops without branches, which compilers turn into
 // vector instructions. With any other character there it gives false and writes nothing.
 bool DecodeBlock(const char* text, unsigned char* octets) {
-  unsigned char values[2 * kBlockOctets];
-  unsigned char letters[2 * kBlockOctets];  // 0 to 5 for a letter, 0 for a decimal digit
-  for (std::size_t i = 0; i < sizeof values; ++i) {
+  std::array<unsigned char, kBlockDigits> values;
+  std::array<unsigned char, kBlockDigits> letters;  // 0 to 5 for a letter, 0 for a decimal digit
+  for (std::size_t i = 0; i < values.size(); ++i) {
     const auto digit = static_cast<unsigned char>(text[i] - '0');
     const auto letter = static_cast<unsigned char>((text[i] | 0x20) - 'a');
     values[i] = digit < 10 ? digit : static_cast<unsigned char>(letter + 10);
@@ -79,7 +80,6 @@ void EncodeHex(const unsigned char* octets, std::size_t count, char* text) {
 }
 
 bool DecodeHex(std::string_view text, unsigned char* octets) {
-  constexpr std::size_t kBlockDigits = 2 * kBlockOctets;
   // Whole blocks are only read where the text has not ended before its size.
   std::size_t blocks = text.size() < kBlockDigits
                            ? 0

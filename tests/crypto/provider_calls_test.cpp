@@ -303,6 +303,7 @@ TEST_F(ProviderCalls, RefuseStatementsAndReadersFromInsideACall) {
       EXPECT_EQ(SetReader(0), 0);
     };
     EXPECT_EQ(RunOne(statement), outcome) << statement;
+    answer.callBack = [] {};
     EXPECT_EQ(callsBack, 1);
     EXPECT_EQ(GetVarValue("%INNER"), ScriptUndefinedVariable);
     EXPECT_EQ(RunOne("%SET"), (Outcome{1, "11"}));
