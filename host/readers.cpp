@@ -101,6 +101,11 @@ int32_t Readers::CurrentKind() const {
 
 Framing Readers::CurrentFraming() const { return FramingOf(CurrentKind()); }
 
+void Readers::PrepareLists() const {
+  if (!simulate_) return;
+  for (const int32_t kind : ReaderKinds()) LoadSimulator(kind);
+}
+
 bool Readers::Simulated() const {
   const int32_t kind = CurrentKind();
   if (kind == ReaderKindWd) return WdIsSimulated();

@@ -50,6 +50,9 @@ class Readers {
   bool Used() const { return used_; }
   size_t Number() const { return current_; }  // of the current reader
   bool IsOpen() const { return places_[current_] && places_[current_]->open; }
+  // Loads all simulators, if simulate says so.
+  void PrepareLists() const;
+
   // True if a simulator stands behind the current reader.
   bool Simulated() const;
   // Of the current reader; of none, that of the one that OpenDefault would open.

@@ -38,6 +38,10 @@ class Workplace {
   const Circumstances& Beginning() const { return beginning_; }
   void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
 
+  // Has to be called before readers are listed: where the readers are simulated, a list asks their
+  // simulators, and no maker's library comes into the process.
+  void PrepareLists() const { readers_.PrepareLists(); }
+
   // Records from now on. Throws Failure (kUsageFault) if something records already or a reader has
   // been opened, and as SessionRecorder does.
   void Record(const std::string& file, bool showSecrets) {

@@ -117,7 +117,8 @@ struct DeskCommand {
 
 constexpr DeskCommand kCommands[] = {
     {":readers", false,
-     [](Desk&, std::string_view) {
+     [](Desk& desk, std::string_view) {
+       desk.workplace.PrepareLists();
        PrintReaders(std::cout, 0, 0);
        return false;
      }},
@@ -152,7 +153,11 @@ std::vector<std::string> CompletePath(std::string_view typed) {
 std::vector<std::string> CompleteOperands(const Desk& desk, std::string_view before) {
   std::vector<std::string> words;
   const std::vector<std::string> variables(desk.variables.begin(), desk.variables.end());
-  for (const Proposal& proposal : ProposeWords(before, variables, ReaderProposals)) {
+  const auto readers = [&desk] {
+    desk.workplace.PrepareLists();
+    return ReaderProposals();
+  };
+  for (const Proposal& proposal : ProposeWords(before, variables, readers)) {
     words.push_back(proposal.text);
   }
   return words;

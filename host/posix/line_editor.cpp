@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -99,7 +100,7 @@ char* Copied(const std::string& text) { return strdup(text.c_str()); }
 
 // What libedit is to put in the place of the word, and behind it the words to choose from, all of
 // which it frees; null for none. The place of the word's end is counted in characters.
-char** Complete(const char* typed, int, int end) {
+char** Complete(const char* typed, int, int end) try {
   const LineEditor& editor = Editor();
   if (editor.completed == nullptr || editor.line == nullptr) return nullptr;
   *editor.completed = 1;
@@ -122,6 +123,8 @@ char** Complete(const char* typed, int, int end) {
   list[0] = Copied(common);
   if (words.size() > 1) std::transform(words.begin(), words.end(), list + 1, Copied);
   return list;
+} catch (const std::exception&) {  // libedit could not pass it on
+  return nullptr;
 }
 
 LineEditor LoadLineEditor() {

@@ -41,6 +41,7 @@ TEST(Shell, CarriesOutLinesForTheDesk) {
       {"%a = 1\n%KEY=22\n@reset()\n:vars\n:decode sw %KEY\n",
        "%A = 1\n|%ATR = 3B6A|%B = 7\n|%KEY = **\n",
        "orvane: the value is a secret, and shown with --show-secrets\n", 3, "-D b=7"},
+      {":readers\n00A40000 02 3F00\n", "3:Simulated Reader 1|SW   9000", ""},
       {":source script\n:vars\n:source bad\n%F\n:source none\n",
        "Sourced|   3  00A40000 %F|SW   9000|%F = 023F00|FAIL|=    1",
        "bad:2: not as expected: @compare(1,2,1)\n  left   1\n  right  2\n  they should be equal\n"
