@@ -40,8 +40,11 @@ int RunInFolder(const std::string& program, const std::string& given) {
   PROCESS_INFORMATION process{};
   const bool started = CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                       nullptr, &start, &process) != 0;
+  const DWORD error = GetLastError();
   for (const HANDLE file : {start.hStdInput, start.hStdOutput, start.hStdError}) CloseHandle(file);
-  if (!started) throw std::runtime_error("can't start " + program);
+  if (!started) {
+    throw std::runtime_error("can't start " + program + ": error " + std::to_string(error));
+  }
   DWORD exitCode = 0;
   WaitForSingleObject(process.hProcess, INFINITE);
   GetExitCodeProcess(process.hProcess, &exitCode);
