@@ -220,7 +220,7 @@ class Worker {
   void Run() {
     const std::optional<Json> begin = orders_.Await(false);
     if (!begin) return;
-    if (Sha256(script_.Text()) != begin->at("script")) {
+    if (Sha256(script_.Text()) != begin->at("script").get<std::string>()) {
       throw Failure(kScriptFault, script_.Name() + " has changed since the batch began");
     }
     columns_ = begin->at("columns");
