@@ -1,12 +1,10 @@
 // The pages in docs/ as their tests read them.
 //
-// A block that is fenced as orvane is an example: a line that a host runs, and behind it the line
-// that tells what the library gives, the code and the text:
+// Each line of a block that is fenced as orvane is an example: what a host runs, two blanks or
+// more, an arrow, and what the library gives, the code and the text:
 //
-//   %K = 00 11
-//   → 0 "0011"
-//   SetVarValue("%SW", "9000")
-//   → 0
+//   %K = 00 11                      → 0 "0011"
+//   SetVarValue("%SW", "9000")      → 0
 #pragma once
 
 #include <gtest/gtest.h>
@@ -62,7 +60,6 @@ inline std::string RunLine(const std::string& line) {
   static const std::regex asking("GetVarValue\\(\"(.*)\"\\)");
   std::smatch parts;
   std::ostringstream given;
-  given << "→ ";
   if (std::regex_match(line, parts, setting)) {
     given << SetVarValue(parts.str(1).c_str(), parts.str(2).c_str());
   } else if (std::regex_match(line, parts, asking)) {
@@ -76,11 +73,12 @@ inline std::string RunLine(const std::string& line) {
 // Runs the page's examples with this crypto module.
 inline void RunExamples(const std::string& page, const std::filesystem::path& module) {
   support::LoadModule(module);
-  const std::vector<std::string> lines = ExampleLines(page);
-  ASSERT_FALSE(lines.empty()) << "the page has no examples";
-  ASSERT_EQ(lines.size() % 2, 0U) << "a line without what it gives";
-  for (std::size_t i = 0; i < lines.size(); i += 2)
-    EXPECT_EQ(RunLine(lines[i]), lines[i + 1]) << lines[i];
+  static const std::regex example("(.*\\S) {2,}→ (.*)");
+  for (const std::string& line : ExampleLines(page)) {
+    std::smatch parts;
+    ASSERT_TRUE(std::regex_match(line, parts, example)) << line;
+    EXPECT_EQ(RunLine(parts.str(1)), parts.str(2)) << line;
+  }
 }
 
 }  // namespace orvane_test

@@ -7,7 +7,10 @@
 namespace orvane_test {
 namespace {
 
+namespace fs = std::filesystem;
 using Names = std::set<std::string>;
+
+const fs::path kRoot = u8"" ORVANE_SOURCE_FOLDER;
 
 Names UpperCased(const std::vector<std::string>& names) {
   Names upper;
@@ -30,9 +33,25 @@ std::vector<std::string> WithSingleBlanks(std::vector<std::string> signatures) {
   return signatures;
 }
 
-TEST(Docs, LanguageGivesWhatThePageSays) {
-  RunExamples(ReadText("docs/language.md"), u8"" DEFAULT_CRYPTO);
+// The pages with examples for the default module. A variable lasts as long as the process: each
+// page is a test, and so has one of its own.
+std::vector<std::string> Pages() {
+  std::vector<std::string> pages;
+  for (const auto& entry : fs::directory_iterator(kRoot / "docs"))
+    if (entry.path().extension() == ".md" && entry.path().stem() != "crypto-module")
+      pages.push_back(entry.path().stem().string());
+  return pages;
 }
+
+class DocsPage : public testing::TestWithParam<std::string> {};
+
+TEST_P(DocsPage, GivesWhatItSays) {
+  RunExamples(ReadText("docs/" + GetParam() + ".md"), u8"" DEFAULT_CRYPTO);
+}
+
+INSTANTIATE_TEST_SUITE_P(, DocsPage, testing::ValuesIn(Pages()), [](const auto& page) {
+  return std::regex_replace(page.param, std::regex("\\W"), "_");
+});
 
 TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
   const std::string page = ReadText("docs/language.md");
@@ -40,7 +59,9 @@ TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
       UpperCased(Matches(ReadText("src/commands/builtin.cpp"), "\\{\"(@\\w+)\", "));
   EXPECT_FALSE(commands.empty());
   EXPECT_EQ(UpperCased(Matches(page, "\n\\| `(@\\w+)\\(")), commands);
-  const Names tested = UpperCased(Matches(Joined(ExampleLines(page)), "(@\\w+) ?\\("));
+  const std::string examples =
+      Joined(ExampleLines(page)) + Joined(ExampleLines(ReadText("docs/cryptography.md")));
+  const Names tested = UpperCased(Matches(examples, "(@\\w+) ?\\("));
   for (const std::string& command : commands) EXPECT_EQ(tested.count(command), 1U) << command;
 }
 
@@ -70,18 +91,16 @@ TEST(Docs, ReadersAreThoseOfTheHeader) {
 }
 
 TEST(Docs, NameFilesThatAreThere) {
-  namespace fs = std::filesystem;
-  const fs::path root = u8"" ORVANE_SOURCE_FOLDER;
   Names pages = {"README.md"};
-  for (const auto& entry : fs::directory_iterator(root / "docs"))
+  for (const auto& entry : fs::directory_iterator(kRoot / "docs"))
     if (entry.is_regular_file()) pages.insert("docs/" + entry.path().filename().string());
   const std::string folders = "src|include|host|crypto|pcsc|simulators|examples|tests|docs";
   for (const std::string& name : pages) {
     const std::string page = ReadText(name);
     for (const std::string& file : Matches(page, "`((?:" + folders + ")/[\\w./-]*)`"))
-      EXPECT_TRUE(fs::exists(root / file)) << name << ": " << file;
+      EXPECT_TRUE(fs::exists(kRoot / file)) << name << ": " << file;
     for (const std::string& file : Matches(page, "\\]\\(([\\w./-]+)\\)"))
-      EXPECT_TRUE(fs::exists(root / fs::path(name).parent_path() / file)) << name << ": " << file;
+      EXPECT_TRUE(fs::exists(kRoot / fs::path(name).parent_path() / file)) << name << ": " << file;
   }
 }
 
