@@ -1,8 +1,4 @@
-"""A script host in Python: runs a script on the simulated card and prints what goes to and fro.
-
-    pip install orvane-VERSION-py3-none-PLATFORM.whl
-    python3 exchange.py ../exchange.orv
-"""
+"""A script host in Python: runs a script on the simulated card and prints what goes to and fro."""
 import pathlib
 import sys
 
@@ -11,7 +7,7 @@ from orvane import Assignment, Command, Comparison, Note, Nothing, ReaderKind, R
 
 
 def run(reader, statement):
-    """Runs one statement and does what it asks of its host. False at the end of the script."""
+    """Runs one statement and does what it asks. False at the end of the script."""
     result = Script.run(statement)
     if isinstance(result, Note):
         print(statement)
@@ -30,7 +26,7 @@ def run(reader, statement):
             raise orvane.Error(f"not as expected: {statement}")
         print("ok ", statement)
     elif not isinstance(result, (Nothing, Assignment, Stop)):
-        # A value for nobody, or a reader or slot that this host has no other of.
+        # A value for nobody, or a reader or slot that this host lacks.
         raise orvane.Error(f"can't run {statement}")
     return not isinstance(result, Stop)
 
@@ -43,13 +39,10 @@ def main(script):
         for line in pathlib.Path(script).read_text(encoding="utf-8-sig").splitlines():
             if not run(reader, line):
                 break
-    orvane.TagDictionary.replace(orvane.TagEntry("5F20", "Cardholder Name"))
-    entry = orvane.TagDictionary.find("5F20")
-    print("tag", entry.tag, entry.short_text)
 
 
 if len(sys.argv) != 2:
-    sys.exit(__doc__)
+    sys.exit("usage: exchange.py SCRIPT")
 try:
     main(sys.argv[1])
 except (orvane.Error, OSError) as failure:
