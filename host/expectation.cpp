@@ -288,6 +288,13 @@ std::vector<std::string> VariablesOf(const Expectation& expectation) {
   return names;
 }
 
+std::string CheckPattern(const std::string& text) try {
+  if (!VariablesOf(ReadExpectation(text)).empty()) return "--expect has no variables; a script has";
+  return "";
+} catch (const Failure& failure) {
+  return failure.what();
+}
+
 std::string MaskExpectation(const Expectation& expectation) {
   std::string masked = "; expect";
   for (size_t at = 0; at < expectation.patterns.size(); ++at) {

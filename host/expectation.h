@@ -37,6 +37,9 @@ Expectation ReadExpectation(std::string_view text, size_t begin = 0);
 // The names of its variables.
 std::vector<std::string> VariablesOf(const Expectation& expectation);
 
+// What is wrong with the pattern of the command line; empty if nothing is.
+std::string CheckPattern(const std::string& text);
+
 // The comment that tells it, with ** for its digits.
 std::string MaskExpectation(const Expectation& expectation);
 

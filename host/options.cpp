@@ -103,7 +103,7 @@ std::string DescribeVersion() {
 // Puts the kind's number in the place of its name.
 std::string ReadKind(std::string& text) {
   const std::optional<int32_t> kind = FindKind(text);
-  if (!kind) return "there is no reader kind " + text + ", but: " + KindShortNames();
+  if (!kind) return NoSuchKind(text);
   text = std::to_string(*kind);
   return "";
 }
@@ -184,14 +184,6 @@ void AddDefinitions(CLI::App& command, Options& options) {
   add("--vars", options.variableFiles, "Set the variables of a file of lines NAME=VALUE", "FILE");
   add("--env", options.environment, "Set %NAME to the environment's NAME", "NAME")
       ->check(CheckName);
-}
-
-// What is wrong with a pattern of --expect; empty if nothing is.
-std::string CheckPattern(const std::string& text) try {
-  if (!VariablesOf(ReadExpectation(text)).empty()) return "there are no variables";
-  return "";
-} catch (const Failure& failure) {
-  return failure.what();
 }
 
 void DescribeTest(CLI::App& test, Options& options) {

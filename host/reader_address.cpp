@@ -41,20 +41,16 @@ const Kind& KindAt(int32_t kind) {
   return found != Kinds().end() ? found->second : none;
 }
 
-int32_t ReadNumber(std::string_view digits, const std::string& meaning) {
+// None for a number that is too large.
+std::optional<int32_t> ReadNumber(std::string_view digits) {
   int32_t number = 0;
   const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (error != std::errc()) {
-    throw Failure(kReaderFault, "there is no " + meaning + " " + std::string(digits));
-  }
-  return number;
+  return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
 int32_t ReadKind(std::string_view digits) {
-  const int32_t kind = ReadNumber(digits, "reader kind");
-  if (KindName(kind).empty()) {
-    throw Failure(kReaderFault, "there is no reader kind " + std::string(digits));
-  }
+  const int32_t kind = ReadNumber(digits).value_or(0);
+  if (KindName(kind).empty()) throw Failure(kReaderFault, NoSuchKind(digits));
   return kind;
 }
 
@@ -85,12 +81,13 @@ std::optional<int32_t> FindKind(std::string_view text) {
   return std::nullopt;
 }
 
-std::string KindShortNames() {
-  std::string names;
+std::string NoSuchKind(std::string_view text) {
+  std::string kinds;
   for (const auto& [number, kind] : Kinds()) {
-    names += (names.empty() ? "" : ", ") + std::string(kind.shortName);
+    kinds +=
+        (kinds.empty() ? "" : ", ") + std::to_string(number) + ' ' + std::string(kind.shortName);
   }
-  return names;
+  return "there is no reader kind " + std::string(text) + "; there are: " + kinds;
 }
 
 bool FitsKind(const ReaderAddress& address) {
@@ -109,9 +106,10 @@ ReaderAddress ReadReaderAddress(std::string_view text, int32_t defaultKind) {
     address.kind = ReadKind(text.substr(0, colon));
     text = text.substr(colon + 1);
   }
-  if (text.empty()) throw Failure(kReaderFault, "no reader is named");
+  if (text.empty()) throw Failure(kReaderFault, "the reader's name is empty");
   if (IsDecimal(text)) {
-    address.port = ReadNumber(text, "port");
+    address.port = ReadNumber(text);
+    if (!address.port) throw Failure(kReaderFault, "there is no port " + std::string(text));
   } else {
     address.name = text;
   }
