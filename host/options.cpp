@@ -59,6 +59,10 @@ Tags
   none from the program's own list: ISO/IEC 7816, EMV and GlobalPlatform.
   orvane tags import examples/tags.txt fills it.
 
+Messages
+  docs/messages.md explains each message and says what to do about it. An installation has this page
+  as html/messages.html: in share/doc/orvane, or where the zip was unpacked.
+
 Exit codes
   0  done
   1  an expectation did not hold, there is no such tag, a command is not as recorded, or two
@@ -73,7 +77,8 @@ Exit codes
 )text";
 
 constexpr const char* kShortFooter =
-    "\norvane --help tells how readers are named, what is hidden, and the exit codes.";
+    "\norvane --help tells how readers are named, what is hidden, where messages are explained, "
+    "and the exit codes.";
 
 // The script to begin with, in a checkout's build or in the installation that the program is of.
 std::string TryIt() try {
