@@ -33,9 +33,8 @@ CardCommand ReadCommand(std::string_view text, Framing framing) {
       std::find_if_not(text.begin(), text.end(), [](char c) { return IsHexDigit(c) || c == ' '; });
   if (digits.empty()) throw Failure(kScriptFault, "the command is empty; nothing sent");
   if (bad != text.end()) {
-    throw Failure(kScriptFault, "the command is not hexadecimal: character " +
-                                    std::to_string(bad - text.begin() + 1) + " of " +
-                                    std::to_string(text.size()) + " is no digit; nothing sent");
+    throw Failure(kScriptFault, "the command has no hexadecimal digit at character " +
+                                    std::to_string(bad - text.begin() + 1) + "; nothing sent");
   }
   if (digits.size() % 2 != 0) {
     throw Failure(kScriptFault, "the command has an odd number of digits (" +

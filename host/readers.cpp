@@ -55,7 +55,7 @@ void LoadSimulator(int32_t kind) {
   }
   std::error_code error;
   if (std::filesystem::exists(module, error)) {
-    throw Failure(kReaderFault, "can't load " + module.string());
+    throw Failure(kReaderFault, "can't load the simulator " + module.string());
   }
   throw Failure(kReaderFault, "there is no simulator " + module.filename().string() + " in " +
                                   (ProgramFolder() / "simulators").string() + " or " +

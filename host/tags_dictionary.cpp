@@ -26,7 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void FailUnreadable() {
-  throw Failure(kFileFault, std::string(kDictionaryFile) + " can't be read");
+  throw Failure(kFileFault, std::string("can't read ") + kDictionaryFile);
 }
 
 class FileReader {
@@ -175,7 +175,7 @@ void Save(const Contents& expected) {
   for (const auto& [tag, entry] : expected) {
     const auto found = stored.find(tag);
     if ((found == stored.end() ? std::nullopt : found->second) != entry) {
-      throw Failure(kFileFault, std::string(kDictionaryFile) + " can't be written");
+      throw Failure(kFileFault, std::string("can't write ") + kDictionaryFile);
     }
   }
 }

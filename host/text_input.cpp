@@ -144,6 +144,10 @@ std::string DigitsIn(std::string_view text) {
   if (wrong != digits.end()) {
     throw Failure(kScriptFault, "'" + Printable({&*wrong, 1}) + "' is no hexadecimal digit");
   }
+  if (digits.size() % 2 != 0) {
+    throw Failure(kScriptFault,
+                  "the data has an odd number of digits (" + std::to_string(digits.size()) + ")");
+  }
   return digits;
 }
 

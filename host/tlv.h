@@ -22,7 +22,7 @@ struct TlvElement {
 size_t TagOctets(std::string_view digits);
 
 // Reads BER-TLV data as ISO/IEC 7816-4 has it: tags of one to four octets, lengths of up to five,
-// 00 between elements as filler. The text is hexadecimal digits without blanks. Hands over each
+// 00 between elements as filler. The text is whole octets, without blanks. Hands over each
 // element as it is read, a parent before its children. Gives why the rest could not be read; the
 // empty text if all was.
 std::string ReadTlv(std::string_view digits, const std::function<void(const TlvElement&)>& take);

@@ -99,7 +99,7 @@ void Trace::Command(const CardCommand& command, bool hideData) {
     if (!expected.empty()) Detail(Colour::kCyan, "", expected);
   }
   if (!command.lengthFits) {
-    Detail(Colour::kYellow, "", Paint(Colour::kYellow, "Lc does not agree with the data's length"));
+    Detail(Colour::kYellow, "", Paint(Colour::kYellow, "Lc does not fit the data"));
   }
 }
 

@@ -31,7 +31,7 @@ void Refuse(bool wrong, const std::string& message) {
 // Workers have the program's standard input for themselves.
 void CheckCommandLine(const Options& options) {
   const bool stations = !options.batch.jobs.empty();
-  Refuse(options.file.empty(), "a script is needed");
+  Refuse(options.file.empty(), "a script is needed: orvane batch FILE");
   Refuse(stations && !options.batch.journal.empty(), "--jobs is in the place of a journal");
   Refuse(stations && !options.batch.load && !options.batch.table.empty(),
          "--jobs is in the place of a table; orvane batch load puts one there");
@@ -222,7 +222,7 @@ int ShowStatus(const Options& options) {
   Refuse(options.batch.journal.empty(), "a journal is needed: --journal FILE");
   const Journal journal = ReadJournal(options.batch.journal);
   if (!journal.batch)
-    throw Failure(kFileFault, Printable(options.batch.journal) + " is no journal");
+    throw Failure(kFileFault, Printable(options.batch.journal) + ": there is no journal yet");
   PrintStatus(std::cout, RecordsOf(journal));
   return kDone;
 }

@@ -132,11 +132,14 @@ class CardWork {
     if (options_.simulate) FeedSimulator(readers_.CurrentKind(), FreshSerialNumber());
   }
 
-  // Shows what the row does in a file of the folder, behind what earlier tries have shown there.
-  void OpenLog(const std::string& folder, size_t row) {
+  // Shows what the row does in a file of --log-dir, if there is one, behind what earlier tries have
+  // shown there.
+  void OpenLog(size_t row) {
+    const std::string& folder = options_.batch.logFolder;
+    if (folder.empty()) return;
     const std::filesystem::path path(std::u8string(folder.begin(), folder.end()));
     log_.open(path / ("row-" + std::to_string(row) + ".log"), std::ios::app);
-    if (!log_) throw Failure(kFileFault, "can't write a log to " + Printable(folder));
+    if (!log_) FailLog();
     out_.rdbuf(log_.rdbuf());
   }
 
@@ -145,7 +148,7 @@ class CardWork {
     const bool written = !out_.fail();
     out_.rdbuf(nullptr);
     log_.close();
-    if (!written || !log_) throw Failure(kFileFault, "can't write a log");
+    if (!written || !log_) FailLog();
   }
 
   // Goes through the script. Throws Failure, Halted and Refused.
@@ -171,6 +174,10 @@ class CardWork {
   }
 
  private:
+  [[noreturn]] void FailLog() const {
+    throw Failure(kFileFault, "can't write a log to " + Printable(options_.batch.logFolder));
+  }
+
   static bool NamesCard(const Statement& statement) {
     return statement.form == Form::kAssignment &&
            UpperCase(statement.TextOf(statement.words[0])) == kCardName;
@@ -315,7 +322,7 @@ class Worker {
       orders_.Tell({{"tell", "end"}, {"state", NameOf(state)}, {"reason", reason}});
     };
     try {
-      if (!options_.batch.logFolder.empty()) card.OpenLog(options_.batch.logFolder, row);
+      card.OpenLog(row);
     } catch (const Failure& failure) {
       end(RowState::kWaiting, failure.what());
       throw;

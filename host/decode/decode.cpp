@@ -87,10 +87,6 @@ std::vector<std::string> DecodedKinds() {
 
 void PrintDecoded(std::ostream& out, std::string_view kind, std::string_view text) {
   const std::string digits = UpperCase(DigitsIn(text));
-  if (digits.size() % 2 != 0) {
-    throw Failure(kScriptFault,
-                  "there is an odd number of digits (" + std::to_string(digits.size()) + ")");
-  }
   const auto decoder = std::find_if(std::begin(kDecoders), std::end(kDecoders),
                                     [&](const Decoder& d) { return d.kind == kind; });
   const Decoding decoding = decoder->decode(digits);

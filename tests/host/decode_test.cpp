@@ -61,7 +61,7 @@ TEST(Decode, TellsOfEachField) {
       {"apdu", "00A404", "|it is cut: its header alone has 4 bytes"},
       {"tlv", "770A82025C00940408010100", "  82  2  Application inter|bit 7  SDA|94  4|SFI 1|"},
       {"tlv", "6F0482025C00", "  82  2|"},
-      {"sw", "900", "|there is an odd number of digits (3)"},
+      {"sw", "900", "|the data has an odd number of digits (3)"},
       {"sw", "90o0", "|'o' is no hexadecimal digit"},
   };
   for (const auto& [kind, data, shown] : rows) {

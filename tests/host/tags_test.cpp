@@ -114,15 +114,15 @@ TEST_F(Tags, StayAsTheyAreWhereTheyAreNoWholeDictionary) {
          {"tags list", "tags find 57", "tags add 57 Name", "tags remove 57", "tags import -"}) {
       const Outcome outcome = RunOrvane(arguments, "57 Name\n");
       EXPECT_EQ(outcome.exitCode, 5) << arguments;
-      EXPECT_EQ(outcome.out + outcome.err, "orvane: dictdata.bin " + what + '\n') << arguments;
+      EXPECT_EQ(outcome.out + outcome.err, "orvane: " + what + '\n') << arguments;
     }
   };
   std::filesystem::create_directory("dictdata.bin");
-  expectFault("can't be read");
+  expectFault("can't read dictdata.bin");
   std::filesystem::remove("dictdata.bin");
   for (const std::string& file : damaged) {
     WriteFile("dictdata.bin", file);
-    expectFault("is no whole dictionary: it holds less or more than it says");
+    expectFault("dictdata.bin is no whole dictionary: it holds less or more than it says");
     EXPECT_EQ(ReadFile("dictdata.bin"), file);
   }
   WriteFile("dictdata.bin", "\2\0\0\0"s + wide + "\xFF\2\0005\0A\0"s + wide +

@@ -25,14 +25,14 @@ TEST_F(SharedTags, AreNotSaidToBeStoredWhereThereIsNoRoom) {
     const std::string program = "\"" ORVANE_BUILD_FOLDER "/orvane\" ";
     const int exitCode = RunInFolder("/bin/sh", "-c 'ulimit -f 1; exec " + program + change + "'");
     EXPECT_EQ(exitCode, 5) << change;
-    EXPECT_EQ(ReadText("err"), "orvane: dictdata.bin can't be written\n");
+    EXPECT_EQ(ReadText("err"), "orvane: can't write dictdata.bin\n");
     EXPECT_EQ(ReadFile("dictdata.bin"), before);
   }
 }
 
 TEST_F(SharedTags, AreNoPipe) {
   ASSERT_EQ(mkfifo("dictdata.bin", 0666), 0);
-  EXPECT_EQ(RunOrvane("tags list").err, "orvane: dictdata.bin can't be read\n");
+  EXPECT_EQ(RunOrvane("tags list").err, "orvane: can't read dictdata.bin\n");
 }
 
 TEST_F(SharedTags, TakeTheChangesOfAll) {
