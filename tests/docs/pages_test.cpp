@@ -27,12 +27,6 @@ std::string Joined(const std::vector<std::string>& lines) {
   return text;
 }
 
-std::vector<std::string> WithSingleBlanks(std::vector<std::string> signatures) {
-  for (std::string& signature : signatures)
-    signature = std::regex_replace(signature, std::regex("\\s+"), " ");
-  return signatures;
-}
-
 // The pages with examples for the default module. A variable lasts as long as the process: each
 // page is a test, and so has one of its own.
 std::vector<std::string> Pages() {
@@ -63,13 +57,6 @@ TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
       Joined(ExampleLines(page)) + Joined(ExampleLines(ReadText("docs/cryptography.md")));
   const Names tested = UpperCased(Matches(examples, "(@\\w+) ?\\("));
   for (const std::string& command : commands) EXPECT_EQ(tested.count(command), 1U) << command;
-}
-
-TEST(Docs, ExportsAreThoseOfTheHeader) {
-  const auto declared =
-      WithSingleBlanks(Matches(ReadText("include/orvane.h"), "\nORVANE_API ([^;]*);"));
-  EXPECT_EQ(declared.size(), 40U);
-  EXPECT_EQ(WithSingleBlanks(Matches(ReadText("docs/calling.md"), "\n- `([^`]*)`")), declared);
 }
 
 TEST(Docs, ReadersAreThoseOfTheHeader) {
