@@ -9,6 +9,7 @@ with 0 unless its output says "exit code N". PLACE is where the reader stands:
   checkout   in the project's folder; FOLDER stands for build/default
   installed  in a folder of the reader's own, FOLDER being the prefix
   zip        in FOLDER, where the zip was unpacked, at the prompt of WINE
+A block fenced as "text FILE" is a file that an installed reader writes for the commands below it.
 In a block "console PLACE reader" a reader and a card are needed: simulated ones stand in. Those of
 "console zip sh" are package_test.sh's. A block fenced as "sh" has scripts of the project, which take long.
 """
@@ -55,7 +56,7 @@ def strays(text):
     for kind, block in fences.findall(text):
         if kind == "sh":
             yield from re.findall(r"^(?!script/).+", block, re.M)
-        elif not re.fullmatch("console (?:checkout|(?:installed|zip)(?: reader)?|zip sh)|c|cpp|python|js|csharp|text|yaml|cmake|orvane", kind):
+        elif not re.fullmatch(r"console (?:checkout|(?:installed|zip)(?: reader)?|zip sh)|c|cpp|python|js|csharp|text(?: [\w.]+)?|yaml|cmake|orvane", kind):
             yield f"```{kind}"
     prose = fences.sub("", text)
     yield from re.findall(rf"^(?: {{4,}}|\t)(?:\$ )?{tools} .*", prose, re.M)
@@ -75,7 +76,11 @@ for page in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
     for stray in strays(text):
         failures += 1
         print(f"{page.name}: not in a block that is run: {stray}", file=sys.stderr)
-    for reader, block in re.findall(rf"^```console {place}( reader)?\n(.*?)^```$", text, re.M | re.S):
+    blocks = rf"^```(?:text ([\w.]+)|console {place}( reader)?)\n(.*?)^```$"
+    for file, reader, block in re.findall(blocks, text, re.M | re.S):
+        if file:
+            (scratch / file).write_text(block, encoding="utf-8")
+            continue
         for command, output in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", block, re.M):
             command = command.replace("build/default", str(folder)).replace("FOLDER", str(prefix))
             if reader:
