@@ -52,7 +52,7 @@ TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
   const Names commands =
       UpperCased(Matches(ReadText("src/commands/builtin.cpp"), "\\{\"(@\\w+)\", "));
   EXPECT_FALSE(commands.empty());
-  EXPECT_EQ(UpperCased(Matches(page, "\n\\| `(@\\w+)\\(")), commands);
+  EXPECT_EQ(UpperCased(Matches(page, "(?:\n\\||,) `(@\\w+)\\(")), commands);
   const std::string examples =
       Joined(ExampleLines(page)) + Joined(ExampleLines(ReadText("docs/cryptography.md")));
   const Names tested = UpperCased(Matches(examples, "(@\\w+) ?\\("));
