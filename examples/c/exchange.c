@@ -27,7 +27,9 @@ static void Send(const char* command) {
   }
   printf(">>  %s\n", command);
   const int done = SendCommand(command, length, answer);
-  const int bare = strcmp(answer, "9000") == 0; /* success without data */
+  /* A PC/SC reader gives the data, or 9000 where there is none. Without success it gives the first
+   * two octets of what came: the status word, unless data stood before it. */
+  const int bare = strcmp(answer, "9000") == 0;
   if (!done && (bare || answer[0] == '\0')) Fail("no status word", command);
   const char* data = done && !bare ? answer : "";
   const char* statusWord = done ? "9000" : answer;

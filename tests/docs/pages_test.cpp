@@ -59,6 +59,15 @@ TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
   for (const std::string& command : commands) EXPECT_EQ(tested.count(command), 1U) << command;
 }
 
+TEST(Docs, CallingTellsWhatEveryExportGives) {
+  const std::string page = ReadText("docs/calling.md");
+  const std::string table = page.substr(page.find("## What comes back"));
+  const auto exports = Matches(ReadText("include/orvane.h"), "\nORVANE_API [^(]*\\b(\\w+)\\(");
+  EXPECT_EQ(exports.size(), 40U);
+  for (const std::string& name : exports)
+    EXPECT_NE(table.find('`' + name + '`'), table.npos) << name;
+}
+
 TEST(Docs, ReadersAreThoseOfTheHeader) {
   const std::string page = ReadText("docs/readers.md");
   const std::string header = ReadText("include/orvane.h");
