@@ -1,4 +1,4 @@
-"""The table of names in docs/bindings.md names what each binding has; Python and Node have the header's values."""
+"""The tables of names in docs/packages.md name what each binding has; Python and Node have the header's values."""
 import pathlib
 import re
 import sys
@@ -9,13 +9,25 @@ sources = ["include/orvane.hpp", "bindings/python/src/orvane/*.py", "bindings/no
 cpp, python, types, csharp, node, header = [
     "\n".join(path.read_text(encoding="utf-8") for path in sorted(root.glob(pattern))) for pattern in sources]
 
-page = (root / "docs/bindings.md").read_text(encoding="utf-8")
-table = re.search(r"\n\| \| C\+\+ \| Python .*?\n\n", page, re.S)[0]
-rows = [row.split("|")[2:-1] for row in table.strip().splitlines()[2:]]
-missing = {name for row in rows for text, column in zip((cpp, python, types, csharp), row)
-           for name in re.findall(r"`'?([\w:.]+)'?`", column)
-           if not re.search(rf"\b{re.split('[.:]+', name)[-1]}\b", text)}
-missing -= {"std::variant", "with", "using", "examples", "type"}
+page = (root / "docs/packages.md").read_text(encoding="utf-8")
+shared, others = [re.search(rf"\n\| {head} \|.*?\n\n", page, re.S)[0] for head in ("For", "But")]
+missing = set()
+
+
+def look(name, text):
+    if not re.search(rf"\b{name}\b", text):
+        missing.add(name)
+
+
+names = re.findall(r"`(\w+)`(:?)", shared)
+for name, is_type in names:
+    look(name, cpp), look(name, csharp)
+    look(name if is_type else re.sub(r"\B([A-Z])", r"_\1", name).lower(), python)
+    look(name if is_type else name[0].lower() + name[1:], types)
+for row in others.strip().splitlines()[2:]:
+    for text, column in zip((cpp, python, types, csharp), row.split("|")[2:-1]):
+        for name in re.findall(r"`([\w.]+)`", column):
+            look(name.split(".")[-1], text)
 
 
 def values(text, body):
@@ -28,4 +40,4 @@ for enum, prefix in (("ReaderKind", "ReaderKind"), ("StatementKind", "Kind"), ("
                        (types, rf"{enum}: Readonly<{{(.*?)}}")):
         if values(text, body) != expected:
             missing.add(f"{enum} as in the header: {body}")
-sys.exit(f"{len(rows)} rows; nobody has {missing}" if missing or len(rows) < 20 else 0)
+sys.exit(f"{len(names)} names; nobody has {missing}" if missing or len(names) < 40 else 0)

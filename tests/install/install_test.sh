@@ -18,9 +18,6 @@ cd "$work"
 fail() { echo "$*" >&2; exit 1; }
 need() { for tool; do command -v "$tool" >/dev/null || { echo "skipped: there is no $tool"; exit 77; }; done; }
 same() { diff "$here/exchange.txt" - || fail "$name: another output"; }
-# The blocks of a language in the page of the bindings; all print the same.
-page() { sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`/!p}" "$prefix/share/doc/orvane/docs/bindings.md"; }
-as_printed() { diff <(page text) - || fail "$name: the page prints another output"; }
 files_in() { (cd "$1" && find . -type l -printf '%P -> %l\n' -o -type f -printf '%P\n' | LC_ALL=C sort); }
 
 case $name in
@@ -78,9 +75,6 @@ case $name in
       cmake --build $folder >log || fail "$(cat log)"
       $folder/exchange "$script" | same
     done
-    page cpp >page.cpp
-    g++ -std=c++20 -Wall -Wextra -Werror -o page page.cpp -I "$prefix/include" -L "$prefix/lib" -lorvane "-Wl,-rpath,$prefix/lib"
-    LD_LIBRARY_PATH=$simulators ./page | as_printed
     ;;
   pkg_config)
     # A shell can't take what it prints of every path.
@@ -114,8 +108,7 @@ case $name in
     venv/bin/pip install -q --no-index "$wheel" >log 2>&1 || fail "$(cat log)"
     venv/bin/python -m pytest -q -p no:cacheprovider "$root/tests/bindings/python_test.py" >log || fail "$(cat log)"
     venv/bin/python "$examples/python/exchange.py" "$script" | same
-    page python >test_page.py
-    venv/bin/python test_page.py | as_printed
+    sed -n '/^```python$/,/^```$/{//!p}' "$prefix/share/doc/orvane/docs/packages.md" >test_page.py
     venv/bin/python -m pytest -q -p no:cacheprovider test_page.py >log || fail "$(cat log)"
     "$prefix/bin/orvane" run -q --simulate --record session.jsonl "$script"
     recorded() { venv/bin/python -m pytest -q -p no:cacheprovider --orvane-recording session.jsonl -k file "$@" test_page.py >log; }
@@ -138,21 +131,17 @@ case $name in
     }
     CASES=$root/tests/bindings/cases.txt node --test node_test.js >log || fail "$(cat log)"
     node exchange.js "$script" | same
-    page js >page.js
-    node page.js | as_printed
     ;;
   csharp)
     need python3 mcs mono nuget unzip
     python3 "$here/csharp_declarations.py" "$prefix/include/orvane.h" "$root/bindings/csharp/Native.cs"
     unzip -q "$("$root/script/package" csharp "$build")" -d package
     cp -r package/lib/net47/* package/native/linux-x64/* .
-    page csharp >Page.cs
-    for program in "$root/tests/bindings/csharp_test.cs" "$examples/csharp/Exchange.cs" Page.cs; do
+    for program in "$root/tests/bindings/csharp_test.cs" "$examples/csharp/Exchange.cs"; do
       mcs -warnaserror -r:Orvane.Net.dll -out:"$(basename "$program" .cs).exe" "$program"
     done
     mono csharp_test.exe "$root/tests/bindings/cases.txt" >log || fail "$(cat log)"
     mono Exchange.exe "$script" | same
-    mono Page.exe | as_printed
     ;;
   debian)
     need dpkg-deb dpkg-shlibdeps file
