@@ -101,24 +101,42 @@ enum ScriptCode {
 };
 
 /* Runs one statement and gives its code.
+ *
  *   script  the statement; null counts as the empty text
- *   result  room for 512 bytes; all of them are written, the text and zeros behind it. The text has
- *           at most 511 bytes: an assignment of a longer value stores the whole value and hands
- *           over its first 511 bytes; any other longer text gives ScriptException and the empty
- *           text. On ScriptNoEngine result is untouched.
- * A failed statement changes no variable. When a command has set one of the kinds 2 to 8, be it
- * inside an argument, the statement ends behind the operand that it stands in: no later operand is
- * evaluated, nothing is stored, and the text, in its own case, is what the operands up to there
- * gave; in an assignment it is empty. Such a command should stand alone. */
+ *   result  room for 512 bytes. All of them are written: the text, at most 511 bytes, and zeros
+ *           behind it. Untouched on ScriptNoEngine
+ *
+ * Result: a StatementKind for a statement that ran to its end, else a ScriptCode.
+ *
+ * Errors: A failed statement changes no variable. A text of more than 511 bytes gives
+ * ScriptException and the empty text, but for an assignment: it stores the whole value and hands
+ * over its first 511 bytes.
+ *
+ * When a command has set one of the kinds 2 to 8, be it inside an argument, the statement ends
+ * behind the operand that it stands in: no later operand is evaluated, nothing is stored, and the
+ * text, in its own case, is what the operands up to there gave. In an assignment the text is empty.
+ * Such a command should stand alone. */
 ORVANE_API int32_t RunScript(const char* script, char* result);
 
-/* Stores value under name, whole and in its own case. The % of a script's variable is part of the
- * name: a script reads SetVarValue("%SW", "9000") as %SW. Variables live until the process ends.
- * Gives ScriptDone, ScriptEmptyName, ScriptException or ScriptNoEngine. */
+/* Stores a value under a name.
+ *
+ *   name   the name of the variable. The % of a script's variable is part of it: a script reads
+ *          SetVarValue("%SW", "9000") as %SW
+ *   value  the value; it is stored whole and in its own case
+ *
+ * Result: ScriptDone, ScriptEmptyName, ScriptException or ScriptNoEngine.
+ *
+ * Variables live until the process ends. */
 ORVANE_API int32_t SetVarValue(const char* name, const char* value);
 
-/* Tells whether a variable exists: ScriptDone, ScriptUndefinedVariable, ScriptEmptyName,
- * ScriptException or ScriptNoEngine. To read a value, run the variable's name as a statement. */
+/* Tells whether a variable exists.
+ *
+ *   name  the name of the variable, with the % of a script's variable
+ *
+ * Result: ScriptDone if it exists, ScriptUndefinedVariable if not; ScriptEmptyName, ScriptException
+ * or ScriptNoEngine.
+ *
+ * To read a value, run the name of the variable as a statement. */
 ORVANE_API int32_t GetVarValue(const char* name);
 
 /* ---- Readers ---------------------------------------------------------------------------------
@@ -160,73 +178,115 @@ typedef struct ReaderInfo {
   int32_t reserved; /* 0 */
 } ReaderInfo;
 
-/* Lists the readers of one kind and gives the number of records written; 0 for a kind that does not
- * exist. The kinds 1, 3 and 12 ask their library, and give 0 when it can't be had; the others list
- * the same ports with and without it. Kind 0, which no reader has, may list the kind listed before.
- * Open readers are not disturbed. ReaderKindTyUsb lists a key by its index in the library's table,
- * from 0 on, and opening hands the library one less than the number in the name or the port: where
- * the library opens by the same index, the key listed as USB0 opens as USB1.
+/* Lists the readers of one kind.
+ *
+ *   kind   a ReaderKind
  *   list   room for max records if max is above 0 and the kind honours it (1, 2, 3, 7, 8, 11), else
  *          for count + 1 records or 16, whichever is more. 32 records hold every list with a count
  *          of at most 31 and a max of at most 32
  *   count  how many ports to offer, for the kinds whose ports can't be asked for (2, 5, 7, 8, 10,
  *          11); 5 and 10 stop at 16 records, 5 and 11 add one record for their USB reader
- *   max    the most records wanted, if above 0; 3 takes 16 otherwise */
+ *   max    the most records wanted, if above 0; 3 takes 16 otherwise
+ *
+ * Result: the number of records written; 0 for a kind that does not exist. The kinds 1, 3 and 12
+ * ask their library, and give 0 when it can't be had; the others list the same ports with and
+ * without it.
+ *
+ * Open readers are not disturbed. Kind 0, which no reader has, may list the kind listed before.
+ *
+ * ReaderKindTyUsb lists a key by its index in the library's table, from 0 on. Opening hands the
+ * library one less than the number in the name or the port: where the library opens by the same
+ * index, the key listed as USB0 opens as USB1. */
 ORVANE_API int32_t GetReaderList(int32_t kind, ReaderInfo* list, int32_t count, int32_t max);
 
-/* Makes the reader with this number the current one. 0 if it is above 15: nothing has changed. */
+/* Makes one of the sixteen readers the current one.
+ *
+ *   index  the number of the reader, 0 to 15
+ *
+ * Result: 1, or 0 if index is above 15: nothing has changed. */
 ORVANE_API int32_t SetReader(uint32_t index);
 
-/* Opens the current reader by port. The baud rate is not read by any driver: pass 9600.
+/* Opens the current reader by port.
+ *
+ *   port  the port, as GetReaderList gives it
+ *   kind  a ReaderKind
+ *   baud  the baud rate. No driver reads it: pass 9600
+ *
+ * Result: 1 for success, 0 for failure.
+ *
  * Opening a kind other than the one in place closes what was open first; opening the same kind
- * again does not. PC/SC connects in shared mode and takes no transaction: other programs may use
- * the card between two commands. A kind that does not exist empties the place and gives 0. Do that
- * with -1: a driver whose kind never opened may count as kind 0, and stays. */
+ * again does not. A kind that does not exist empties the place and gives 0. Do that with -1: a
+ * driver whose kind never opened may count as kind 0, and stays.
+ *
+ * PC/SC connects in shared mode and takes no transaction: other programs may use the card between
+ * two commands. */
 ORVANE_API int32_t OpenReader(int32_t port, int32_t kind, int32_t baud);
 
-/* Opens the current reader by name, as GetReaderList gives it. Otherwise like OpenReader. A PC/SC
- * reader opens without a card; Reset then finds a card that comes later. */
+/* Opens the current reader by name.
+ *
+ *   name  the name, as GetReaderList gives it; the address for ReaderKindTcp
+ *   kind  a ReaderKind
+ *
+ * Result: 1 for success, 0 for failure.
+ *
+ * A PC/SC reader opens without a card; Reset then finds a card that comes later. All else is as
+ * with OpenReader. */
 ORVANE_API int32_t OpenReaderA(const char* name, int32_t kind);
 
-/* Closes the current reader. 1 if it is closed now, also if it was before. 0 while no open call has
- * put a driver in the place, and where the library of kind 4 or 11 refuses; kind 11 asks its
- * library in every call. A card in a PC/SC reader is left as it is. */
+/* Closes the current reader.
+ *
+ * Result: 1 if it is closed now, also if it was before. 0 while no open call has put a driver in
+ * the place, and where the library of kind 4 or 11 refuses; kind 11 asks its library in every call.
+ *
+ * A card in a PC/SC reader is left as it is. */
 ORVANE_API int32_t CloseReader(void);
 
-/* Brings up the card and gives its ATR (ISO/IEC 7816-3) as hexadecimal text. On ReaderKindPcsc it
- * reads the ATR and resets nothing: a verified PIN, the selected application and open keys outlast
- * it, and a close and open as well. What ends them is to pull the card, or outside this library
- * PC/SC's SCardReconnect with SCARD_UNPOWER_CARD, before OpenReaderA. ReaderKindWd gives the reply
- * to the command 00 12 00 00 00 instead, with its status word.
- *   atrHex  room for 1,025 characters; zero-terminated; the empty text for a reader without ATR;
- *           untouched when the result is 0 */
+/* Brings up the card and gives its ATR (ISO/IEC 7816-3).
+ *
+ *   atrHex  room for 1,025 characters: the ATR as hexadecimal text, zero-terminated; the empty text
+ *           for a reader without ATR. Untouched when the result is 0
+ *
+ * Result: 1 for success, 0 for failure.
+ *
+ * On ReaderKindPcsc it reads the ATR and resets nothing: a verified PIN, the selected application
+ * and open keys outlast it, and a close and open as well. What ends them is to pull the card, or
+ * outside this library PC/SC's SCardReconnect with SCARD_UNPOWER_CARD, before OpenReaderA.
+ *
+ * ReaderKindWd gives the reply to the command 00 12 00 00 00 instead of an ATR, with its status
+ * word. */
 ORVANE_API int32_t Reset(char* atrHex);
 
-/* Chooses the card slot of the current reader: slotHex is hexadecimal text, of which the first two
- * characters count ("0C" is slot 12, "1" is slot 16). What a slot means is up to the reader. On a
- * reader that was never opened it does nothing. */
+/* Chooses the card slot of the current reader.
+ *
+ *   slotHex  hexadecimal text, of which the first two characters count: "0C" is slot 12, "1" is
+ *            slot 16. What a slot means is up to the reader
+ *
+ * On a reader that was never opened it does nothing. */
 ORVANE_API void ChangeSlot(const char* slotHex);
 
 /* Sends a command APDU (ISO/IEC 7816-4) to the card and gives its response.
- *   cmdHex   hexadecimal text of at most 8,192 characters
- *   hexLen   its length in characters. Half of it, rounded down, is the number of octets sent. Any
- *            character that is neither digit nor blank ends the text, and zeros go out for what is
- *            left, also for what blanks take away: 00A4Z40000 goes out as 00A4000000, which selects
- *            the MF. So pass digits alone. Below 0 counts as 0; above 8,192 gives 0 and the empty
- *            text
+ *
+ *   cmdHex   hexadecimal text of at most 8,192 characters. Pass digits alone. Any character that is
+ *            neither digit nor blank ends the text, and zeros go out for what is left, also for
+ *            what blanks take away: 00A4Z40000 goes out as 00A4000000, which selects the MF
+ *   hexLen   the length of cmdHex in characters. Half of it, rounded down, is the number of octets
+ *            sent. Below 0 counts as 0
  *   respHex  room for 8,193 characters; zero-terminated and written in every case
- * 1 on status word 9000. A status word 61xx is followed up with one GET RESPONSE. With any other
- * status word the result is 0 and respHex holds the first two octets of the reply: that word, if no
- * data stands before it; 0000 if the kinds 1, 2 and 4 had no reply, as 1 and 2 have none when
- * closed. It is empty when there was no answer. Data in front of 61xx are dropped when the GET
- * RESPONSE succeeds.
- * After success the kinds 3, 5 and 12 give the data without the status word, or 9000 where there is
- * no data; the kinds 4, 7 and 8 give the data and the status word; 1 and 2 give what their library
- * replied, perhaps nothing. The kinds 6, 10 and 11 have no status word: 10 gives 1 and what came, 6
- * and 11 give 1 and the empty text.
- * A command with an extended length goes out where its reader takes that many octets; an answer has
- * at most 256 octets, the status word among them but for the kinds 1 and 2 (128 for 7 and 8; 4,096
- * for 10). */
+ *
+ * Result: 1 on status word 9000. A status word 61xx is followed up with one GET RESPONSE; data in
+ * front of 61xx are dropped when it succeeds. After success the kinds 3, 5 and 12 give the data
+ * without the status word, or 9000 where there is no data; the kinds 4, 7 and 8 give the data and
+ * the status word; 1 and 2 give what their library replied, perhaps nothing. The kinds 6, 10 and 11
+ * have no status word: 10 gives 1 and what came, 6 and 11 give 1 and the empty text.
+ *
+ * Errors: With any other status word the result is 0 and respHex holds the first two octets of the
+ * reply: that word, if no data stands before it; 0000 if the kinds 1, 2 and 4 had no reply, as 1
+ * and 2 have none when closed. The result is 0 and respHex is empty when there was no answer, and
+ * for a hexLen above 8,192.
+ *
+ * A command with an extended length goes out where its reader takes that many octets. An answer has
+ * at most 256 octets, the status word among them but for the kinds 1 and 2; at most 128 for 7 and
+ * 8, and 4,096 for 10. */
 ORVANE_API int32_t SendCommand(const char* cmdHex, int32_t hexLen, char* respHex);
 
 /* ---- Conversions -----------------------------------------------------------------------------
@@ -237,50 +297,94 @@ ORVANE_API int32_t SendCommand(const char* cmdHex, int32_t hexLen, char* respHex
  */
 
 /* Escapes every byte but ASCII letters and digits as %XX (RFC 3986).
- *   out  room for three times the length of text; the length written is not told */
+ *
+ *   text  the text
+ *   out   room for three times the length of text; the length written is not told */
 ORVANE_API void URLEncode(const char* text, char* out);
 
-/* Undoes URLEncode; a + becomes a blank. Escapes are not validated: a digit 0-9 counts as its
- * value, any other character as its code less 55, and the low eight bits of (first * 16) | second
- * are the byte. So upper-case digits are right in both places, lower-case ones in the first only.
- * A % with fewer than two characters behind it stands for itself, and so do those characters.
- *   out  room for the length of text; the length written is not told */
+/* Undoes URLEncode, and turns a + into a blank.
+ *
+ *   text  the escaped text
+ *   out   room for the length of text; the length written is not told
+ *
+ * Escapes are not validated: a digit 0-9 counts as its value, any other character as its code less
+ * 55, and the low eight bits of (first * 16) | second are the byte. So upper-case digits are right
+ * in both places, lower-case ones in the first only. A % with fewer than two characters behind it
+ * stands for itself, and so do those characters. */
 ORVANE_API void URLDecode(const char* text, char* out);
 
-/* Turns count octets into 2 * count upper-case digits.
- *   text  room for 2 * count characters */
+/* Turns octets into upper-case hexadecimal text.
+ *
+ *   octets  the octets
+ *   text    room for 2 * count characters
+ *   count   the number of octets */
 ORVANE_API void HexToAscii(const unsigned char* octets, char* text, int32_t count);
 
-/* Turns length characters of hexadecimal text into octets. 1, or 0 on a character that is neither
- * digit nor blank: what stands before it is written. An odd last digit becomes a high half.
- *   octets  room for half as many octets as there are digits, rounded up */
+/* Turns hexadecimal text into octets.
+ *
+ *   text    the hexadecimal text
+ *   octets  room for half as many octets as there are digits, rounded up
+ *   length  the length of text in characters
+ *
+ * Result: 1, or 0 on a character that is neither digit nor blank: what stands before it is written.
+ * An odd last digit becomes a high half. */
 ORVANE_API int32_t AsciiToHex(const char* text, unsigned char* octets, int32_t length);
 
-/* Puts \x before every two characters, which are not examined. 1 if length is even and not zero,
- * else 0; an odd last character gets its own \x.
- *   out  room for 4 * ((length + 1) / 2) characters */
+/* Puts \x before every two characters of a text.
+ *
+ *   text    the text; its characters are not examined
+ *   out     room for 4 * ((length + 1) / 2) characters
+ *   length  the length of text in characters
+ *
+ * Result: 1 if length is even and not zero, else 0. An odd last character gets its own \x. */
 ORVANE_API int32_t AsciiToHexStr(const char* text, char* out, int32_t length);
 
-/* 0 if all characters are digits 0-9 (or, with allowHex not 0, hexadecimal digits), else the
- * position of the first that is not, counted from 1. Blanks are not digits. */
+/* Looks for the first character of a text that is not a digit.
+ *
+ *   text      the text. Blanks are not digits
+ *   allowHex  0: the digits are 0-9. Any other value: they are the hexadecimal digits
+ *   length    the length of text in characters
+ *
+ * Result: 0 if all characters are digits, else the position of the first that is not, counted from
+ * 1. */
 ORVANE_API int32_t CheckAsciiNum(const char* text, int32_t allowHex, int32_t length);
 
-/* Stores the number that the hexadecimal text stands for, most significant digit first. 1, or 0
- * with value untouched on a bad character or a length below 2 or above 9. An odd last digit does
- * not count. A text with blanks reads as if zeros stood behind it to length / 2 octets. */
+/* Gives the number that a hexadecimal text stands for.
+ *
+ *   text    the hexadecimal text, most significant digit first. An odd last digit does not count. A
+ *           text with blanks reads as if zeros stood behind it to length / 2 octets
+ *   value   the number
+ *   length  the length of text in characters, 2 to 9
+ *
+ * Result: 1, or 0 with value untouched on a bad character or another length. */
 ORVANE_API int32_t HexStrToInt(const char* text, int32_t* value, int32_t length);
 
-/* Stores the number that 1 to 4 octets form, most significant first. 1, or 0 with value untouched
- * on any other count. */
+/* Gives the number that octets form.
+ *
+ *   octets  the octets, most significant first
+ *   value   the number
+ *   count   the number of octets, 1 to 4
+ *
+ * Result: 1, or 0 with value untouched on any other count. */
 ORVANE_API int32_t HexToInt(const unsigned char* octets, int32_t* value, int32_t count);
 
-/* Writes the 1 to 4 significant octets of value, most significant first, at the right-hand end of
- * out: they begin at out + 4 - *count. The bytes before them are untouched. Always 1.
- *   out  four octets */
+/* Gives the significant octets of a number.
+ *
+ *   out    four octets: those of value, most significant first, stand at the right-hand end, from
+ *          out + 4 - *count on. The bytes before them are untouched
+ *   value  the number
+ *   count  the number of octets, 1 to 4
+ *
+ * Result: always 1. */
 ORVANE_API int32_t IntToHex(unsigned char* out, int32_t value, int32_t* count);
 
-/* Writes the same octets as 2, 4, 6 or 8 digits from out[0] on. Always 1.
- *   out  room for eight characters */
+/* Gives the significant octets of a number as hexadecimal text.
+ *
+ *   out     room for eight characters: the digits stand from out[0] on
+ *   value   the number
+ *   length  the number of digits: 2, 4, 6 or 8
+ *
+ * Result: always 1. */
 ORVANE_API int32_t IntToHexStr(char* out, int32_t value, int32_t* length);
 
 /* ---- Character sets --------------------------------------------------------------------------
@@ -301,13 +405,23 @@ ORVANE_API int32_t IntToHexStr(char* out, int32_t value, int32_t* length);
  * compiler and, where that is MSVC, with /EHs. A host in another language can't catch it.
  */
 
-/* From the ANSI code page to UTF-8.
- *   out  room for three times the length of text. One character set takes more (TSCII, for Tamil):
- *        there the text ends behind the last character that fits */
+/* Converts from the ANSI code page to UTF-8.
+ *
+ *   text  the text
+ *   out   room for three times the length of text. One character set takes more (TSCII, for Tamil):
+ *         there the text ends behind the last character that fits
+ *
+ * Errors: a C++ exception, with out untouched; the notes on character sets tell which. */
 ORVANE_API void ASCII2UTF_8(const char* text, char* out);
 
-/* From UTF-8 to the OEM code page. On Windows it does not undo ASCII2UTF_8.
- *   out  room for four times the length of text */
+/* Converts from UTF-8 to the OEM code page.
+ *
+ *   text  the text
+ *   out   room for four times the length of text
+ *
+ * Errors: a C++ exception, with out untouched; the notes on character sets tell which.
+ *
+ * On Windows it does not undo ASCII2UTF_8. */
 ORVANE_API void UTF_82ASCII(const char* text, char* out);
 
 /* ---- Time ------------------------------------------------------------------------------------
@@ -320,28 +434,40 @@ ORVANE_API void UTF_82ASCII(const char* text, char* out);
  * withMs asks for milliseconds if it is 1; any other value does not.
  */
 
-/* Stores the stamp of the present second. */
+/* Gives the stamp of the present second.
+ *
+ *   stamp  the stamp */
 ORVANE_API void GetTimeStampInt(uint32_t* stamp);
 
-/* The present stamp in decimal, and with withMs the three digits of the milliseconds behind it.
- * From 2038-01-19 11:14:08 on the number is negative: the stamp less 2^32.
- *   out  room for 14 bytes; of a longer text, negative and with milliseconds, the first 13 */
+/* Gives the present stamp in decimal.
+ *
+ *   out     room for 14 bytes; of a longer text, negative and with milliseconds, the first 13
+ *   withMs  1: the three digits of the milliseconds stand behind the stamp
+ *
+ * From 2038-01-19 11:14:08 on the number is negative: the stamp less 2^32. */
 ORVANE_API void GetTimeStampStr(char* out, int32_t withMs);
 
-/* The present time.
+/* Gives the present time.
+ *
  *   out  room for 32 bytes */
 ORVANE_API void GetTimeStr(char* out);
 
-/* The time that a stamp stands for.
- *   out  room for 32 bytes */
+/* Gives the time that a stamp stands for.
+ *
+ *   out    room for 32 bytes
+ *   stamp  the stamp */
 ORVANE_API void GetTimeStrFromTimeStampInt(char* out, uint32_t stamp);
 
-/* The time that a decimal stamp with three digits of milliseconds stands for, as GetTimeStampStr
- * writes it with withMs 1. withMs appends a colon and the milliseconds here; the last three
- * characters are taken off in any case. Either number may have blanks and a sign before it, ends at
- * the first character that is no digit, and counts modulo 2^32; the milliseconds modulo 2^16.
+/* Gives the time that a decimal stamp with milliseconds stands for.
+ *
  *   out        room for 36 bytes; the empty text for a stampText below three characters
- *   stampText  at most 25 characters; out is untouched if it has more */
+ *   stampText  the stamp with three digits of milliseconds, as GetTimeStampStr writes it with
+ *              withMs 1. At most 25 characters; out is untouched if it has more
+ *   withMs     1: a colon and the milliseconds stand behind the time. The last three characters of
+ *              stampText are taken off in any case
+ *
+ * Either number may have blanks and a sign before it, ends at the first character that is no digit,
+ * and counts modulo 2^32; the milliseconds modulo 2^16. */
 ORVANE_API void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int32_t withMs);
 
 /* ---- Log files -------------------------------------------------------------------------------
@@ -353,10 +479,17 @@ ORVANE_API void GetTimeStrFromTimeStampStr(char* out, const char* stampText, int
  * same file.
  */
 
-/* Appends a text. A line feed in it becomes CR LF on Windows. */
+/* Appends a text to a file.
+ *
+ *   path  the file
+ *   text  the text. A line feed in it becomes CR LF on Windows */
 ORVANE_API void AsciiLog(const char* path, const char* text);
 
-/* Appends count octets, of any number, as hexadecimal text. A count below 1 appends nothing. */
+/* Appends octets to a file, as hexadecimal text.
+ *
+ *   path    the file
+ *   octets  the octets
+ *   count   the number of octets, any. A count below 1 appends nothing */
 ORVANE_API void HexLog(const char* path, const unsigned char* octets, int32_t count);
 
 /* ---- Tags ------------------------------------------------------------------------------------
@@ -379,37 +512,56 @@ typedef struct TagRecord {
   char value[2046]; /* upper-case hexadecimal text with zeros behind it; no terminator when full */
 } TagRecord;
 
-/* Makes a parser that knows no tag; null if memory ran out. */
+/* Makes a parser that knows no tag.
+ *
+ * Result: the parser; null if memory ran out. */
 ORVANE_API TagParser* TagParsing_Init(void);
 
-/* Parses hexadecimal text and adds what it finds, in the place of what was known under the same
- * tags. 1 if the whole text was parsed. 0 on the first element that is malformed, refused, longer
- * than the text or longer than 1,023 octets: what stands before it is kept, and so is a constructed
- * element whose children, or lack of them, are the fault. 0 with nothing added when the text is
- * empty or has a character that is neither digit nor blank, when memory ran out, and for a null
- * pointer. */
+/* Parses hexadecimal text and adds the tags that it finds.
+ *
+ *   parser  the parser; null gives 0
+ *   text    the hexadecimal text; null gives 0
+ *
+ * Result: 1 if the whole text was parsed. What it finds takes the place of what was known under the
+ * same tags.
+ *
+ * Errors: 0 on the first element that is malformed, refused, longer than the text or longer than
+ * 1,023 octets: what stands before it is kept, and so is a constructed element whose children, or
+ * lack of them, are the fault. 0 with nothing added when the text is empty or has a character that
+ * is neither digit nor blank, when memory ran out, and for a null pointer. */
 ORVANE_API int32_t TagParsing_Parse(TagParser* parser, const char* text);
 
-/* Hands over the record of a tag, two digits of either case. 1, or 0 with zeros alone in out if the
- * tag is not known. A null pointer gives 0 and writes nothing.
- *   out  room for 2,050 bytes, a TagRecord; the value stands at out + 4 */
+/* Hands over the record of a tag.
+ *
+ *   parser  the parser; null gives 0
+ *   tag     two digits of either case; null gives 0
+ *   out     room for 2,050 bytes, a TagRecord; the value stands at out + 4; null gives 0
+ *
+ * Result: 1, or 0 with zeros alone in out if the tag is not known. A null pointer gives 0 and
+ * writes nothing. */
 ORVANE_API int32_t TagParsing_GetTag(TagParser* parser, const char* tag, char* out);
 
-/* Gives a parser back. Null is ignored. */
+/* Gives a parser back.
+ *
+ *   parser  the parser; null is ignored */
 ORVANE_API void TagParsing_Free(TagParser* parser);
 
-/* The dictionary of tags: one list of records for the process, kept in the file dictdata.bin in the
- * current directory. The first call that finds the file reads it, once; only FlushTagdict writes
- * it. A file that ends early gives the records that are complete, a text longer than its field is
- * cut to fit, and wide texts turn into the ANSI code page. Without a file the list begins empty.
+/* ---- The dictionary of tags ------------------------------------------------------------------
+ *
+ * One list of records for the process, kept in the file dictdata.bin in the current directory. The
+ * first call that finds the file reads it, once; only FlushTagdict writes it. A file that ends
+ * early gives the records that are complete, a text longer than its field is cut to fit, and wide
+ * texts turn into the ANSI code page. Without a file the list begins empty.
+ *
  * Until a file is found, each call looks in the directory that is current then; its records come
  * behind those that were added before. After that no other is read, and a flush in another
  * directory puts the list in the place of the file there. Only regular files count. One that may
  * not be read counts as none, and is replaced by a flush that may write it.
- * Use these functions from one thread at a time; they all give 0 when memory runs out, with
- * nothing changed, but for FlushTagdict.
  *
- * A record: 1,244 octets. Texts are zero-terminated and mean nothing to the library; one that fills
+ * Use these functions from one thread at a time.
+ */
+
+/* A record: 1,244 octets. Texts are zero-terminated and mean nothing to the library; one that fills
  * its field without a terminator loses its last byte. */
 typedef struct TagdictData {
   char tag[20];
@@ -417,33 +569,61 @@ typedef struct TagdictData {
   char longText[1024];
 } TagdictData;
 
-/* Copies the whole list, in its order: that of the file, then as added. Gives 1.
+/* Copies the whole list, in its order: that of the file, then as added.
+ *
  *   records  room for every record; there is no other way to ask for their number. A record takes
  *            three octets of the file at least: (size of the file - 4) / 3 records hold those of
- * the file, and those added since come on top count    their number, 0 for an empty list */
+ *            the file, and those added since come on top
+ *   count    the number of records, 0 for an empty list
+ *
+ * Result: 1; 0 when memory runs out, with nothing changed. */
 ORVANE_API int32_t GetTagdict(TagdictData* records, int32_t* count);
 
-/* Copies the first record whose tag is the same in either case. 1, or 0 with out untouched. */
+/* Copies the first record of a tag.
+ *
+ *   tag  the tag; upper and lower case are the same
+ *   out  the record
+ *
+ * Result: 1, or 0 with out untouched: no record has the tag, or memory ran out. */
 ORVANE_API int32_t FindTagdictData(const char* tag, TagdictData* out);
 
-/* Adds a record at the end. 0 if FindTagdictData would find its tag. */
+/* Adds a record at the end of the list.
+ *
+ *   record  the record
+ *
+ * Result: 1, or 0 with nothing changed if FindTagdictData would find its tag, or memory ran out. */
 ORVANE_API int32_t AddTagdictData(const TagdictData* record);
 
-/* Removes the first record with exactly this tag, upper and lower case counting. 0 if none has. */
+/* Removes the first record with exactly this tag.
+ *
+ *   tag  the tag; upper and lower case count
+ *
+ * Result: 1, or 0 with nothing changed: no record has the tag, or memory ran out. */
 ORVANE_API int32_t DeleteTagdictData(const char* tag);
 
-/* Removes the first record with exactly this tag, if there is one, and adds this one at the end. 0
- * if the tag is then still there, in another case or, from a file that held it twice, in the same:
- * the record is not added, and what was removed stays so. */
+/* Puts a record in the place of the one with its tag.
+ *
+ *   record  the record
+ *
+ * Removes the first record with exactly this tag, upper and lower case counting, if there is one,
+ * and adds this one at the end.
+ *
+ * Result: 1. 0 if the tag is still there after the removal, in another case or, from a file that
+ * held it twice, in the same: the record is not added, and what was removed stays so. 0 when memory
+ * runs out, with nothing changed. */
 ORVANE_API int32_t UpTagdictData(const TagdictData* record);
 
-/* Writes the whole list to the file. Always 1: a file that can't be written, or one that is there
- * and failed while it was read, stays as it was, and a full disk or a file size limit ends no
- * process. The new file keeps the old one's permissions (but no setuid bit), access-control list
- * and attributes, and a link stays a link. A process that ends in the middle leaves the old file or
- * the new one, whole, wherever a new file may stand beside the old one and take its place; what
- * else it left there, the next flush removes. Where the folder forbids that, the file itself is
- * overwritten. */
+/* Writes the whole list to the file.
+ *
+ * Result: always 1.
+ *
+ * A file that can't be written, or one that is there and failed while it was read, stays as it was,
+ * and a full disk or a file size limit ends no process. The new file keeps the old one's
+ * permissions (but no setuid bit), access-control list and attributes, and a link stays a link.
+ *
+ * A process that ends in the middle leaves the old file or the new one, whole, wherever a new file
+ * may stand beside the old one and take its place; what else it left there, the next flush removes.
+ * Where the folder forbids that, the file itself is overwritten. */
 ORVANE_API int32_t FlushTagdict(void);
 
 #ifdef __cplusplus
