@@ -7,7 +7,8 @@
 #include "host/options.h"
 #include "host/pages/pages.h"
 
-// orvane_pages FOLDER: writes orvane.1, orvane (for bash) and _orvane (for zsh) into the folder.
+// orvane_pages FOLDER: writes orvane.1, options.md (for the site), orvane (for bash) and _orvane
+// (for zsh) into the folder.
 int main(int count, char** arguments) try {
   if (count != 2) return 2;
   host::Options options;
@@ -23,6 +24,7 @@ int main(int count, char** arguments) try {
     written = written && static_cast<bool>(out);
   };
   write("orvane.1", host::ManualPage(app));
+  write("options.md", host::OptionsPage(app));
   write("orvane", host::BashCompletion(app));
   write("_orvane", host::ZshCompletion(app));
   return written ? 0 : 1;

@@ -12,6 +12,7 @@ namespace host {
 
 // What a person installs beside the program, made from the description of its command line.
 std::string ManualPage(const CLI::App& app);
+std::string OptionsPage(const CLI::App& app);  // Markdown
 std::string BashCompletion(const CLI::App& app);
 std::string ZshCompletion(const CLI::App& app);
 
