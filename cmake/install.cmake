@@ -4,10 +4,14 @@ if(WIN32)
   set(CMAKE_INSTALL_BINDIR .)
   set(CMAKE_INSTALL_LIBDIR .)
   set(CMAKE_INSTALL_DOCDIR .)
+  set(site_folder docs/html)
 elseif(NOT CMAKE_INSTALL_DOCDIR)
   set(CMAKE_INSTALL_DOCDIR share/doc/orvane)
 endif()
 include(GNUInstallDirs)
+if(NOT site_folder)
+  set(site_folder ${CMAKE_INSTALL_DOCDIR}/html)
+endif()
 include(CMakePackageConfigHelpers)
 set(architecture_folder lib/${CMAKE_LIBRARY_ARCHITECTURE})
 
@@ -125,6 +129,20 @@ function(install_pages)
   endforeach()
 endfunction()
 
+# Without what no page calls.
+function(install_site)
+  if(NOT TARGET site)
+    return()
+  endif()
+  set(site ${PROJECT_BINARY_DIR}/site)
+  install(DIRECTORY ${site}/html/ DESTINATION ${site_folder} COMPONENT ${prefix}program ${exclude}
+          REGEX "/(\\.buildinfo|objects\\.inv|_static/.*(jquery|underscore|frameworks).*\\.js)$" EXCLUDE)
+  if(NOT WIN32)
+    install(DIRECTORY ${site}/man/man3 DESTINATION ${CMAKE_INSTALL_MANDIR}
+            COMPONENT ${prefix}development ${exclude})
+  endif()
+endfunction()
+
 # The rules of the installation whose folders are chosen.
 function(install_all)
   install(TARGETS orvane EXPORT ${prefix}Orvane
@@ -148,6 +166,7 @@ function(install_all)
   install(FILES README.md CHANGELOG.md TYPE DOC COMPONENT ${prefix}program ${exclude})
   install(DIRECTORY docs examples editors TYPE DOC COMPONENT ${prefix}program ${exclude}
           PATTERN build EXCLUDE PATTERN node_modules EXCLUDE)
+  install_site()
 endfunction()
 
 choose_installation(${CMAKE_INSTALL_LIBDIR} "")
@@ -159,6 +178,9 @@ set(folders ${CMAKE_INSTALL_BINDIR} ${libdir} ${CMAKE_INSTALL_INCLUDEDIR}/orvane
     ${pkgconfig_folder})
 if(TARGET pages)
   list(APPEND folders ${page_folders})
+endif()
+if(TARGET site)
+  list(APPEND folders ${site_folder} ${CMAKE_INSTALL_MANDIR}/man3)
 endif()
 install(CODE "set(folders \"${folders}\")" ALL_COMPONENTS)
 install(CODE [[

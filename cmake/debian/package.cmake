@@ -83,6 +83,12 @@ Upstream-Name: Orvane
 Files: *
 Copyright: @holder@
 License: Expat@terms@]])
+# The site's scripts, in the version that made its index, are read from any copy of its folder.
+if(TARGET site)
+  file(WRITE ${control}/overrides "orvane: embedded-javascript-library please use sphinx *\n")
+  install(FILES ${control}/overrides COMPONENT debian_program DESTINATION share/lintian/overrides
+          RENAME orvane EXCLUDE_FROM_ALL)
+endif()
 foreach(component library development program simulators)
   string(TOUPPER debian_${component} upper)
   install(FILES ${control}/changelog.gz ${control}/copyright COMPONENT debian_${component}

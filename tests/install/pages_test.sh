@@ -16,7 +16,7 @@ done
 
 warnings=$(LC_ALL=C.UTF-8 MANWIDTH=80 man --warnings -l "$prefix/share/man/man1/orvane.1" 2>&1 >"$work/page")
 [ -z "$warnings" ] || fail "$warnings"
-! command -v mandoc >/dev/null || mandoc -Tlint -W warning "$prefix/share/man/man1/orvane.1"
+! command -v mandoc >/dev/null || mandoc -Tlint -W error "$prefix/share/man/man1/orvane.1"
 while read -r command; do grep -q "^ *orvane $command$" "$work/page" || fail "man: no $command"; done <"$work/commands"
 grep -q '^ *-D NAME=VALUE$' "$work/page" || fail "man: no -D"
 

@@ -1,0 +1,56 @@
+"""Sphinx's settings, for the folder that stage.py fills."""
+import pathlib
+import re
+
+from pygments.lexer import RegexLexer
+from pygments.token import Comment, Generic, Name, Number, String, Text
+
+
+class OrvaneLexer(RegexLexer):
+    """Card scripts, and behind an arrow what the library gives."""
+    tokens = {"root": [(r"^\s*[;/].*", Comment), (r"^→.*", Generic.Output), (r'"[^"\n]*"', String), (r"%\w+", Name.Variable),
+                       (r"[@$]\w+", Name.Function), (r"\b[0-9A-Fa-f]+\b", Number), (r"\w+|.|\n", Text)]}
+
+
+project = "Orvane"
+author = project
+version = release = (pathlib.Path(__file__).parent / "VERSION").read_text().strip()
+today = " "  # not the day of the build
+smartquotes = False
+extensions = ["myst_parser", "sphinx_copybutton", "sphinx_inline_tabs"]
+nitpicky = True
+# GitHub knows nothing of these.
+myst_disable_syntax = ["myst_line_comment", "myst_block_break", "myst_target", "myst_role", "footnote_def", "footnote_ref"]
+myst_heading_anchors = 4
+myst_enable_extensions = ["deflist"]  # for the reference
+suppress_warnings = ["myst.header"]
+copybutton_prompt_text = "$ "
+
+html_theme = "furo"
+html_title = f"Orvane {version}"
+html_static_path = ["style.css"]
+html_css_files = ["style.css"]
+html_copy_source = False
+html_show_sphinx = html_show_copyright = False
+html_use_index = False
+html_theme_options = {"top_of_page_button": None}
+
+
+def summary(page):
+    return page.read_text().split("\n")[3].rstrip(".").replace("\\", r"\e")
+
+
+functions = sorted((pathlib.Path(__file__).parent / "functions").glob("*.md"))
+man_pages = [(f"functions/{page.stem}", page.stem, summary(page), "", 3) for page in functions]
+man_make_section_directory = True
+
+
+def without_jquery(app, page, template, context, doctree):
+    """Sphinx 5 brings libraries that none of these pages call."""
+    context["script_files"] = [each for each in context["script_files"]
+                               if not re.search("jquery|underscore|frameworks", str(each.filename))]
+
+
+def setup(app):
+    app.add_lexer("orvane", OrvaneLexer)
+    app.connect("html-page-context", without_jquery)

@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""Puts what the site is made of into a folder for Sphinx: stage.py FOLDER VERSION [OPTIONS]
+
+The pages are those of docs/, with README.md as index.md; OPTIONS is a page of all options, as orvane_pages writes it.
+Links between them lead where they lead in the sources; those to other files to copies of these.
+"""
+import os
+import pathlib
+import re
+import shutil
+import sys
+
+import reference
+
+root = pathlib.Path(__file__).resolve().parents[1]
+folder, version, *options = sys.argv[1:]
+folder = pathlib.Path(folder)
+chapters = {
+    "For card people": "first-hour cheat-sheet recipes program options messages cryptography simulated-card readers",
+    "For embedders": "host calling functions limits language crypto-module",
+    "For maintainers": "inside",
+    "Appendices": "windows packages",
+}
+pages = ["README.md", *sorted(f"docs/{page.name}" for page in (root / "docs").glob("*.md"))]
+languages = {".c": "c", ".cpp": "cpp", ".py": "python", ".js": "js", ".cs": "csharp", ".orv": "orvane"}
+
+
+def staged(file):
+    """Where a file of the sources stands on the site."""
+    return "index.md" if file == "README.md" else re.sub("^docs/(.*)", r"\1", file)
+
+
+def read(name):
+    return (root / name).read_text(encoding="utf-8")
+
+
+def write(name, paragraphs, mode="w"):
+    (folder / name).parent.mkdir(parents=True, exist_ok=True)
+    with open(folder / name, mode, encoding="utf-8") as out:
+        out.writelines(paragraph + "\n\n" for paragraph in paragraphs)
+
+
+def contents(options, names):
+    return ["```{toctree}\n:hidden:\n%s\n%s\n```" % (options, "\n".join(names))]
+
+
+def stage(name):
+    text = read(name)
+    here = os.path.dirname(name)
+
+    def link(match):
+        words, target, anchor = match.groups(default="")
+        file = os.path.normpath(os.path.join(here, target))
+        if (root / file).is_dir():
+            return words
+        if not (root / file).is_file():
+            return match[0]
+        if file not in pages:
+            (folder / staged(file)).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(root / file, folder / staged(file))
+        return f"[{words}]({staged(file)}{anchor})"
+
+    # A host stands on the page itself.
+    def host(match):
+        words, target = match.groups()
+        code = read(os.path.join(here, target))
+        return f"````{{tab}} {words}\n```{languages[pathlib.Path(target).suffix]}\n{code}```\n````"
+
+    text = re.sub(r"^(?:- )?\[([^]\n]*)\]\((\.\./examples/[^)#\s]*\.\w+)\)$", host, text, flags=re.M)
+    text = re.sub(r"\[([^]]*)\]\(([^)#:\s]+)(#[^)\s]*)?\)", link, text)
+    write(staged(name), [text])
+
+
+shutil.rmtree(folder, ignore_errors=True)
+folder.mkdir(parents=True)
+for file in ("conf.py", "style.css"):
+    shutil.copyfile(root / "site" / file, folder / file)
+write("VERSION", [version])
+for page in pages:
+    stage(page)
+for page in options:
+    shutil.copyfile(page, folder / "options.md")
+
+functions = reference.Pages(read("include/orvane.h"), read("site/examples.c"))
+for function in functions.functions:
+    write(f"functions/{function.name}.md", functions.page(function))
+write("functions/orvane.md", functions.rules())
+write("functions.md", functions.index(), "a")
+write("functions.md", contents("", ["functions/orvane", *(f"functions/{each.name}" for each in functions.functions)]), "a")
+for caption, names in chapters.items():
+    names = [name for name in names.split() if (folder / f"{name}.md").exists()]
+    write("index.md", contents(f":caption: {caption}\n", names), "a")
