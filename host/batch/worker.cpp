@@ -335,8 +335,8 @@ class Worker {
       return false;
     } catch (const Refused& refused) {
       end(RowState::kWaiting, refused.why);
-      // What does not wait would have the same card again.
-      if (options_.batch.noWait) throw Failure(kReaderFault, refused.why);
+      // What does not wait would have the same card again, or one that is named so too.
+      if (options_.batch.noWait || options_.simulate) throw Failure(kReaderFault, refused.why);
     } catch (const Failure& failure) {
       end(RowState::kFailed, failure.what());
       if (failure.Code() == kFileFault) throw;
