@@ -74,7 +74,7 @@ Recording ReadRecording(std::istream& in) {
 Recording ReadRecording(const std::filesystem::path& file) {
   errno = 0;
   std::ifstream in(file, std::ios::binary);
-  if (!in) throw Fault(0, std::generic_category().message(errno));
+  if (!in) throw Fault(0, "it can't be opened: " + std::generic_category().message(errno));
   return ReadRecording(in);
 }
 

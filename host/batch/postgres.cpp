@@ -1,8 +1,9 @@
 #include "host/batch/postgres.h"
 
+#include <algorithm>
+
 #include "host/failure.h"
 #include "host/platform.h"
-#include "host/text.h"
 
 namespace host {
 namespace {
@@ -59,7 +60,8 @@ const Library& Libpq() {
 [[noreturn]] void Fail(const void* connection) {
   std::string text = Libpq().message(connection);
   while (text.ends_with('\n')) text.pop_back();
-  throw Failure(kFileFault, "the database: " + Printable(text));
+  std::replace(text.begin(), text.end(), '\t', ' ');  // before a hint, which has a line of its own
+  throw Failure(kFileFault, "the database: " + text);
 }
 
 }  // namespace
