@@ -289,7 +289,7 @@ std::vector<std::string> VariablesOf(const Expectation& expectation) {
 }
 
 std::string CheckPattern(const std::string& text) try {
-  if (!VariablesOf(ReadExpectation(text)).empty()) return "--expect has no variables; a script has";
+  if (!VariablesOf(ReadExpectation(text)).empty()) return "variables are for scripts alone";
   return "";
 } catch (const Failure& failure) {
   return failure.what();

@@ -108,7 +108,7 @@ std::string DescribeVersion() {
 // Puts the kind's number in the place of its name.
 std::string ReadKind(std::string& text) {
   const std::optional<int32_t> kind = FindKind(text);
-  if (!kind) return NoSuchKind(text);
+  if (!kind) return NoSuchKind(text).what();
   text = std::to_string(*kind);
   return "";
 }

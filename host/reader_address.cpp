@@ -6,7 +6,6 @@
 #include <charconv>
 #include <map>
 
-#include "host/failure.h"
 #include "host/text.h"
 
 namespace host {
@@ -50,7 +49,7 @@ std::optional<int32_t> ReadNumber(std::string_view digits) {
 
 int32_t ReadKind(std::string_view digits) {
   const int32_t kind = ReadNumber(digits).value_or(0);
-  if (KindName(kind).empty()) throw Failure(kReaderFault, NoSuchKind(digits));
+  if (KindName(kind).empty()) throw NoSuchKind(digits);
   return kind;
 }
 
@@ -81,13 +80,14 @@ std::optional<int32_t> FindKind(std::string_view text) {
   return std::nullopt;
 }
 
-std::string NoSuchKind(std::string_view text) {
+Failure NoSuchKind(std::string_view text) {
   std::string kinds;
   for (const auto& [number, kind] : Kinds()) {
     kinds +=
         (kinds.empty() ? "" : ", ") + std::to_string(number) + ' ' + std::string(kind.shortName);
   }
-  return "there is no reader kind " + std::string(text) + "; there are: " + kinds;
+  return Failure(kReaderFault,
+                 "there is no reader kind " + std::string(text) + "; there are: " + kinds);
 }
 
 bool FitsKind(const ReaderAddress& address) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/failure.h"
 #include "host/platform.h"
 
 namespace host {
@@ -15,7 +16,7 @@ const std::vector<int32_t>& ReaderKinds();
 std::string_view KindName(int32_t kind);  // empty for a number that is no kind
 // The kind of a number or of a short name, such as pcsc, in either case; none for another text.
 std::optional<int32_t> FindKind(std::string_view text);
-std::string NoSuchKind(std::string_view text);  // a message, with the kinds that there are
+Failure NoSuchKind(std::string_view text);  // it names those that there are
 // The library behind it, without lib and ending; empty if there is none.
 std::string_view KindLibrary(int32_t kind);
 Lookup KindLookup(int32_t kind);             // of that library

@@ -17,8 +17,8 @@ using orvane::MostData;
 std::string AskForLess(int32_t kind) {
   std::ostringstream text;
   text << "more than " << MostData(kind)
-       << " octets with a status word can't be had at once: ask for "
-       << "parts, with Le " << std::hex << std::uppercase << MostData(kind) << " at most";
+       << " octets with a status word can't be had at once: ask for parts, with Le " << std::hex
+       << std::uppercase << MostData(kind) << " at most";
   return text.str();
 }
 

@@ -96,9 +96,9 @@ bool Session::Run(const Statement& statement, std::optional<size_t> line) {
   try {
     return Act(statement, line, result, hide);
   } catch (const Failure& failure) {
-    throw Failure(failure.Code(), statement.TextOf(statement.words[0]) +
-                                      " failed; why is as secret as its " +
-                                      "argument, and shown with --show-secrets");
+    throw Failure(failure.Code(),
+                  statement.TextOf(statement.words[0]) +
+                      " failed; why is as secret as its argument, and shown with --show-secrets");
   }
 }
 

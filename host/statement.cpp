@@ -206,10 +206,10 @@ class Grammar {
   }
 
   MalformedStatement WrongCount(const Builtin& builtin, size_t word) const {
-    const std::string takes = builtin.count == 0
-                                  ? "no arguments"
-                                  : Counted(builtin.count, "argument") + ", and none may be empty";
-    return Malformed(Keyword(word) + " takes " + takes, PlaceOf(word));
+    const std::string takes = builtin.count == 0 ? " takes no arguments"
+                                                 : " takes " + Counted(builtin.count, "argument") +
+                                                       ", and none may be empty";
+    return Malformed(Keyword(word) + takes, PlaceOf(word));
   }
 
   MalformedStatement Stray() const {

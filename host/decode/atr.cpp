@@ -221,8 +221,8 @@ class AtrReader {
     const size_t there = std::min<size_t>(historical_, rest_.Left());
     const std::string_view octets = rest_.Take(there);
     if (there < historical_) {
-      return Cut("its historical bytes end: " + std::to_string(there) + " of " +
-                 Number(historical_) + " are there");
+      return Fail("it is cut before its historical bytes end: " + std::to_string(there) + " of " +
+                  Number(historical_) + " are there");
     }
     if (there == 0) return true;
     Add("T1-TK", octets, "historical bytes");

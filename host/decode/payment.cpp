@@ -95,12 +95,14 @@ Decoding DecodeBits(std::string_view standard, std::span<const Flag> flags, size
 
 // What is wrong with an entry of a file locator; empty if nothing is.
 std::string FaultIn(unsigned file, unsigned first, unsigned last, unsigned authenticated) {
+  std::string fault;
+  if (authenticated > last - first + 1) fault = "it authenticates more records than it has";
+  if (last < first) fault = "its last record is below its first";
+  if (first == 0) fault = "its first record is 0";
   if ((file & 7) != 0 || file == 0 || file == 0xF8) {
-    return "its first byte is no short file identifier";
+    fault = "its first byte is no short file identifier";
   }
-  if (first == 0) return "its first record is 0";
-  if (last < first) return "its last record is below its first";
-  return authenticated > last - first + 1 ? "it authenticates more records than it has" : "";
+  return fault;
 }
 
 }  // namespace

@@ -14,16 +14,17 @@ namespace host {
 namespace {
 
 constexpr std::string_view kHelp =
-    "  00 A4 04 00 %LEN %AID     a line that begins with a plain word is a command to the card\n"
-    "  %NAME = operands          stores a variable; %RESP, %SW and %ATR hold what the card gave\n"
-    "  %NAME, @xor(%A, %B)       a line that begins with a variable or a function shows its value\n"
-    "  send %NAME ...            sends that value instead\n"
-    "  @OPENREADER(reader)  @setreader(number)  @setslot(slot)  @reset()\n"
-    "                            @reset() leaves a PIN verified on PC/SC: see orvane --help\n"
-    "  @compare(left, right, 1)  says whether they are equal; with 0, whether they differ\n"
-    "  :readers  :vars  :tlv VALUE  :decode KIND VALUE\n"
-    "  :source FILE  :save FILE  :record FILE\n"
-    "  help WORD tells more, as in help @des or help :save; quit\n";
+    R"text(  00 A4 04 00 %LEN %AID     a line that begins with a plain word is a command to the card
+  %NAME = operands          stores a variable; %RESP, %SW and %ATR hold what the card gave
+  %NAME, @xor(%A, %B)       a line that begins with a variable or a function shows its value
+  send %NAME ...            sends that value instead
+  @OPENREADER(reader)  @setreader(number)  @setslot(slot)  @reset()
+                            @reset() leaves a PIN verified on PC/SC: see orvane --help
+  @compare(left, right, 1)  says whether they are equal; with 0, whether they differ
+  :readers  :vars  :tlv VALUE  :decode KIND VALUE
+  :source FILE  :save FILE  :record FILE
+  help WORD tells more, as in help @des or help :save; quit
+)text";
 
 // In a script such a line is a command to the card. Here it is what one types to look at a value,
 // and a value that was meant to be looked at must not reach a card.

@@ -138,8 +138,8 @@ std::string HtmlReport(const TestReport& report) {
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>";
   page.append(Markup(title)).append("</title>\n<style>").append(kPageStyle);
   page.append("</style>\n</head>\n<body>\n<noscript><p>").append(Markup(title));
-  page.append(". The report itself takes JavaScript to show.</p></noscript>\n");
-  page.append("<script type=\"application/json\" id=\"report\">");
+  page.append(". The report itself takes JavaScript to show.");
+  page.append("</p></noscript>\n<script type=\"application/json\" id=\"report\">");
   page.append(ForScript(PageData().Make(report))).append("</script>\n<script>");
   return page.append(kPageScript).append("</script>\n</body>\n</html>\n");
 }
