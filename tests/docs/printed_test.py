@@ -48,7 +48,8 @@ def run(page, command, expected, cwd, env):
         print(f"{page}: {command}\nexit code {ran.returncode}\n{printed}", file=sys.stderr)
 
 
-# Commands that stand where nothing runs them. One word and what it may be told, as in "orvane shell", is none.
+# Commands that stand where nothing runs them. One word and what it may be told, as in "orvane shell", is
+# none, and what stands before a message, as in "orvane recorder: ...".
 def strays(text):
     tools = (r"(?:orvane|build/[^\s`]+|\.\.?[/\\][^\s`]+|cmake|ctest|cc|gcc|[^\s`]+-gcc|python3|pkg-config|xargs|mkdir|cp|copy|rm|"
              r"sudo|apt)")
@@ -60,7 +61,7 @@ def strays(text):
             yield f"```{kind}"
     prose = fences.sub("", text)
     yield from re.findall(rf"^(?: {{4,}}|\t)(?:\$ )?{tools} .*", prose, re.M)
-    yield from re.findall(rf"`{tools} [^ `]+ [^`]+`", prose)
+    yield from re.findall(rf"`{tools} [^ `:]+ [^`]+`", prose)
 
 
 scratch = pathlib.Path(tempfile.mkdtemp())
