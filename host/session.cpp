@@ -235,10 +235,10 @@ void Session::Compare(const Statement& statement, std::optional<size_t> line, bo
     ++expectations_;
     return;
   }
-  throw Failure(kExpectationFailed, "not as expected: " + Printable(shown) + "\n  left   " +
-                                        Printable(shownLeft) + "\n  right  " +
-                                        Printable(shownRight) + "\n  they should " +
-                                        (expected == "1" ? "be equal" : "differ"));
+  throw Failure(kExpectationFailed,
+                "not as expected: " + Printable(shown) + "\n  left   " + Printable(shownLeft) +
+                    "\n  right  " + Printable(shownRight) +
+                    (expected == "1" ? "\n  they should be equal" : "\n  they should differ"));
 }
 
 void Session::OpenDefault() {

@@ -1,17 +1,17 @@
 #!/usr/bin/env python3
 """Holds docs/messages.md and the texts of the code to each other.
 
-A text of the code that has three words stands on the page, and what the first column of the page
-has as code is a text of the code, apart from "…", which stands for what varies, and a plural behind it.
+A text of the code that has three words, or two where something fails, stands on the page. What the page's tables
+have as code in their first column is a text of the code; "…" stands for what varies, with a plural behind it.
 """
 import pathlib
 import re
 import sys
 
 root = pathlib.Path(__file__).resolve().parents[2]
-sources = ["host/**/*.cpp", "host/**/*.h", "recordings/**/*.cpp", "recorder/**/*.cpp", "simulators/common/*ed_card.cpp", "simulators/common/module.cpp",
-           "src/commands/*.cpp", "src/engine/*.cpp", "include/orvane.hpp", "bindings/python/src/**/*.py",
-           "bindings/node/lib/*.js", "bindings/csharp/*.cs"]
+sources = ["host/**/*.cpp", "host/**/*.h", "recordings/**/*.cpp", "recorder/**/*.cpp", "src/commands/*.cpp",
+           "src/engine/*.cpp", "simulators/common/module.cpp", "simulators/common/replayed_card.cpp",
+           "include/orvane.hpp", "bindings/python/src/**/*.py", "bindings/node/lib/*.js", "bindings/csharp/*.cs"]
 # What these say is help, the names of fields and kinds, or SQL: a message of theirs stands in a statement that fails.
 others = r"host/(options|reader_address|status_word|(decode|pages)/.*|desk/vocabulary|batch/database_store)\.(cpp|h)"
 
@@ -19,7 +19,9 @@ quoted = r'"(?:[^"\\\n]|\\.)*"'
 tokens = re.compile(rf"""
     //[^\n]* | /\*.*?\*/ | "{{3}}.*?"{{3}} | R"(\w*)\(.*?\)\1" | ^\s*\#[^\n]* | help={quoted}
     | (?P<text>{quoted}(?:\s*{quoted})* | '(?:[^'\\\n]|\\.)*' | `[^`]*`)""", re.S | re.M | re.X)
-words = re.compile(r"[a-z']+[,:;]? [A-Za-z%@'(-]+[,:;]? [a-z'(-]+\b|[^\x00-\xff]{3}")
+fails = re.compile(r"Failure\(|\b(?:Malformed|Fail|Refuse|Report)\(|\b(?:fault|throw|raise)\b")
+two_words = re.compile(r"[a-z']+[,:;]? [a-z'(-]+\b|[^\x00-\xff]{3}")  # or Chinese
+three_words = re.compile(r"[a-z']+[,:;]? [A-Za-z%@'(-]+[,:;]? [a-z'(-]+\b")
 
 
 # The texts of a source, each with the code of its statement that stands before it.
@@ -37,10 +39,10 @@ known, wanted = [], []
 for file in sorted(file for pattern in sources for file in root.glob(pattern)):
     name = file.relative_to(root).as_posix()
     for statement, text in texts(file.read_text(encoding="utf-8")):
-        fails = not re.fullmatch(others, name) or re.search(r"Failure\(|\b(Fail|fault|throw)\b", statement)
         known.append(text)
         for part in re.split(r"\\n|%[.\d]*[a-z]+|\$?\{[^}]*\}", text):
-            if fails and words.search(part):
+            told = two_words if fails.search(statement) else None if re.fullmatch(others, name) else three_words
+            if told and told.search(part):
                 wanted.append((name, part.strip()))
 
 page = (root / "docs/messages.md").read_text(encoding="utf-8")
