@@ -18,7 +18,7 @@ namespace {
 
 constexpr int32_t kBaudRate = 9600;
 constexpr int32_t kMostListed = 64;
-constexpr int32_t kNoKind = 13;
+constexpr int32_t kNoKind = -1;
 constexpr const char* kSimulatedReader = "3:Simulated Reader 0";
 
 // The library looks for this module beside itself alone, so that no simulator can be put in its

@@ -102,7 +102,7 @@ TEST(Command, TellsWhetherItCarriesSecrets) {
 }
 
 TEST(ReaderAddress, IsKindAndPortOrName) {
-  for (const char* text : {"", "3:", "9:1", "0:1", "13:X", "99999999999:1", "3:99999999999"}) {
+  for (const char* text : {"", "3:", "9:1", "0:1", "99:X", "99999999999:1", "3:99999999999"}) {
     EXPECT_THROW(ReadReaderAddress(text, 3), Failure) << text;
   }
   for (const char* name : {":1", "-1", "BSIT:2"}) {

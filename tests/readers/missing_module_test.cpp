@@ -123,7 +123,7 @@ std::vector<int> ResultsWithout(const char* missing) {
                                     EXPORT_OF(copy, Reset)(text.data()),
                                     EXPORT_OF(copy, SendCommand)("00A4000C023F00", 14, text.data()),
                                     EXPORT_OF(copy, CloseReader)()};
-  EXPORT_OF(copy, OpenReader)(1, 13, 9600);
+  EXPORT_OF(copy, OpenReader)(1, -1, 9600);
   std::error_code ignored;
   std::filesystem::remove_all(folder, ignored);
   return results;

@@ -71,7 +71,7 @@ inline std::string CallsWithoutResults(const std::string& journal) {
 class ReaderTest : public testing::Test {
  public:
   static void EmptySlots() {
-    constexpr int kNoSuchKind = 13;  // not 0, which a tool that never opened has
+    constexpr int kNoSuchKind = -1;  // not 0, which a tool that never opened has
     for (unsigned slot = 0; slot < 16; ++slot) {
       SetReader(slot);
       OpenReader(1, kNoSuchKind, 9600);
