@@ -24,7 +24,8 @@ myst_disable_syntax = ["myst_line_comment", "myst_block_break", "myst_target", "
 myst_heading_anchors = 4
 myst_enable_extensions = ["deflist"]  # for the reference
 suppress_warnings = ["myst.header"]
-copybutton_prompt_text = "$ "
+copybutton_prompt_text = r"\$ (?![A-Z][a-z ])"  # but for a script's headings: it is copied whole
+copybutton_prompt_is_regexp = True
 
 html_theme = "furo"
 html_title = f"Orvane {version}"
