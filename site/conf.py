@@ -8,14 +8,14 @@ from pygments.token import Comment, Generic, Name, Number, String, Text
 
 class OrvaneLexer(RegexLexer):
     """Card scripts, and behind an arrow what the library gives."""
-    tokens = {"root": [(r"^\s*[;/].*", Comment), (r"^→.*", Generic.Output), (r'"[^"\n]*"', String), (r"%\w+", Name.Variable),
+    tokens = {"root": [(r"^\s*[;/][^→\n]*", Comment), ("→", Generic.Output), (r'"[^"\n]*"', String), (r"%\w+", Name.Variable),
                        (r"[@$]\w+", Name.Function), (r"\b[0-9A-Fa-f]+\b", Number), (r"\w+|.|\n", Text)]}
 
 
 project = "Orvane"
 author = project
 version = release = (pathlib.Path(__file__).parent / "VERSION").read_text().strip()
-today = " "  # not the day of the build
+today = release  # not the day of the build
 smartquotes = False
 extensions = ["myst_parser", "sphinx_copybutton", "sphinx_inline_tabs"]
 nitpicky = True
@@ -34,7 +34,6 @@ html_css_files = ["style.css"]
 html_copy_source = False
 html_show_sphinx = html_show_copyright = False
 html_use_index = False
-html_theme_options = {"top_of_page_button": None}
 
 
 def summary(page):
@@ -46,12 +45,27 @@ man_pages = [(f"functions/{page.stem}", page.stem, summary(page), "", 3) for pag
 man_make_section_directory = True
 
 
-def without_jquery(app, page, template, context, doctree):
-    """Sphinx 5 brings libraries that none of these pages call."""
+def plain_scripts(app, page, template, context, doctree):
+    """No modules, which browsers take from no disk, and none of the libraries of Sphinx 5 that these pages don't call."""
     context["script_files"] = [each for each in context["script_files"]
                                if not re.search("jquery|underscore|frameworks", str(each.filename))]
+    for each in context["script_files"]:
+        each.attributes.pop("type", None)
+
+
+def bundle(app, exception):
+    """Puts what Debian's furo imports in the place where it does so."""
+    if app.builder.name != "html":
+        return
+    static = pathlib.Path(app.outdir, "_static")
+    script, style = static / "scripts/furo.js", static / "styles/furo.css"
+    scrolling = script.with_name("gumshoe-patched.js").read_text()
+    script.write_text(re.sub("^import .*", lambda match: scrolling, script.read_text()))
+    style.write_text(re.sub(r"@import url\((/javascript/.*?)\);", lambda match: pathlib.Path("/usr/share" + match[1]).read_text(),
+                            style.read_text()))
 
 
 def setup(app):
     app.add_lexer("orvane", OrvaneLexer)
-    app.connect("html-page-context", without_jquery)
+    app.connect("html-page-context", plain_scripts)
+    app.connect("build-finished", bundle)

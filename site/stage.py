@@ -18,11 +18,12 @@ folder = pathlib.Path(folder)
 chapters = {
     "For card people": "first-hour cheat-sheet recipes program options messages cryptography simulated-card readers",
     "For embedders": "host calling functions limits language crypto-module",
-    "For maintainers": "inside",
-    "Appendices": "windows packages",
+    "For maintainers": "inside CONTRIBUTING",
+    "Appendices": "windows packages editors/README CHANGELOG",
 }
-pages = ["README.md", *sorted(f"docs/{page.name}" for page in (root / "docs").glob("*.md"))]
-languages = {".c": "c", ".cpp": "cpp", ".py": "python", ".js": "js", ".cs": "csharp", ".orv": "orvane"}
+pages = [page.relative_to(root).as_posix() for pattern in ("*.md", "docs/*.md", "editors/*.md")
+         for page in sorted(root.glob(pattern))]
+languages = {".c": "C", ".cpp": "C++", ".py": "Python", ".js": "JavaScript", ".cs": "C#"}
 
 
 def staged(file):
@@ -60,17 +61,21 @@ def stage(name):
             shutil.copyfile(root / file, folder / staged(file))
         return f"[{words}]({staged(file)}{anchor})"
 
-    # A host stands on the page itself.
-    def host(match):
-        words, target = match.groups()
+    # A link that stands alone: the program stands there itself.
+    def program(match):
+        words, target, suffix = match.groups()
+        language = languages[suffix]
         code = read(os.path.join(here, target))
-        return f"````{{tab}} {words}\n```{languages[pathlib.Path(target).suffix]}\n{code}```\n````"
+        return f"````{{tab}} {language}\n`{words}`\n```{language.lower()}\n{code}```\n````"
 
-    text = re.sub(r"^(?:- )?\[([^]\n]*)\]\((\.\./examples/[^)#\s]*\.\w+)\)$", host, text, flags=re.M)
+    text = re.sub(rf"^\[(.*)\]\((\S*({'|'.join(map(re.escape, languages))}))\)$", program, text, flags=re.M)
     text = re.sub(r"\[([^]]*)\]\(([^)#:\s]+)(#[^)\s]*)?\)", link, text)
+    if name.startswith("docs/"):
+        text = re.sub(rf"(?<!\[)`({'|'.join(each.name for each in functions.functions)})`", r"[`\1`](functions/\1.md)", text)
     write(staged(name), [text])
 
 
+functions = reference.Pages(read("include/orvane.h"), read("site/examples.c"))
 shutil.rmtree(folder, ignore_errors=True)
 folder.mkdir(parents=True)
 for file in ("conf.py", "style.css"):
@@ -81,7 +86,6 @@ for page in pages:
 for page in options:
     shutil.copyfile(page, folder / "options.md")
 
-functions = reference.Pages(read("include/orvane.h"), read("site/examples.c"))
 for function in functions.functions:
     write(f"functions/{function.name}.md", functions.page(function))
 write("functions/orvane.md", functions.rules())
