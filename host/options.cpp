@@ -60,8 +60,8 @@ Tags
   orvane tags import examples/tags.txt fills it.
 
 Messages
-  docs/messages.md explains each message and says what to do about it. An installation has this page
-  as html/messages.html: in share/doc/orvane, or where the zip was unpacked.
+  One page explains each message and says what to do about it: share/doc/orvane/html/messages.html
+  of an installation, docs/html/messages.html of the zip, docs/messages.md of the sources.
 
 Exit codes
   0  done
