@@ -163,7 +163,7 @@ function(install_all)
     install_simulators()
   endif()
   install_development()
-  install(FILES README.md CHANGELOG.md TYPE DOC COMPONENT ${prefix}program ${exclude})
+  install(FILES README.md CHANGELOG.md CONTRIBUTING.md TYPE DOC COMPONENT ${prefix}program ${exclude})
   install(DIRECTORY docs examples editors TYPE DOC COMPONENT ${prefix}program ${exclude}
           PATTERN build EXCLUDE PATTERN node_modules EXCLUDE)
   install_site()
