@@ -142,7 +142,10 @@ int Work(std::vector<std::string> arguments) {
   } catch (const CLI::Success& request) {
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    PrintFailure(Failure(kUsageFault, std::string(error.what()) + "\nTry: orvane --help"));
+    const std::vector<std::string> strange = app.remaining();
+    const bool named = app.get_subcommands().empty() && !strange.empty() && strange[0][0] != '-';
+    const std::string fault = named ? "there is no command " + strange[0] : error.what();
+    PrintFailure(Failure(kUsageFault, fault + "\nTry: orvane --help"));
     return kUsageFault;
   } catch (const Failure& failure) {
     PrintFailure(failure);

@@ -27,13 +27,16 @@ constexpr Code kUnsupported = 0x80100022;
 
 enum class Then { kLeave, kPowerOffAndOn };
 
+constexpr const char* kNoName = "no reader has this name";
+constexpr const char* kNoNumber = "no reader has this number";
+
 struct Meaning {
   Code code;
   const char* text;
 };
 
 constexpr std::array kMeanings = std::to_array<Meaning>({
-    {0x80100009, "no reader has this name"},
+    {0x80100009, kNoName},
     {0x8010000B, "another program holds the reader for itself"},
     {0x8010000C, "no card is in the reader"},
     {0x8010000F, "the card speaks neither T=0 nor T=1"},
@@ -137,7 +140,7 @@ std::string WhyNotConnected(const ReaderAddress& address) {
   const std::string name = PcscName(address);
   if (names.empty()) return PcscReaders();
   if (std::find(names.begin(), names.end(), name) == names.end()) {
-    return "there is none; " + PcscReaders();
+    return (address.port ? kNoNumber : kNoName) + std::string("; ") + PcscReaders();
   }
   const std::string trouble = PcscTrouble(name);
   return trouble.empty() ? "it did not open, but would now: try again" : trouble;
@@ -222,7 +225,7 @@ std::optional<CardMovements> AskForMovements(const ReaderAddress& address) {
 }
 
 std::string PowerOffAndOn(const std::string& reader) {
-  return reader.empty() ? "no reader has this number" : Ask(reader, Then::kPowerOffAndOn);
+  return reader.empty() ? kNoNumber : Ask(reader, Then::kPowerOffAndOn);
 }
 
 }  // namespace host

@@ -243,8 +243,8 @@ TEST_F(Program, ReportsReaderTrouble) {
   const std::string empty = "-r \"Simulated Reader 1\"";
   ExpectRows({
       {"-r Nowhere", "", 4,
-       "orvane: can't open the reader Nowhere (PC/SC): there is none; there is: port 1 Simulated "
-       "Reader 0, port 2 Simulated Reader 1\n",
+       "orvane: can't open the reader Nowhere (PC/SC): no reader has this name; there is: port 1 "
+       "Simulated Reader 0, port 2 Simulated Reader 1\n",
        ""},
       {"", "@OPENREADER(5:9)\n", 4,
        "script:1: can't open the reader port 9 (D8): its maker's library finds no reader there\n",
@@ -294,6 +294,7 @@ TEST_F(Program, ReportsWhatItCannotRead) {
     EXPECT_EQ(outcome.exitCode, 2) << arguments;
     EXPECT_FALSE(Shows(outcome.err, "\x1B")) << outcome.err;
   }
+  EXPECT_EQ(RunOrvane("rnu x").err, "orvane: there is no command rnu\nTry: orvane --help\n");
   EXPECT_TRUE(Shows(RunOrvane("run 'a\nb'").err, "a\\x0Ab"));
   EXPECT_EQ(RunOrvane("--help").exitCode, 0);
   const Outcome piped = RunOrvane("run -", "%A = 1\n@compare(%A,2,1)\n");
