@@ -10,7 +10,7 @@ cpp, python, types, csharp, node, header = [
     "\n".join(path.read_text(encoding="utf-8") for path in sorted(root.glob(pattern))) for pattern in sources]
 
 page = (root / "docs/packages.md").read_text(encoding="utf-8")
-shared, others = [re.search(rf"\n\| {head} \|.*?\n\n", page, re.S)[0] for head in ("For", "But")]
+shared, others = [re.search(rf"\n\| {head} \|.*?\n\n", page, re.S)[0] for head in ("For", "Other names")]
 missing = set()
 
 
