@@ -22,42 +22,43 @@ namespace {
 constexpr const char* kFooter = R"text(
 Readers
   READER is [KIND:]PORT or [KIND:]NAME: "3:Virtual PCD 00 00", "5:100", "12:BSIT:2",
-  "10:192.168.1.9:8000". What is digits alone is a port. A name is looked for in the list
-  of its kind, first as it is written, then without regard to blanks (literals of a script
-  lose theirs), and is otherwise passed on as it stands. A name with parentheses or commas
-  reaches a script through a variable: -D R="Name (1)", then @OPENREADER(%R).
-  KIND in --kind may be a name as well: pcsc, d8, tcp, ...
-  Where neither --reader nor a script names one, the reader is that of the environment's
-  ORVANE_READER, else the only PC/SC reader that there is, as soon as a card is needed.
-  @reset() powers no card of a PC/SC reader off, and closing leaves it as it is: a verified
-  PIN, the selected application and open keys stay. --cold-reset ends them at the start, as
-  pulling the card does. It refuses a reader of another kind, and one that PC/SC can't do it to.
-  --simulate puts simulators in the place of all vendor libraries and touches no hardware;
-  where --reader names none, it is "Simulated Reader 0".
+  "10:192.168.1.9:8000". Digits alone are a port. The program looks for a name in the list of its
+  kind, first as it is written, then without blanks, because a script's literals lose theirs. It
+  passes any other name on as it is. A name with parentheses or commas comes into a script through
+  a variable: -D R="Name (1)", then @OPENREADER(%R).
+  KIND in --kind may also be a name: pcsc, d8, tcp, ...
+  If neither --reader nor the script names a reader, the program opens the one of ORVANE_READER in
+  the environment, else the only PC/SC reader, as soon as it needs a card. With --simulate it opens
+  "Simulated Reader 0", and touches no hardware.
+  In a PC/SC reader @reset() takes no power from the card, and neither does closing: a verified PIN,
+  the selected application and open keys stay. --cold-reset ends them at the start, as pulling the
+  card does. It refuses readers of other kinds.
 
 Scripts
-  After a command %RESP holds the data of the answer and %SW its status word; after @reset()
-  %ATR holds the answer to reset. A status word that tells of an error does not stop a
-  script: @compare(%SW,9000,1) does, and so does a comment below the command, ; expect 9000
-  (docs/language.md). The whole file is checked before its first line runs.
-  @setreader(N) takes 0 to 15, @setslot(S) two hexadecimal digits.
+  After a command %RESP holds the data of the answer and %SW its status word. After @reset() %ATR
+  holds the answer to reset.
+  A bad status word does not end a script, but @compare(%SW,9000,1) does, and so does the comment
+  "; expect 9000" below the command.
+  The program checks the whole script before it runs the first line. @setreader(N) takes 0 to 15,
+  @setslot(S) two hexadecimal digits.
   Scripts and all other texts are UTF-8, with or without a mark, or UTF-16 with one.
-  In the shell Ctrl-C drops the line; during a command it waits for the answer, and a second
-  one ends the program.
+  In the shell Ctrl-C drops the line. During a command it waits for the answer, and a second Ctrl-C
+  ends the program.
 
 Secrets
-  Shown as **: the data of commands that carry PINs or keys, variables whose names say PIN,
-  PUK, KEY, PASSWORD or SECRET, what these are made from, and what is made from them. The
-  shell knows nothing of lines to come: what is typed before such a command is shown.
-  The command line itself is seen in the list of processes. --vars, --env and orvane apdu -
-  keep secrets out of it. Each of -D, --vars and --env may be repeated; -D goes before
-  --env, and --env before --vars. In FILE, empty lines and those that begin with ; or #
-  are passed over.
+  ** stands for the data of commands that carry PINs or keys, for variables whose names say PIN,
+  PUK, KEY, PASSWORD or SECRET, for what these are made from, and for what is made from them. The
+  shell does not know the lines to come: it shows what stands before
+  such a command.
+  Other users can see the command line in the list of processes. Use --vars, --env and orvane apdu -
+  for secrets.
+  Each of -D, --vars and --env may be repeated. -D goes before --env, which goes before --vars. In a
+  file of --vars, empty lines and lines that begin with ; or # do not count.
 
 Tags
-  Names of tags come from the file dictdata.bin in the current directory, and where it has
-  none from the program's own list: ISO/IEC 7816, EMV and GlobalPlatform.
-  orvane tags import examples/tags.txt fills it.
+  Names of tags come from the file dictdata.bin in the current folder. For a tag that it lacks they
+  come from the program's own list: ISO/IEC 7816, EMV and GlobalPlatform.
+  orvane tags import examples/tags.txt fills the file.
 
 Messages
   One page explains each message and says what to do about it: share/doc/orvane/html/messages.html
@@ -139,16 +140,16 @@ void AddSimulation(CLI::App& command, Options& options) {
                 options.replay = file;
                 options.simulate = true;
               },
-              "Simulate, with a recording in the card's place (docs/recordings.md). At the first "
-              "command that is not as recorded the program ends, with exit code 1")
+              "Simulate, with a recording in the card's place. At the first command that is not "
+              "as recorded the program ends, with exit code 1")
           ->type_name("FILE");
   command
       .add_flag("--any-order", options.anyOrder, "Let commands come earlier than they are recorded")
       ->needs(replay);
   command
       .add_option("--record", options.record,
-                  "Record what goes to and from cards (docs/recordings.md). %p in the name "
-                  "becomes this process's number")
+                  "Record what goes to and from cards. %p in the name becomes this process's "
+                  "number")
       ->type_name("FILE");
   command.add_flag("--cold-reset", options.coldReset,
                    "Take the power from a card and give it back before its PC/SC reader is opened");
@@ -369,14 +370,13 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(shell, options);
   AddTlv(shell, options);
 
-  CLI::App& trace =
-      *app.add_subcommand("trace", "Show a recording, compare two, or make something else of one");
+  CLI::App& trace = *app.add_subcommand("trace", "Show, compare or convert recordings");
   trace.add_option("FILE", options.file, "The recording")->required();
-  CLI::Option* diff = trace
-                          .add_option("--diff", options.other,
-                                      "Show where this recording parts from FILE, and give exit "
-                                      "code 1 if it does")
-                          ->type_name("OTHER");
+  CLI::Option* diff =
+      trace
+          .add_option("--diff", options.other,
+                      "Show where OTHER differs from FILE, with exit code 1 if it does")
+          ->type_name("OTHER");
   CLI::Option* script = trace.add_flag(
       "--script", options.asScript, "Print a script that repeats it and expects what was recorded");
   trace
