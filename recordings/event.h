@@ -12,7 +12,7 @@ inline constexpr int64_t kVersion = 1;
 
 enum class EventType { kRecording, kOpen, kAtr, kReset, kExchange, kControl, kClose };
 
-// What one line of a recording tells; docs/recordings.md lists the lines. Texts are UTF-8, octets
+// What one line of a recording tells; docs/limits.md lists the lines. Texts are UTF-8, octets
 // upper-case hexadecimal digits. What a line does not say is empty.
 struct Event {
   EventType type = EventType::kRecording;

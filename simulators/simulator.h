@@ -51,7 +51,7 @@ SIMULATOR_API void SimulatorAnswer(const char* function, int64_t result, const c
 /* Has the next call of any function call back in its middle, as a maker's library may. */
 SIMULATOR_API void SimulatorCallBack(void (*function)(void));
 
-/* Puts a recording (docs/recordings.md) in the card's place, from its first command on; null puts a
+/* Puts a recording (docs/program.md) in the card's place, from its first command on; null puts a
  * fresh virtual card there. Reader and journal stay as they are. Commands are expected in the
  * recorded order; with anyOrder one that is recorded later may come earlier. Another command gets
  * 6F00. A host that can't call this sets ORVANE_CARD to the file, and ORVANE_CARD_ANY_ORDER to 1,
