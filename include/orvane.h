@@ -12,8 +12,8 @@
  *    that the maker's library or the system knows, and the listed names of ReaderKindTcp are in the
  *    locale's character set. All other texts are bytes that nobody converts.
  *  - Every buffer belongs to the caller and is only used during the call. No function is told the
- *    size of an output buffer: each comment says how much room it needs.
- *  - Pointers are not checked; unless a comment says otherwise they must not be null.
+ *    size of an output buffer: its description says how much room it needs.
+ *  - Pointers are not checked; unless its description says otherwise they must not be null.
  *  - Hexadecimal text is two digits an octet, high digit first. It is written in upper case without
  *    separators, and read in either case with blanks (0x20) skipped. Names of variables, of script
  *    commands and in FindTagdictData are the same in either case, a to z alone; all other texts,
@@ -519,8 +519,8 @@ ORVANE_API TagParser* TagParsing_Init(void);
 
 /* Parses hexadecimal text and adds the tags that it finds.
  *
- *   parser  the parser; null gives 0
- *   text    the hexadecimal text; null gives 0
+ *   parser  the parser
+ *   text    the hexadecimal text
  *
  * Result: 1 if the whole text was parsed. What it finds takes the place of what was known under the
  * same tags.
@@ -533,9 +533,9 @@ ORVANE_API int32_t TagParsing_Parse(TagParser* parser, const char* text);
 
 /* Hands over the record of a tag.
  *
- *   parser  the parser; null gives 0
- *   tag     two digits of either case; null gives 0
- *   out     room for 2,050 bytes, a TagRecord; the value stands at out + 4; null gives 0
+ *   parser  the parser
+ *   tag     two digits of either case
+ *   out     room for 2,050 bytes, a TagRecord; the value stands at out + 4
  *
  * Result: 1, or 0 with zeros alone in out if the tag is not known. A null pointer gives 0 and
  * writes nothing. */

@@ -54,7 +54,7 @@ def plain_scripts(app, page, template, context, doctree):
 
 
 def bundle(app, exception):
-    """Puts what Debian's furo imports in the place where it does so."""
+    """Puts what Debian's furo imports in the place where it does so, and the licences beside it all."""
     if app.builder.name != "html":
         return
     static = pathlib.Path(app.outdir, "_static")
@@ -63,6 +63,11 @@ def bundle(app, exception):
     script.write_text(re.sub("^import .*", lambda match: scrolling, script.read_text()))
     style.write_text(re.sub(r"@import url\((/javascript/.*?)\);", lambda match: pathlib.Path("/usr/share" + match[1]).read_text(),
                             style.read_text()))
+    (static / "licences").mkdir(exist_ok=True)
+    for package in ("furo", "node-normalize.css", "python3-sphinx-copybutton", "python3-sphinx-inline-tabs", "sphinx-common"):
+        licence = pathlib.Path("/usr/share/doc", package, "copyright")
+        if licence.exists():
+            (static / f"licences/{package}.txt").write_bytes(licence.read_bytes())
 
 
 def setup(app):

@@ -91,6 +91,8 @@ std::string ManualPage(const CLI::App& app) {
     AddCommand(out, *command, "orvane " + command->get_name());
   }
   AddSections(out, app.get_footer());
+  out << ".SH SEE ALSO\n\\fBorvane\\fR(3), and all pages for a browser in "
+         "\\fIshare/doc/orvane/html/index.html\\fR of the installation.\n";
   return out.str();
 }
 
