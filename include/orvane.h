@@ -58,22 +58,25 @@ extern "C" {
  *   $ anything              a line for the host, handed back by its code alone
  *   ; or / and anything     a comment
  *
- * Operands stand side by side and are joined: %NAME is a variable, @name(argument, ...) a command,
- * any other word stands for itself, but one that begins with $ or = and an @ word without "(" count
- * for nothing: 00 $AA gives 00. Names of variables and commands are the same in either case.
+ * Operands stand side by side, and their values are joined. %NAME is a variable, and
+ * @name(argument, ...) is a command. Any other word stands for itself, but one that begins with $
+ * or =, and an @ word without "(", count for nothing: 00 $AA gives 00. Names of variables and
+ * commands are the same in either case.
  *
  * A command fails if an argument fails or is empty, if it can't take a key, data or a mask, without
- * memory or crypto module, with a value above 16 MiB, and inside 128 other commands. It then leaves
- * a message or nothing, and those of its arguments that it has not read are operands of the
- * statement, which goes on and keeps its code. So a text with code 1 may hold a message, in upper
- * case like the rest: 00B0VAR "%X" NOT DEFINE . A host tells by the characters, and sends nothing
- * else: a command is hexadecimal throughout, in whole octets, four at least. What unread arguments
- * leave may be so too: let scripts compare the length of what they have computed.
+ * memory or crypto module, with a value above 16 MiB, and inside 128 other commands. A failed
+ * command leaves a message or nothing. The arguments that it has not read are operands of the
+ * statement, which goes on and keeps its code.
+ *
+ * So a text with code 1 may hold a message, in upper case like the rest:
+ * `00B0VAR "%X" NOT DEFINE `. The host must look at the characters, and send commands alone:
+ * hexadecimal digits throughout, whole octets, four at least. What unread arguments leave may look
+ * like a command too. Scripts should compare the length of what they have computed.
  */
 
 /* What a statement turned out to be: the codes of RunScript for a statement that ran to its end.
- * Where an argument fails, the text of 2, 3 and 8 is what the argument left: of @setreader(%X) with
- * an undefined %X it is the message, and the code is 2 all the same. */
+ * Where an argument fails, the text of 2, 3 and 8 is what the argument left: @setreader(%X) with an
+ * undefined %X gives 2 and the message. */
 enum StatementKind {
   KindAssignment = 0, /* stored; text: the stored value. Also a statement of blanks alone */
   KindExpression = 1, /* text: the operands' values joined, in upper case */
@@ -86,11 +89,13 @@ enum StatementKind {
   KindOpenReader = 8  /* @OPENREADER(reader); text: the argument */
 };
 
-/* The other codes of RunScript, SetVarValue and GetVarValue. Code 1 of RunScript is also a failure:
- * a statement that begins with "(", ")" or "," (text: empty), an operand that names an undefined
- * variable (text: the message `var "%NAME" not define ` with its last blank, whose lower case no
- * finished expression can have), and an operand that memory ran out for (text: empty). A command
- * that memory ran out for is a failed command, and no failure of the statement. */
+/* The other codes of RunScript, SetVarValue and GetVarValue. Code 1 of RunScript is also a failure
+ * of the statement in these cases:
+ *  - The statement begins with "(", ")" or ",". The text is empty.
+ *  - An operand names an undefined variable. The text is the message `var "%NAME" not define ` with
+ *    its last blank. No finished expression can have its lower case.
+ *  - Memory ran out for an operand. The text is empty. A command that memory ran out for has failed
+ *    itself, and the statement has not. */
 enum ScriptCode {
   ScriptNoEngine = -1,      /* out of memory for the engine; the next call tries again */
   ScriptDone = 0,           /* SetVarValue: stored. GetVarValue: the variable exists */
@@ -112,10 +117,10 @@ enum ScriptCode {
  * ScriptException and the empty text, but for an assignment: it stores the whole value and hands
  * over its first 511 bytes.
  *
- * When a command has set one of the kinds 2 to 8, be it inside an argument, the statement ends
- * behind the operand that it stands in: no later operand is evaluated, nothing is stored, and the
- * text, in its own case, is what the operands up to there gave. In an assignment the text is empty.
- * Such a command should stand alone. */
+ * A command that sets one of the kinds 2 to 8, even inside an argument, ends the statement behind
+ * the operand that it stands in. No later operand is evaluated, and nothing is stored. The text is
+ * what the operands up to there gave, in its own case; in an assignment it is empty. Such a command
+ * should stand alone. */
 ORVANE_API int32_t RunScript(const char* script, char* result);
 
 /* Stores a value under a name.
@@ -150,10 +155,10 @@ ORVANE_API int32_t GetVarValue(const char* name);
  * for as long as the reader maker's library does.
  */
 
-/* What stands behind a reader. A library is looked for by this name: the file NAME.dll on Windows,
- * libNAME.so elsewhere, first by the bare name, then in the folder that this library was loaded
- * from; WD's in that folder alone. Any other library that the host has already loaded, by its own
- * name or its file's, is the one that is used. */
+/* What stands behind a reader: the library of this name. Its file is NAME.dll on Windows and
+ * libNAME.so elsewhere. It is looked for by the bare name first, then in the folder that this
+ * library was loaded from; WD's is looked for in that folder alone. Unless it is WD's, a library
+ * that the host has already loaded, by its own name or its file's, is the one that is used. */
 enum ReaderKind {
   ReaderKindTyUsb = 1,    /* tykeyint.dll */
   ReaderKindTyCom = 2,    /* tyreader.dll */
@@ -235,8 +240,8 @@ ORVANE_API int32_t OpenReaderA(const char* name, int32_t kind);
 
 /* Closes the current reader.
  *
- * Result: 1 if it is closed now, also if it was before. 0 while no open call has put a driver in
- * the place, and where the library of kind 4 or 11 refuses; kind 11 asks its library in every call.
+ * Result: 1 if it is closed now, even if it was closed before. 0 if no open call has put a driver
+ * in the place, or if the library of kind 4 or 11 refuses. Kind 11 asks its library in every call.
  *
  * A card in a PC/SC reader is left as it is. */
 ORVANE_API int32_t CloseReader(void);

@@ -105,7 +105,7 @@ class Pages:
     def rules(self):
         about, *head = self.head.split("\n\n")
         lines = ["# Rules for all functions", self.summary("Runs card scripts and drives smart-card readers."), "## Synopsis",
-                 "```c\n#include <orvane.h>\n```", self.marked("\n\n".join(head))]
+                 "```c\n#include <orvane.h>\n```", "## Description", self.marked("\n\n".join(head))]
         for title, text in self.sections.items():
             lines += [f"## {title}", self.paragraphs(text),
                       ", ".join(f"[{each.name}(3)]({each.name}.md)" for each in self.functions if each.section == title)]
