@@ -16,7 +16,7 @@ constexpr std::size_t kLongestValue = 16 << 20;
 
 struct CommandEntry {
   std::string_view keyword;    // in upper case
-  std::int32_t argumentCount;  // only zero or not counts: the bodies read what they need
+  std::int32_t argumentCount;  // only zero or non-zero matters: the bodies read what they need
   std::int32_t commandId;
   CommandBody* body;
 };
@@ -43,7 +43,7 @@ constexpr CommandEntry kCommandTable[] = {
     {"@HASH", 1, 19, Hash},
 };
 
-// Null for a word that is no keyword.
+// Null if the word is no keyword.
 const CommandEntry* FindCommand(std::string_view word) {
   const auto matches = [](char c, char upper) { return UpperCase(c) == upper; };
   for (const CommandEntry& entry : kCommandTable) {

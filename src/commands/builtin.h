@@ -8,23 +8,23 @@
 
 namespace orvane {
 
-// Runs the call whose keyword stands at `position`. On success `out` is the command's value and
-// `position` stands on the token that closes the call. A word without "(" behind it, or that is
-// no keyword, gives false with both untouched; a failed argument gives false with its text in
-// `out` and `position` where it failed. Calls nest 128 deep; a deeper one fails with the empty
-// text.
+// Runs the call whose keyword is the token at `position`. On success `out` is the command's value
+// and `position` is at the token that closes the call. If the word is no keyword or no "(" follows
+// it, the result is false and both stay as they are. If an argument fails, the result is false,
+// `out` holds the argument's text, and `position` is where it failed. Calls nest 128 deep; a deeper
+// one fails with the empty text.
 bool RunBuiltin(ScriptEngine& engine, std::string& out, std::size_t& position);
 
-// One running call, as the body of its command sees it. `position` stands on the first argument
-// when the body begins (on the keyword, for a command without arguments) and must stand on the
-// token that closes the call when it ends. `out` is not cleared: a body that leaves it alone has
-// no value.
+// One running call, as the body of its command sees it. When the body begins, `position` is at the
+// first argument (at the keyword, for a command without arguments). When the body ends, `position`
+// must be at the token that closes the call. A body that does not set `out` has no value of its
+// own: nothing clears `out` before.
 struct CommandCall {
   ScriptEngine& engine;
   std::string& out;
   std::size_t& position;
 
-  // Evaluates the argument at `position`. When that fails its text becomes the call's value.
+  // Evaluates the argument at `position`. If that fails, its text becomes the call's value.
   bool Read(std::string& argument);
 
   // Steps over the token behind an argument, which should be a comma, and reads the next one.
@@ -33,8 +33,8 @@ struct CommandCall {
   // Steps onto the token behind the last argument, which should be the ")".
   void Close() { ++position; }
 
-  // Makes a text, or octets as hexadecimal text, the call's value. A value above 16 MiB throws
-  // std::bad_alloc: a short statement of nested calls could take all memory otherwise.
+  // Makes a text, or octets as hexadecimal text, the call's value. Throws std::bad_alloc above 16
+  // MiB: otherwise a short statement of nested calls could take all memory.
   void Give(std::string_view text);
   void GiveHex(const unsigned char* octets, std::size_t count);
 };
@@ -42,21 +42,21 @@ struct CommandCall {
 // The body of a command: true if it ran to its end.
 using CommandBody = bool(CommandCall& call);
 
-// Cutting, measuring and comparing text. The commands with an H count in octets of hexadecimal
-// text, two characters each, which they do not examine.
+// Cut, measure and compare text. The commands with an H count octets of hexadecimal text, two
+// characters each. They do not check the characters.
 CommandBody StrMid, StrMidH, StrLen, StrLenH, Compare;
 
-// The octets behind hexadecimal text. Blanks in it are skipped, the first other character that is
-// no digit ends it, and the octets from there on read as 00.
+// Work on the octets of hexadecimal text. Blanks are skipped. The first other character that is no
+// digit ends the text, and the octets from there on read as 00.
 CommandBody Xor, AscToHex, HexToAsc;
 
-// Questions to the host: they mark the statement and pass their argument on.
+// Ask something of the host: each marks the statement's kind and passes its argument on.
 CommandBody ResetRequest, StopRequest, SetReaderRequest, SetSlotRequest, OpenReaderRequest;
 
-// Cryptography: these prepare the arguments and shape the results of the provider's entries
-// (crypto_provider.h), and compute nothing themselves. A value that is longer than its area, an
-// entry that is not to be had and a result of an impossible length make a command fail with its
-// value unchanged.
+// Cryptography. These prepare the arguments and shape the results of the provider's entries
+// (crypto_provider.h), and compute nothing themselves. A command fails, with its value unchanged,
+// if an argument is longer than its area, the entry is missing, or the result's length is
+// impossible.
 CommandBody Des, DesCbc, Mac, SubKey, RsaPubEnc, Hash;
 
 }  // namespace orvane

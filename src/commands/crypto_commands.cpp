@@ -18,8 +18,8 @@ constexpr std::size_t kHashBytes = 4096;
 
 std::size_t ByteCount(const std::string& hex) { return hex.size() / 2; }
 
-// The area that a hexadecimal text goes to, zero where the text's digits do not reach. One octet
-// more than the provider is told of, for the last digit of an odd text.
+// The octets of a hexadecimal text, zeros behind them. The area has one octet more than the
+// provider is told of: the last digit of an odd text goes there.
 template <std::size_t size>
 struct Area {
   explicit Area(const std::string& hex) : count(static_cast<std::int32_t>(ByteCount(hex))) {
@@ -29,8 +29,8 @@ struct Area {
   std::int32_t count;
 };
 
-// The areas of one provider call. They are made when all arguments have been read, so that they
-// take no room while arguments nest.
+// The areas of one provider call. They are made after all arguments are read, so that nested
+// calls do not multiply them.
 struct BlockAreas {
   BlockAreas(const std::string& keyHex, const std::string& dataHex, const std::string& ivHex)
       : key(keyHex), data(dataHex), iv(ivHex) {}
@@ -55,7 +55,7 @@ std::unique_ptr<BlockAreas> FillAreas(const std::string& key, const std::string&
   return std::make_unique<BlockAreas>(key, data, iv);
 }
 
-// What @descbc and @mac take.
+// The arguments of @descbc and @mac.
 struct ChainedArguments {
   std::string key;
   std::string data;

@@ -23,7 +23,7 @@ struct CryptoModule : platform::Library {
 }  // namespace
 
 const CryptoProvider& BoundCryptoProvider() {
-  // Never released, like everything that lives as long as the process.
+  // Never released: it lives as long as the process.
   static auto& module = *new CryptoModule;
   module.Bind();
   static CryptoProvider provider;

@@ -4,7 +4,7 @@
 
 namespace orvane {
 
-// The provider's entries, bound at the first call; null where one is not to be had.
+// The provider's entries, bound on the first call; an entry that cannot be found is null.
 const CryptoProvider& BoundCryptoProvider();
 
 }  // namespace orvane

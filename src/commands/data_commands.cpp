@@ -10,8 +10,8 @@ namespace {
 
 bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-// White space, a sign, then digits up to the first other character; no digits give 0. A number
-// beyond 32 bits counts as the largest one, which is past the end of any text.
+// Reads white space, a sign, then digits up to the first other character; no digits give 0. A
+// number beyond 32 bits counts as the largest one, which is past the end of any text.
 std::int64_t DecimalValue(std::string_view text) {
   while (!text.empty() && IsWhiteSpace(text.front())) text.remove_prefix(1);
   const bool negative = text.starts_with('-');
@@ -47,7 +47,7 @@ bool Length(CommandCall& call, std::size_t charactersPerUnit) {
   return true;
 }
 
-// The octets of a hexadecimal text, in an area of zeros with room for every digit of it.
+// The octets of a hexadecimal text; zeros where its digits do not reach.
 std::string Octets(const std::string& hex) {
   std::string octets((hex.size() + 1) / 2, '\0');
   DecodeHex(hex, reinterpret_cast<unsigned char*>(octets.data()));

@@ -3,7 +3,7 @@
 namespace orvane {
 namespace {
 
-// What stands between the parentheses is not looked at.
+// Does not look at what stands between the parentheses.
 bool Mark(CommandCall& call, StatementKind kind) {
   call.engine.statementKind = kind;
   call.position += 2;

@@ -15,8 +15,8 @@ std::string UpperCased(std::string_view name) {
   return upper;
 }
 
-// A text that the host's buffer cannot hold: an assignment is stored already and shows its first
-// bytes; of anything else the host gets nothing, since half a command must never reach a card.
+// Handles a text that the host's buffer cannot hold. An assignment is stored already and shows its
+// first bytes. Of anything else the host gets nothing: half a command must never reach a card.
 std::int32_t FitResult(ScriptEngine& engine, std::int32_t code) {
   if (engine.resultText.size() < kResultSize) return code;
   if (code == ScriptDone && engine.statementKind == KindAssignment) {

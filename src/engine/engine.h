@@ -12,10 +12,10 @@
 
 namespace orvane {
 
-// The room for a statement's text.
+// The size of the host's result buffer, terminator included.
 inline constexpr std::size_t kResultSize = 512;
 
-// Names in upper case to values. A lookup takes a name in any case and makes no string of it.
+// Maps names in upper case to values. A lookup takes a name in any case and makes no copy of it.
 using VariableTable = std::unordered_map<std::string, std::string, AnyCaseHash, AnyCaseEqual>;
 
 // Runs one statement at a time; only `variables` lives from one statement to the next.
@@ -29,10 +29,10 @@ struct ScriptEngine {
   VariableTable variables;
 
   std::string statement;       // the engine's own copy, in which the tokeniser joins literals
-  std::int32_t callDepth = 0;  // calls that are running inside each other's arguments
+  std::int32_t callDepth = 0;  // nested calls that are running now
 };
 
-// The one instance; made by the first call, never released. Null if memory ran out.
+// The one instance, made by the first call and never released. Null if memory ran out.
 ScriptEngine* EnsureEngine();
 
 // Runs `script` and fills `result`, kResultSize bytes. Gives the code of RunScript.

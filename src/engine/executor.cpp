@@ -18,7 +18,7 @@ bool IsAssignment(const ScriptEngine& engine) {
          ClassifyToken(TokenAt(engine, 1)) == ClassEquals;
 }
 
-// An operand of an argument: a call that fails, or a token that is no operand, is a failure.
+// Evaluates an operand of an argument. Fails if its call fails or the token is no operand.
 bool EvaluateOperand(ScriptEngine& engine, std::size_t& position, std::string& operand) try {
   const std::string_view token = TokenAt(engine, position);
   switch (ClassifyToken(token)) {
@@ -41,9 +41,9 @@ bool IsOperand(std::string_view token) {
   return tokenClass == ClassVariable || tokenClass == ClassLiteral || tokenClass == ClassCall;
 }
 
-// An operand of the statement itself: a call that fails is one all the same, and a token that is no
-// operand contributes nothing. `value` is the operand's own text or lies in `text`, where the
-// message of a failed one stands.
+// Evaluates an operand of the statement itself. A call that fails still gives a value, and a token
+// that is no operand gives the empty one. `value` is the operand's own text or a view of `text`. If
+// the operand fails, `text` holds the message.
 bool EvaluateStatementOperand(ScriptEngine& engine, std::string& text, std::string_view& value,
                               std::size_t& position) try {
   text.clear();
@@ -70,7 +70,7 @@ bool EvaluateStatementOperand(ScriptEngine& engine, std::string& text, std::stri
   return false;
 }
 
-// Where the value of the next operand goes: a command may have changed the kind.
+// Where the value of the next operand goes. Asked anew each time: a command may change the kind.
 std::string* Collector(ScriptEngine& engine, std::string& assigned) {
   switch (engine.statementKind) {
     case KindAssignment:
@@ -84,7 +84,7 @@ std::string* Collector(ScriptEngine& engine, std::string& assigned) {
 
 std::int32_t Finish(ScriptEngine& engine, std::string_view target, std::string& assigned) {
   if (engine.statementKind == KindAssignment) {
-    // A statement without tokens has no target, and SetVariable stores nothing under no name.
+    // A statement without tokens has no target; SetVariable refuses the empty name.
     if (SetVariable(engine, target, assigned) == ScriptException) return ScriptException;
     engine.resultText = std::move(assigned);
   } else if (engine.statementKind == KindExpression) {
@@ -127,7 +127,7 @@ bool EvaluateArgument(ScriptEngine& engine, std::size_t& position, std::string& 
   if (!EvaluateOperand(engine, position, argument)) return false;
   if (!IsOperand(TokenAt(engine, position + 1))) return true;
 
-  // An operand without text repeats the one before it.
+  // An operand that gives no text repeats the text of the one before it.
   std::string part = argument;
   do {
     ++position;

@@ -35,10 +35,10 @@ consteval std::array<bool, 256> MakeWordCharacters() {
   return characters;
 }
 
-// Characters that do nothing but lengthen a word, wherever they stand.
+// Characters that only ever make a word longer, wherever they stand.
 constexpr auto kWordCharacters = MakeWordCharacters();
 
-// Fills engine.tokens, or gives the code that ends the statement before anything is executed.
+// Fills engine.tokens, or gives the code that ends the statement before it runs.
 std::int32_t Split(ScriptEngine& engine) {
   auto& tokens = engine.tokens;
   const char* word = engine.statement.data();

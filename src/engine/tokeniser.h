@@ -23,17 +23,17 @@ enum TokenClass : unsigned char {
 
 TokenClass ClassifyToken(std::string_view token);
 
-// The token at a position; the empty text, which is of ClassEmpty, at or past the end.
+// The token at a position. At or past the end it is the empty text, whose class is ClassEmpty.
 inline std::string_view TokenAt(const ScriptEngine& engine, std::size_t position) {
   return position < engine.tokens.size() ? engine.tokens[position] : std::string_view();
 }
 
-// Splits engine.statement into engine.tokens and executes them. Gives what ExecuteTokens gives, or
-// 1 for a statement that begins with a separator, or ScriptNothingToRun.
+// Splits engine.statement into engine.tokens and runs them. Gives the result of ExecuteTokens, 1
+// for a statement that begins with a separator, or ScriptNothingToRun.
 std::int32_t Tokenise(ScriptEngine& engine);
 
-// Makes one token of every run of adjacent literals. Their texts are moved together in
-// engine.statement, over the blanks between them.
+// Makes one token of each run of adjacent literals. Moves their texts together in engine.statement,
+// over the blanks between them.
 void MergeLiteralRuns(ScriptEngine& engine);
 
 }  // namespace orvane
