@@ -17,7 +17,7 @@ struct CalendarTime {
   bool operator==(const CalendarTime&) const = default;
 };
 
-// What the system's clock shows now, in UTC.
+// The system's clock now, in UTC.
 CalendarTime UtcNow();
 
 }  // namespace orvane::platform

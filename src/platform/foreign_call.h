@@ -3,17 +3,17 @@
 namespace orvane::platform {
 
 extern "C" {
-// Runs operation(argument), which enters a foreign library. False if an exception ended it that
-// catch (...) would not see; every other exception passes through.
+// Runs operation(argument), which enters a foreign library. False if it ended with an exception
+// that catch (...) would not see. Every other exception passes through.
 bool OrvaneRunForeign(void (*operation)(void*), void* argument);
 }
 
-// Thrown in place of an exception that another compiler's code threw.
+// Thrown in place of an exception of another compiler's code.
 struct ForeignException {};
 
-// Gives what call gives. Whatever a foreign library throws in it becomes an exception that
-// catch (...) sees. An exception of another compiler's code skips the destructors between here and
-// the library, so call must own nothing.
+// Gives the result of call. Whatever a foreign library throws in it becomes an exception that catch
+// (...) sees. An exception of another compiler's code skips the destructors between here and the
+// library, so call must own nothing.
 template <typename Call>
 auto CallForeign(Call call) {
   decltype(call()) result{};

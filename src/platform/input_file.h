@@ -6,8 +6,8 @@
 
 namespace orvane::platform {
 
-// Reads a regular file of the current folder from its start, untranslated. The name is ASCII. Empty
-// if the file can't be opened; folders, pipes and devices count as such.
+// Reads a regular file of the current folder from its start, octet by octet as stored. The name is
+// ASCII. The object is empty if the file cannot be opened, or is a folder, a pipe or a device.
 class InputFile {
  public:
   explicit InputFile(const std::string& name);
@@ -17,7 +17,7 @@ class InputFile {
 
   explicit operator bool() const { return handle_ != kNone; }
 
-  // Reads up to size octets; 0 at the end of the file, and once reading has failed.
+  // Reads up to size octets. 0 at the end of the file, and after a failed read.
   std::size_t Read(char* area, std::size_t size);
 
   bool Failed() const { return failed_; }

@@ -6,8 +6,8 @@
 
 namespace orvane::platform {
 
-// A dynamic library that is bound on first use. What derives from it has a member EntryPoint for
-// every name that is looked up in it:
+// A dynamic library that is bound on first use. A derived class has a member EntryPoint for each
+// name that it looks up:
 //
 //   struct Reader : platform::Library {
 //     Reader() : Library("reader.dll") {}
@@ -20,8 +20,8 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
-  // Loads the library and looks every name up, unless that has been done. A library that could
-  // not be loaded is tried again.
+  // Loads the library and looks up every name, unless that is done already. If the load failed, the
+  // next call tries again.
   void Bind();
 
  protected:
@@ -41,8 +41,8 @@ class Library {
     Name* const m_next;
   };
 
-  // The function or data under a name. Null while the library is not bound, and where it has no
-  // such name, so each is tested before it is used.
+  // The function or data under a name. Null while the library is not bound, and if the library has
+  // no such name: test it before each use.
   template <typename Target>
   class EntryPoint : public Name {
    public:

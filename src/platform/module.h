@@ -4,7 +4,7 @@
 
 namespace orvane::platform {
 
-// A dynamic library, loaded for as long as this object holds it. Empty when there is none.
+// A dynamic library, loaded as long as this object lives. Empty when there is none.
 class Module {
  public:
   Module() = default;
@@ -26,7 +26,7 @@ class Module {
 };
 
 // Loads a library by its bare Windows name, such as "winscard.dll"; on POSIX that means
-// libwinscard.so. The first one counts that is found
+// libwinscard.so. Takes the first one that it finds
 //  - among the libraries of the process, by its own name or that of its file,
 //  - where the system looks for libraries,
 //  - on Windows, in folders that the host has named to AddDllDirectory,
@@ -34,11 +34,11 @@ class Module {
 //  - on POSIX, in orvane/ below that folder, where our own modules are installed.
 Module LoadModule(const char* fileName);
 
-// The same for a module that is given secrets: on Windows the current folder and PATH are left out.
+// The same for a module that gets secrets: on Windows without the current folder and PATH.
 Module LoadOwnModule(const char* fileName);
 
-// Loads a library of that name from the folder of this library alone. If this library was loaded
-// through a link, the folder is that of the link; on POSIX that of its file comes second.
+// Loads a library of that name from this library's own folder alone. If this library was loaded
+// through a link, that is the link's folder; on POSIX the folder of the real file comes second.
 Module LoadModuleFromOwnFolder(const char* fileName);
 
 }  // namespace orvane::platform

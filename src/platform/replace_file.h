@@ -5,16 +5,16 @@
 
 namespace orvane::platform {
 
-// Makes `octets` the whole content of a file of the current folder, which need not be there yet.
-// Its name is ASCII. False if that failed: the file is as it was, and nothing is left beside it.
-// Folders, pipes and devices are no files. A file size limit ends no process.
+// Makes `octets` the whole content of a file in the current folder. The file need not exist. Its
+// name is ASCII. On failure the result is false, the file is as it was, and nothing is left beside
+// it. Folders, pipes and devices fail. A file size limit does not end the process.
 //
-// A new file is written beside the old one, readable for its owner alone. Once it has reached the
-// disk it has the old one's owner, permissions, access-control list and attributes, and takes its
-// place in one step: a process that is killed leaves the old content or the new one, and perhaps a
-// file NAME.NUMBER.new besides, which the next call removes. Where no such file can be made or take
-// the place, the old one is overwritten, and being killed then may leave a mixture. A symbolic link
-// stays what it is; its target is replaced.
+// The octets go to a new file beside the old one, which only its owner can read. It gets the old
+// one's owner, permissions, access-control list and attributes, is flushed to disk, and then
+// replaces the old one in one step. A killed process leaves the old content or the new, and perhaps
+// a file NAME.NUMBER.new, which the next call removes. Where a new file cannot be made or cannot
+// replace the old one, the old one is overwritten; a process killed then may leave a mixture. A
+// symbolic link stays; its target is replaced.
 bool ReplaceFileContents(const std::string& name, std::string_view octets);
 
 }  // namespace orvane::platform

@@ -4,8 +4,8 @@
 
 namespace orvane::platform {
 
-// The characters of a text before its terminator, or `most` if none stands among so many. Reads
-// nothing behind a terminator that could not be read.
+// The number of characters before the terminator, or `most` if there is none among the first
+// `most`. Never reads memory behind the terminator that might be unreadable.
 std::size_t LengthUpTo(const char* text, std::size_t most);
 
 }  // namespace orvane::platform

@@ -5,7 +5,7 @@
 namespace orvane::platform {
 
 CalendarTime UtcNow() {
-  // Counted here: gmtime takes leap seconds off where the environment's TZ counts them.
+  // Not gmtime: it subtracts leap seconds if the environment's TZ counts them.
   using namespace std::chrono;
   const auto now = floor<milliseconds>(system_clock::now());
   const auto today = floor<days>(now);

@@ -17,8 +17,8 @@ namespace {
 
 constexpr auto kUtf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
-// The character set of the environment's locale. The process's own locale stays as it is. In the C
-// locale it is UTF-8.
+// The character set of the environment's locale; UTF-8 in the C locale. Leaves the process's own
+// locale as it is.
 std::string EnvironmentCharacterSet() {
   const std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)> environment(
       newlocale(LC_CTYPE_MASK, "", nullptr), &freelocale);
@@ -43,8 +43,8 @@ class Converter {
 
   explicit operator bool() const { return reinterpret_cast<std::intptr_t>(descriptor_) != -1; }
 
-  // Converts the bytes at the front of in, appends the result to out and takes them off in.
-  // False if it stops before something that does not map or is cut.
+  // Converts the bytes at the front of in, appends the result to out and removes those bytes from
+  // in. False if it stops before something that does not map or is incomplete.
   bool Convert(std::string_view& in, std::string& out) {
     std::array<char, 1024> area;
     for (;;) {
@@ -60,7 +60,8 @@ class Converter {
     }
   }
 
-  // Where a set combines characters, iconv holds one back until it sees the next. This appends it.
+  // In a set that combines characters, iconv holds one back until it sees the next. This appends
+  // the held one.
   void Flush(std::string& out) {
     std::array<char, 64> area;
     char* next = area.data();
@@ -94,10 +95,10 @@ bool IsPair(std::u16string_view text) {
   return text.size() > 1 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
 }
 
-// Each character that does not map becomes '?'. They are converted one by one: glibc is slow to go
-// on behind a character that it can't convert.
+// Each character that does not map becomes '?'. Converts one character at a time: glibc is slow to
+// continue after one that it cannot convert.
 std::optional<std::string> Encode(const std::string& to, std::u16string_view text) {
-  // The first unit of a language tag. iconv drops such a tag silently if the set has none.
+  // The first unit of a language tag. iconv silently drops such a tag if the set has none.
   constexpr char16_t kTagLead = 0xDB40;
   Converter converter(to, kUtf16);
   if (!converter) return std::nullopt;
@@ -137,7 +138,7 @@ Conversion FromWide(CodePage to, const char16_t* text, std::span<char> out) {
 }
 
 std::string AnsiText(std::u16string_view text) {
-  // With the terminator, iconv also gives out a character that it holds back.
+  // The terminator makes iconv give out a character that it holds back.
   const std::u16string terminated(text);
   auto out = Encode(EnvironmentCharacterSet(), {terminated.c_str(), terminated.size() + 1});
   if (!out) return {};

@@ -2,7 +2,7 @@
 
 namespace orvane::platform {
 
-// All compilers here share one kind of exception.
+// Here all compilers share one kind of exception.
 bool OrvaneRunForeign(void (*operation)(void*), void* argument) {
   operation(argument);
   return true;

@@ -18,25 +18,25 @@ std::string SharedObjectName(std::string_view fileName) {
   return "lib" + std::string(stem) + ".so";
 }
 
-// The name that the loader has for this library: that of a link, where it was loaded through one.
+// The name that the loader has for this library; the link's name if it was loaded through one.
 const char* OwnName() {
   Dl_info self{};
   return dladdr(reinterpret_cast<void*>(&OwnName), &self) != 0 ? self.dli_fname : nullptr;
 }
 
-// Found when the library is loaded, since a relative name means nothing once the process has
-// changed its folder. Null where it can't be found; never released.
+// Found when the library is loaded: a relative name means nothing after the process has changed its
+// folder. Null if it cannot be found; never released.
 const char* const kOwnName = OwnName();
 const char* const kOwnFile = kOwnName != nullptr ? realpath(kOwnName, nullptr) : nullptr;
 const char* const kFolderAtStart =
     kOwnName != nullptr && *kOwnName != '/' ? getcwd(nullptr, 0) : nullptr;
 
-// With its last slash.
+// The folder with its last slash.
 std::string FolderOf(std::string_view file) {
   return std::string(file.substr(0, file.rfind('/') + 1));
 }
 
-// The folder of the name that this library was loaded by; empty if it is not known.
+// The folder of the name by which this library was loaded; empty if it is not known.
 std::string FolderOfOwnName() {
   if (kOwnName == nullptr) return {};
   if (*kOwnName == '/') return FolderOf(kOwnName);
@@ -51,8 +51,8 @@ Module OpenIn(const std::string& folder, const std::string& name) {
   return folder.empty() ? Module() : Open(folder + name);
 }
 
-// The loader itself knows a library that is loaded by the name that it gives itself, if it has one,
-// and by that of its file with the folder before it.
+// dlopen recognises a loaded library only by its SONAME, if it has one, and by its path. This finds
+// it by its file's name.
 Module FindLoaded(const std::string& name) {
   struct Search {
     const std::string& name;
@@ -71,7 +71,7 @@ Module FindLoaded(const std::string& name) {
 
 Module OpenInOwnFolder(const std::string& name) {
   Module module = OpenIn(FolderOfOwnName(), name);
-  // A link to the library may stand elsewhere than what belongs to it.
+  // A link to the library may be in another folder than the files that belong to the library.
   if (module || kOwnFile == nullptr) return module;
   return OpenIn(FolderOf(kOwnFile), name);
 }

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Whether the name in this folder, itself no link, is that of the open file.
+// True if the name in this folder, not followed as a link, belongs to the open file.
 bool IsNameOf(const Descriptor& file, const Descriptor& folder, const char* name) {
   struct stat own, named;
   return fstat(file.Number(), &own) == 0 && S_ISREG(own.st_mode) &&
@@ -52,7 +52,8 @@ Place PlaceOf(const Descriptor& file, const std::string& name) {
 }
 
 NewFile::NewFile(const Place& place, mode_t mode) : place_(place), file_(-1) {
-  // Other processes, even with the same number on another machine, may be at the same work.
+  // Other processes may do the same at the same time, even one with the same number on another
+  // machine.
   constexpr int kMostNames = 1000;
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
   for (int i = 0; i < kMostNames; ++i) {
@@ -60,7 +61,7 @@ NewFile::NewFile(const Place& place, mode_t mode) : place_(place), file_(-1) {
     file_ = Descriptor(openat(place.folder.Number(), name_.c_str(), kFlags, mode));
     if (!file_ && errno != EEXIST) return;
     if (!file_) continue;
-    // Between the two calls somebody may have taken it for a dead one's.
+    // Between creation and lock, another process may have taken the file for a dead process's.
     const bool lost = flock(file_.Number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     if (!lost && IsNameOf(file_, place.folder, name_.c_str())) return;
     file_ = Descriptor(-1);
@@ -91,7 +92,7 @@ void RemoveDeadNewFiles(const Place& place) {
     constexpr int kFlags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     if (!IsNewName(entry->d_name, place.name)) continue;
     const Descriptor file(openat(folder.Number(), entry->d_name, kFlags));
-    // Who holds the lock of a file under its name is the only one to remove it.
+    // Only the holder of the lock may remove a file, and only if the name still belongs to it.
     if (file && flock(file.Number(), LOCK_EX | LOCK_NB) == 0 &&
         IsNameOf(file, folder, entry->d_name)) {
       unlinkat(folder.Number(), entry->d_name, 0);

@@ -8,7 +8,7 @@
 
 namespace orvane::platform {
 
-// A file descriptor, or none, which is closed in the end.
+// Owns a file descriptor, or none, and closes it.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -28,8 +28,8 @@ class Descriptor {
   int number_;
 };
 
-// A name in an open folder. It stays right when the folder is moved. Without a folder it is
-// nowhere.
+// A name in an open folder. It stays valid when the folder is moved. Without a folder it names
+// nothing.
 struct Place {
   Descriptor folder;
   std::string name;
@@ -38,11 +38,11 @@ struct Place {
 // The name in the current folder.
 Place PlaceHere(const std::string& name);
 
-// Where an open file lies, with all links followed. It was opened under this name.
+// Where an open file lies, with all links followed. `name` is the one under which it was opened.
 Place PlaceOf(const Descriptor& file, const std::string& name);
 
-// A new file NAME.NUMBER.new beside the file NAME. It is removed in the end, unless it has taken
-// the place of NAME. It is locked; one without a lock was left by a process that died.
+// A new file NAME.NUMBER.new beside the file NAME. The destructor removes it, unless it has
+// replaced NAME. It is locked while in use: one without a lock was left by a process that died.
 class NewFile {
  public:
   NewFile(const Place& place, mode_t mode);
@@ -50,7 +50,7 @@ class NewFile {
   NewFile& operator=(const NewFile&) = delete;
   ~NewFile();
 
-  // None if it could not be made.
+  // Empty if the file could not be made.
   const Descriptor& File() const { return file_; }
 
   bool TakeThePlace();
@@ -61,7 +61,7 @@ class NewFile {
   Descriptor file_;
 };
 
-// Removes what dead processes left beside a file.
+// Removes the new files beside a file that dead processes left.
 void RemoveDeadNewFiles(const Place& place);
 
 }  // namespace orvane::platform

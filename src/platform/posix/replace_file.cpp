@@ -66,13 +66,13 @@ bool TakeExtendedAttributes(const Descriptor& file, const Descriptor& other) {
     hasList = hasList || std::strcmp(name, kAccessList) == 0;
     if (!IsForThisContent(name) && !TakeAttribute(file, other, name)) return false;
   }
-  // The folder may have given it a list.
+  // The new file may have inherited a list from its folder.
   return hasList || fremovexattr(file.Number(), kAccessList) == 0 || errno == ENODATA ||
          errno == ENOTSUP;
 }
 
-// Gives a file the owner, the permissions, the access-control list and the extended attributes of
-// another one, but no setuid bit nor what vouches for the content. False if one is refused.
+// Gives a file the owner, permissions, access-control list and extended attributes of another one,
+// without setuid bits and attributes that vouch for the content. False if one is refused.
 bool TakeAttributes(const Descriptor& file, const Descriptor& other) {
   struct stat own, status;
   if (fstat(file.Number(), &own) != 0 || fstat(other.Number(), &status) != 0) return false;
@@ -83,7 +83,7 @@ bool TakeAttributes(const Descriptor& file, const Descriptor& other) {
 
 enum class Replacement { kDone, kImpossible, kFailed };
 
-// Without an old file, the new one has the permissions of any new file.
+// Without an old file, the new one gets the permissions of any new file.
 Replacement ReplaceAtOnce(const Place& place, const Descriptor& old, std::string_view octets) {
   RemoveDeadNewFiles(place);
   NewFile next(place, old ? 0600 : 0666);
@@ -95,7 +95,7 @@ Replacement ReplaceAtOnce(const Place& place, const Descriptor& old, std::string
 }
 
 bool Overwrite(const Descriptor& file, off_t size, std::string_view octets) {
-  // What the file grows by comes first: if the disk is full, this is where it shows.
+  // Writes the part beyond the old size first: a full disk then shows before old content is lost.
   const auto kept = octets.substr(0, static_cast<std::size_t>(size));
   if (!WriteAt(file, size, octets.substr(kept.size()))) {
     [[maybe_unused]] const int ignored = ftruncate(file.Number(), size);
@@ -115,7 +115,7 @@ bool ReplaceFileContents(const std::string& name, std::string_view octets) {
     if (lstat(name.c_str(), &status) != 0) {
       return ReplaceAtOnce(PlaceHere(name), old, octets) == Replacement::kDone;
     }
-    old = Descriptor(open(name.c_str(), kFlags | O_CREAT, 0666));  // a link to no file yet
+    old = Descriptor(open(name.c_str(), kFlags | O_CREAT, 0666));  // a link without a target
   }
   if (!old || fstat(old.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   const Replacement outcome = ReplaceAtOnce(PlaceOf(old, name), old, octets);

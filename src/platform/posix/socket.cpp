@@ -19,7 +19,7 @@ bool SetTimeout(int socket, int option, std::int32_t milliseconds) {
   return setsockopt(socket, SOL_SOCKET, option, &time, sizeof time) == 0;
 }
 
-// A signal that comes in between does not end the wait.
+// A signal does not end the wait.
 bool Wait(int socket, short events, std::int32_t milliseconds) {
   if (socket == -1) return false;
   using Clock = std::chrono::steady_clock;
@@ -69,8 +69,8 @@ void BeginConnect(std::int32_t socket, std::uint32_t address, std::uint16_t port
 }
 
 bool WaitConnected(std::int32_t socket, std::int32_t milliseconds) {
-  // A socket whose connection was refused, or never began, is ready for writing here as well: it
-  // has an error pending, or no peer.
+  // A socket whose connection was refused or never began is ready for writing here too: it has a
+  // pending error or no peer.
   int error = 0;
   socklen_t length = sizeof error;
   sockaddr_in peer{};
@@ -89,7 +89,7 @@ bool WaitReadable(std::int32_t socket, std::int32_t milliseconds) {
 }
 
 std::int32_t Send(std::int32_t socket, const std::uint8_t* octets, std::int32_t count) {
-  // A peer that has gone is a failure, not a signal that ends the host.
+  // MSG_NOSIGNAL: without it, a peer that has gone would end the host by a signal.
   return static_cast<std::int32_t>(
       send(socket, octets, static_cast<std::size_t>(count), MSG_NOSIGNAL));
 }

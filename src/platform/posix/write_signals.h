@@ -5,8 +5,8 @@
 
 namespace orvane::platform {
 
-// Keeps the signals of a failing write, into a file at its size limit or a pipe that nobody reads,
-// from the host for as long as this lives. Such a write then only fails.
+// While this lives, a write that fails sends the host no signal; it only fails. This concerns files
+// at their size limit and pipes that nobody reads.
 class WriteSignals {
  public:
   WriteSignals() {
@@ -27,7 +27,7 @@ class WriteSignals {
   }
 
  private:
-  sigset_t ours_;  // those that were not pending before
+  sigset_t ours_;  // the signals that were not pending before
   sigset_t before_;
 };
 

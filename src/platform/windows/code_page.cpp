@@ -32,7 +32,7 @@ std::string AnsiText(std::u16string_view text) {
   if (text.empty()) return {};
   const auto* const wide = reinterpret_cast<const wchar_t*>(text.data());
   const auto units = static_cast<int>(text.size());
-  // UTF-8 lacks nothing, and the call fails if it is told what to put in a character's place.
+  // UTF-8 lacks no character, and with it the call refuses a substitute.
   const char* const missing = GetACP() == CP_UTF8 ? nullptr : "?";
   const auto convert = [&](char* area, int room) {
     return WideCharToMultiByte(CP_ACP, 0, wide, units, area, room, missing, nullptr);

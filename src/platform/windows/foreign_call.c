@@ -1,4 +1,4 @@
-/* In C, since a function in C++ has its compiler's own handler for exceptions. */
+/* In C: a C++ function would have its compiler's own exception handler. */
 #include <excpt.h>
 #include <stdbool.h>
 #include <windows.h>
@@ -9,14 +9,14 @@ bool OrvaneRunForeign(void (*operation)(void*), void* argument);
 
 #define MICROSOFT_EXCEPTION 0xE06D7363
 
-/* The compiler does not see that it is used. */
+/* Only the assembler code of __try1 uses it, which the compiler does not see. */
 __attribute__((used)) static long Choose(EXCEPTION_POINTERS* thrown, void* frame) {
   (void)frame;
   return thrown->ExceptionRecord->ExceptionCode == MICROSOFT_EXCEPTION ? EXCEPTION_EXECUTE_HANDLER
                                                                        : EXCEPTION_CONTINUE_SEARCH;
 }
 
-/* Once only: the two macros define labels. */
+/* Neither inlined nor cloned: the two macros define labels, which must exist once. */
 __attribute__((noinline, noclone)) bool OrvaneRunForeign(void (*operation)(void*), void* argument) {
   volatile bool ended = false;
   __try1(Choose);
@@ -28,7 +28,7 @@ __attribute__((noinline, noclone)) bool OrvaneRunForeign(void (*operation)(void*
 
 #else
 
-/* With Microsoft's compiler catch (...) sees its exceptions. */
+/* Microsoft's compiler makes catch (...) see every exception of its code. */
 bool OrvaneRunForeign(void (*operation)(void*), void* argument) {
   operation(argument);
   return true;

@@ -9,7 +9,7 @@
 namespace orvane::platform {
 namespace {
 
-// Made as the library is loaded: no first call can fail for want of memory.
+// Made when the library is loaded, so that no first call can fail for lack of memory.
 const HANDLE LogMutex = CreateMutexW(nullptr, FALSE, nullptr);
 
 OVERLAPPED At(DWORD high, DWORD low) {
@@ -19,13 +19,13 @@ OVERLAPPED At(DWORD high, DWORD low) {
   return place;
 }
 
-// Keeps other processes that log into the file out while this lives: over a network, and under
-// Wine, the system looks for the end and writes there in two steps.
+// Keeps other processes that log into the file out: over a network, and under Wine, the system
+// finds the end of the file and writes there in two steps.
 class AppendLock {
  public:
   explicit AppendLock(std::intptr_t file) : file_(reinterpret_cast<HANDLE>(file)) {
     constexpr DWORD kFlags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-    // Half a second: a process that is stopped while it logs must not stop others.
+    // At most half a second: a process that is stopped while it logs must not stop others.
     for (int tries = 0; tries < 500; ++tries) {
       held_ = LockFileEx(file_, kFlags, 0, 1, 0, &place_) != 0;
       if (held_ || GetLastError() != ERROR_LOCK_VIOLATION) return;
@@ -40,11 +40,11 @@ class AppendLock {
 
  private:
   HANDLE file_;
-  OVERLAPPED place_ = At(MAXLONG, MAXDWORD);  // where no text ever is
+  OVERLAPPED place_ = At(MAXLONG, MAXDWORD);  // beyond any text
   bool held_ = false;
 };
 
-// At the file's end, wherever that is by then.
+// Writes at the end that the file has at that moment.
 void Write(std::intptr_t file, std::string_view text) {
   const auto handle = reinterpret_cast<HANDLE>(file);
   while (!text.empty()) {

@@ -16,11 +16,11 @@ HMODULE OwnModule(DWORD besides) {
   return self;
 }
 
-// The library stays in the process, and with it what it keeps for its host.
+// Pinned: the library stays in the process, with its state, after the host unloads it.
 const HMODULE kSelf = OwnModule(GET_MODULE_HANDLE_EX_FLAG_PIN);
 
-// With its last backslash. Wide, since a folder's name may have characters that the code page
-// lacks.
+// The folder with its last backslash. Wide text: a folder's name may have characters that the code
+// page lacks.
 std::wstring OwnFolder() {
   if (kSelf == nullptr) return {};
   std::wstring path(MAX_PATH, L'\0');
@@ -35,13 +35,13 @@ std::wstring OwnFolder() {
   }
 }
 
-// A longer path needs a mark in front, or else the process's leave for such paths.
+// Windows takes a longer path only with this prefix, or if the process allows long paths.
 std::wstring WithMarkIfLong(const std::wstring& path) {
   if (path.size() < MAX_PATH || path.starts_with(LR"(\\?\)")) return path;
   return path.starts_with(LR"(\\)") ? LR"(\\?\UNC\)" + path.substr(2) : LR"(\\?\)" + path;
 }
 
-// The program's folder, those that the host has named to AddDllDirectory, the system's.
+// Searches the program's folder, the folders given to AddDllDirectory, and the system's.
 Module LoadFromChosenFolders(const char* fileName) {
   return Module(LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
 }
@@ -76,7 +76,7 @@ Module LoadModuleFromOwnFolder(const char* fileName) {
   if (folder.empty()) return {};
   const std::string_view name = fileName;
   const std::wstring path = WithMarkIfLong(folder + std::wstring(name.begin(), name.end()));
-  // What the module needs itself may stand beside it.
+  // The module's own dependencies may be in its folder.
   return Module(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
 

@@ -33,7 +33,7 @@ File OpenForWriting(const std::wstring& path) {
                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-// The text that a call hands over, which says how much room it needs, at worst with the terminator.
+// The text that a system call writes. The call returns the room that it needs, or the length.
 template <typename Call>
 std::wstring TextOf(const Call& call) {
   std::wstring text;
@@ -51,7 +51,7 @@ std::wstring FullPath(const std::wstring& path) {
   });
 }
 
-// The file's own path, with all links followed; empty if that can't be told.
+// The file's own path, with all links followed; empty if it cannot be found out.
 std::wstring FinalPath(const File& file) {
   return TextOf([&](wchar_t* area, DWORD size) {
     return GetFinalPathNameByHandleW(file.Handle(), area, size, FILE_NAME_NORMALIZED);
@@ -78,9 +78,9 @@ bool CutAt(const File& file, std::size_t size) {
   return Seek(file, size) && SetEndOfFile(file.Handle()) != 0;
 }
 
-// Who may do what with a file, and what else its folder shows of it.
+// The access-control list of a file and its kept attribute flags.
 struct Attributes {
-  std::vector<char> accessList;  // empty: that of any new file
+  std::vector<char> accessList;  // empty: the list of any new file
   DWORD flags = 0;
 };
 
@@ -103,8 +103,8 @@ Attributes AttributesOf(const File& file) {
   return attributes;
 }
 
-// Makes a file NAME.NUMBER.new that was not there, beside the one at this path. While it is open,
-// nobody else can remove it.
+// Makes a new file NAME.NUMBER.new beside the one at this path. While it is open, nobody else can
+// remove it.
 File CreateBeside(const std::wstring& path, Attributes attributes) {
   constexpr DWORD kMostNames = 1000;
   SECURITY_ATTRIBUTES security{.nLength = sizeof security,
@@ -134,7 +134,7 @@ void RemoveDeadNewFiles(const std::wstring& path) {
   FindClose(search);
 }
 
-// One step of the file system, unlike ReplaceFile, which moves the old file away first.
+// Unlike ReplaceFile, which moves the old file away first, this is one step of the file system.
 bool TakeThePlace(const File& file, const std::wstring& path) {
   const std::size_t octets = path.size() * sizeof(wchar_t);
   std::vector<char> area(sizeof(FILE_RENAME_INFO) + octets);
@@ -169,7 +169,7 @@ bool Overwrite(const std::wstring& path, std::string_view octets) {
   LARGE_INTEGER length;
   if (!file || GetFileSizeEx(file.Handle(), &length) == 0) return false;
   const auto size = static_cast<std::size_t>(length.QuadPart);
-  // What the file grows by comes first: if the disk is full, this is where it shows.
+  // Writes the part beyond the old size first: a full disk then shows before old content is lost.
   const auto kept = octets.substr(0, size);
   if (!Seek(file, size) || !Write(file, octets.substr(kept.size()))) {
     CutAt(file, size);
@@ -191,7 +191,7 @@ bool ReplaceFileContents(const std::string& name, std::string_view octets) {
   const std::wstring final = FinalPath(old);
   const std::wstring& target = final.empty() ? path : final;
   const Attributes attributes = AttributesOf(old);
-  old.Close();  // an open file can't be replaced
+  old.Close();  // an open file cannot be replaced
   const Replacement outcome = ReplaceAtOnce(target, attributes, octets);
   return outcome == Replacement::kDone ||
          (outcome == Replacement::kImpossible && Overwrite(target, octets));

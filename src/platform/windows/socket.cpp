@@ -5,7 +5,7 @@
 namespace orvane::platform {
 namespace {
 
-// Socket numbers are kernel handles, which fit in 32 bits.
+// A socket number is a kernel handle, which fits in 32 bits.
 SOCKET Number(std::int32_t socket) {
   return socket == -1 ? INVALID_SOCKET : static_cast<SOCKET>(socket);
 }
@@ -34,7 +34,7 @@ bool StartSockets() {
   return WSAStartup(MAKEWORD(2, 2), &data) == 0;
 }
 
-// A process that the host starts must not hold the connection as well.
+// Not inherited: a process that the host starts must not hold the connection as well.
 std::int32_t MakeTcpSocket() {
   return static_cast<std::int32_t>(WSASocketW(AF_INET, SOCK_STREAM, 0, nullptr, 0,
                                               WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT));

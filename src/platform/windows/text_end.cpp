@@ -7,8 +7,8 @@
 
 namespace orvane::platform {
 
-// The system's own strnlen and memchr take a character at a time. Sixteen characters that are
-// aligned lie on one page, so that they can be read if one of them can.
+// The system's strnlen and memchr read one character at a time. Sixteen aligned characters are in
+// one page, so all of them can be read if one of them can.
 std::size_t LengthUpTo(const char* text, std::size_t most) {
   std::size_t length = 0;
   for (; length < most && reinterpret_cast<std::uintptr_t>(text + length) % 16 != 0; ++length) {
