@@ -38,7 +38,7 @@ std::string BsitName(std::int32_t port) { return kMarker + std::to_string(port);
 constexpr PortListing kPorts{
     .kind = ReaderKindBsit, .name = BsitName, .most = 16, .honoursMax = false};
 
-// BSIT readers. The library may refuse a card slot.
+// BSIT readers. The library may refuse the card slot.
 class CBSITReaderTool final : public CReaderToolBase {
  public:
   CBSITReaderTool() : CReaderToolBase(&kRules, &kPorts) {}

@@ -60,7 +60,7 @@ constexpr PortListing kPorts{.kind = ReaderKindD8,
                              .usbName = kUsbName};
 
 // D8 readers, on a serial port or on USB (port 100). Card slot 0 is the contactless field, any
-// other slot a contact slot. Every result of the library lands in m_wStatus.
+// other slot a contact slot. m_wStatus holds each result of the library.
 class CD8ReaderTool final : public CReaderToolBase {
  public:
   CD8ReaderTool() : CReaderToolBase(&kRules, &kPorts) {}
@@ -121,8 +121,8 @@ class CD8ReaderTool final : public CReaderToolBase {
                           response.octets.data());
   }
 
-  // Calls a function of the library, stores its result and tells whether it is success. A function
-  // that is missing fails.
+  // Calls a function of the library, stores its result and returns whether it succeeded. A missing
+  // function fails.
   template <typename Function, typename... Arguments>
   bool Succeeds(const Function& function, Arguments... arguments) {
     if (!function) return false;
@@ -131,7 +131,7 @@ class CD8ReaderTool final : public CReaderToolBase {
     return result == 0;
   }
 
-  // Brings up a card in the field. Each step needs the one before, and a moment after it.
+  // Powers up a card in the field. Each step needs the one before, and a short wait after it.
   bool ResetContactless(std::uint8_t& length, char* text) {
     std::uint32_t tagType = 0;
     std::uint32_t cardNumber = 0;

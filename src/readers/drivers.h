@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-// New drivers, with nothing open. Making one never fails on account of hardware or libraries.
+// Make new drivers with nothing open. A missing library or device is no failure here.
 std::unique_ptr<CReaderToolBase> MakeTyUsbReaderTool();
 std::unique_ptr<CReaderToolBase> MakeTyComReaderTool();
 std::unique_ptr<CReaderToolBase> MakePcscReaderTool();

@@ -3,7 +3,7 @@
 namespace orvane {
 namespace {
 
-// A reader kind with nothing behind it: it never opens, and answers every command with success and
+// A reader kind with nothing behind it: it never opens, and answers each command with success and
 // no response.
 class CFM8201ReaderTool final : public CReaderToolBase {
  public:

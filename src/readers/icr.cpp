@@ -39,8 +39,8 @@ constexpr PortListing kPorts{.kind = ReaderKindIcr,
                              .usbPort = kUsbPort,
                              .usbName = kUsbName};
 
-// A reader of identity cards. It exchanges no commands: ResetCard finds and selects a card, and
-// Transmit reads the card's base message, which the host does not see.
+// A reader of identity cards. It exchanges no commands. ResetCard finds and selects a card;
+// Transmit reads the card's base message and does not give it to the host.
 class CICRTool final : public CReaderToolBase {
  public:
   CICRTool() : CReaderToolBase(nullptr, &kPorts) { m_sdtapi.Bind(); }
@@ -49,7 +49,7 @@ class CICRTool final : public CReaderToolBase {
     m_nKind = kind;
     if (std::strstr(name, kUsbName) != nullptr) {
       m_nIcrPort = kUsbPort;
-      // The first call wakes the reader, whatever it says.
+      // The first call only wakes the reader; its result does not matter.
       Open();
       if (Open() == 1) return 1;
     }
@@ -76,8 +76,8 @@ class CICRTool final : public CReaderToolBase {
   std::int32_t Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen, std::uint8_t*,
                         std::uint32_t*) override {
     if (!m_sdtapi.SDT_ReadBaseMsg) return 0;
-    // The library writes its first message over the command and is not told where that ends: it
-    // gets a copy with more room than any message needs.
+    // The library overwrites the command with its first message and does not know the size of the
+    // buffer. So it gets a copy with more room than any message needs.
     std::array<std::uint8_t, kMessageSize> first{};
     std::array<std::uint8_t, kMessageSize> second{};
     std::copy_n(cmd, std::min<std::size_t>(cmdLen, first.size()), first.begin());

@@ -20,7 +20,7 @@ struct Winscard : platform::Library {
   EntryPoint<LONG(DWORD scope, const void* reserved1, const void* reserved2, SCARDCONTEXT* context)>
       SCardEstablishContext{*this, "SCardEstablishContext"};
   EntryPoint<LONG(SCARDCONTEXT context)> SCardReleaseContext{*this, "SCardReleaseContext"};
-  // With SCARD_AUTOALLOCATE as length, readers is where a pointer to the list goes.
+  // With SCARD_AUTOALLOCATE as the length, `readers` receives a pointer to the list.
   EntryPoint<LONG(SCARDCONTEXT context, const char* groups, char** readers, DWORD* length)>
       SCardListReadersA{*this, "SCardListReadersA"};
   EntryPoint<LONG(SCARDCONTEXT context, const void* memory)> SCardFreeMemory{*this,
@@ -58,7 +58,7 @@ struct Winscard : platform::Library {
 constexpr std::int32_t kListedByDefault = 16;
 constexpr DWORD kReadAtrCode = SCARD_CTL_CODE(3000);
 constexpr DWORD kExchangeCode = SCARD_CTL_CODE(3001);
-// A list of groups: the empty name ends it.
+// A list of group names, ended by an empty name.
 constexpr char kDefaultReaders[] = "SCard$DefaultReaders\0";
 constexpr DWORD kStatusWaitMilliseconds = 100;
 
@@ -67,14 +67,14 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kResponseEnd,
                                .moreDataUnwanted = 1,
                                .showsSecondStatus = true};
 
-// 0 if there is none.
+// 0 if the library gives no context.
 SCARDCONTEXT Establish(const Winscard& winscard) {
   SCARDCONTEXT context = 0;
   const LONG code = winscard.SCardEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &context);
   return code == SCARD_S_SUCCESS ? context : 0;
 }
 
-// The context of one listing, released when that is over.
+// The context of one listing. The destructor releases it.
 class ListingContext {
  public:
   explicit ListingContext(const Winscard& winscard)
@@ -110,12 +110,12 @@ class ReaderNames {
   }
   ReaderNames(const ReaderNames&) = delete;
   ReaderNames& operator=(const ReaderNames&) = delete;
-  // The exception that this object goes by is the one that counts.
+  // May run while an exception passes: nothing that the library throws may replace that one.
   ~ReaderNames() {
     Guarded([this] { return Free(); });
   }
 
-  // Gives the list back to the library; no name is to be used after it.
+  // Gives the list back to the library. No name may be used after that.
   LONG Free() {
     if (m_list == nullptr) return SCARD_S_SUCCESS;
     return platform::CallForeign(
@@ -126,7 +126,7 @@ class ReaderNames {
   std::string_view Next() {
     const auto end = std::find(m_rest.begin(), m_rest.end(), '\0');
     const std::string_view name = m_rest.substr(0, static_cast<std::size_t>(end - m_rest.begin()));
-    // The empty name ends the list for good.
+    // Once the empty name is read, the list has ended for good.
     m_rest.remove_prefix(name.empty() ? m_rest.size() : std::min(name.size() + 1, m_rest.size()));
     return name;
   }
@@ -138,9 +138,9 @@ class ReaderNames {
   std::string_view m_rest;
 };
 
-// A card handle of the library: 0 for a reader without a card, -1 for none. Its low half goes back
-// to the library, the sign extended. Where the library gave a wider handle and refuses that, it
-// gets what it gave from then on. What a handle stands for is never read out of its half.
+// A card handle of the library: 0 for a reader without a card, -1 for none. The library gets the
+// low half, sign-extended. If it gave a wider handle and refuses the low half, it gets the whole
+// handle from then on. The questions below always look at the whole handle.
 class CardHandle {
  public:
   CardHandle() = default;
@@ -150,7 +150,7 @@ class CardHandle {
   bool IsWithoutCard() const { return m_given == 0; }
   std::int32_t LowHalf() const { return static_cast<std::int32_t>(m_given); }
 
-  // Runs a call of the library with the handle, twice if need be, and gives its code.
+  // Runs a call with the handle, a second time if need be, and gives the library's code.
   template <typename Call>
   LONG Pass(Call call) {
     const LONG code = call(m_passed);
@@ -171,9 +171,9 @@ class CardHandle {
   SCARDHANDLE m_passed = kClosed;
 };
 
-// Any reader that the platform's PC/SC service knows. A reader opens without a card, and ResetCard
-// connects anew when a card has come or was changed. Card slot 0 uses the standard calls, any other
-// slot two control codes of the reader's own.
+// Any reader of the platform's PC/SC service. A reader opens without a card too; ResetCard connects
+// again when a card has come or was changed. Card slot 0 uses the standard calls, any other slot
+// two control codes of the reader.
 class CPCSCReaderTool final : public CReaderToolBase {
  public:
   CPCSCReaderTool() : CReaderToolBase(&kRules) {}
@@ -275,8 +275,8 @@ class CPCSCReaderTool final : public CReaderToolBase {
     });
   }
 
-  // A call that fills a response, which comes in all zero and is so again where the call is made
-  // twice.
+  // Runs a call that fills a response. The response must come in all zero; before a second run this
+  // clears it again.
   template <typename Call>
   LONG Read(Response& response, Call call) {
     bool again = false;
@@ -308,7 +308,7 @@ class CPCSCReaderTool final : public CReaderToolBase {
            m_winscard.SCardListReadersA && m_winscard.SCardFreeMemory;
   }
 
-  // The context stays for the life of the tool, over any number of opens and closes.
+  // The context stays for the life of the tool, over all opens and closes.
   bool EstablishContext() {
     if (m_hContext == 0) m_hContext = Establish(m_winscard);
     return m_hContext != 0;

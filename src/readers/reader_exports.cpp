@@ -19,12 +19,12 @@ constexpr std::size_t kAtrSize = 512;
 constexpr std::size_t kBufferSize = 4096;
 
 std::uint32_t CurrentReader = 0;
-// Made on first use, never released. The last one serves GetReaderList alone, so that listing
+// Made on first use, never released. The last one serves GetReaderList alone, so that a listing
 // never disturbs an open reader.
 std::array<CReaderTool*, kListingSlot + 1> ReaderSlots{};
 
-// A slot's tool for the length of one export. There is none if memory ran out, nor for a call back
-// from a library that runs.
+// A slot's tool for the length of one export. Empty if memory ran out, or if a library calls back
+// while it runs.
 class Tool {
  public:
   explicit Tool(std::uint32_t index) {
@@ -105,7 +105,7 @@ std::int32_t SendCommand(const char* cmdHex, std::int32_t hexLen, char* respHex)
   if (tool && digits <= 2 * kBufferSize) {
     std::uint8_t command[kBufferSize];
     const std::size_t length = digits / 2;
-    std::memset(command, 0, length);  // what is sent, and no more
+    std::memset(command, 0, length);  // clears no more than what is sent
     orvane::DecodeHex({cmdHex, digits}, command);
     done = tool->Transmit(command, static_cast<std::uint32_t>(length), response, &responseLength);
   }

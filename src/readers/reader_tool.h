@@ -7,9 +7,9 @@
 
 namespace orvane {
 
-// What stands in a reader slot: it owns the driver of the kind that was opened last, and lets no
-// exception of a driver or a vendor's library through (the result is then 0). Without a driver
-// the operations give 0.
+// The content of a reader slot. It owns the driver of the kind that was opened last. An exception
+// of a driver or a vendor's library stops here, with the result 0. Without a driver the operations
+// give 0.
 class CReaderTool final {
  public:
   CReaderTool() = default;
@@ -25,8 +25,8 @@ class CReaderTool final {
   virtual std::int32_t Transmit(const std::uint8_t* cmd, std::uint32_t cmdLen, std::uint8_t* resp,
                                 std::uint32_t* respLen);
 
-  // Makes sure that the driver in place is one for this kind; one of another kind is closed and
-  // dropped. 0 if there is no such kind; the place is then empty.
+  // Makes sure that the slot has a driver of this kind; closes and drops one of another kind. 0 if
+  // there is no such kind; the slot is then empty.
   std::int32_t SelectTool(std::int32_t kind);
 
   std::int32_t ListReaders(std::int32_t kind, ReaderInfo* list, std::int32_t count,

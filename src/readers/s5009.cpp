@@ -14,7 +14,7 @@ struct S5009 : platform::Library {
 
   EntryPoint<std::int32_t(std::int32_t port)> InitCOM{*this, "InitCOM"};
   EntryPoint<std::int16_t(std::int32_t port)> CloseCOM{*this, "CloseCOM"};
-  // Lengths in characters.
+  // Lengths are in characters.
   EntryPoint<std::int32_t(std::int32_t slot, const char* command, std::int32_t length,
                           char* response, std::uint32_t* responseLength)>
       ExchangeAPDU{*this, "ExchangeAPDU"};
@@ -47,8 +47,8 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kResponseEnd,
 constexpr PortListing kPorts{
     .kind = ReaderKindS5009, .name = ComName, .most = 0, .honoursMax = true};
 
-// The S5009 reader, whose library speaks hexadecimal text. Its two kinds differ in what Reset asks
-// for.
+// The S5009 reader, whose library takes and gives hexadecimal text. Its two kinds differ in what
+// ResetCard asks for.
 class CS5009ReaderTool final : public CReaderToolBase {
  public:
   CS5009ReaderTool() : CReaderToolBase(&kRules, &kPorts) { m_nSlot = 3; }

@@ -17,7 +17,7 @@ constexpr std::int32_t kConnectMilliseconds = 2000;
 constexpr std::int32_t kReadyMilliseconds = 1000;
 constexpr std::int32_t kLongestResponse = 4096;
 
-// "Encryption machine" and the port, in the system's code page.
+// "Encryption machine" in Chinese and the port, in the system's code page.
 std::string MachineName(std::int32_t port) {
   const std::string digits = std::to_string(port);
   return platform::AnsiText(u"\u52A0\u5BC6\u673A" + std::u16string(digits.begin(), digits.end()));
@@ -26,8 +26,8 @@ std::string MachineName(std::int32_t port) {
 constexpr PortListing kPorts{
     .kind = ReaderKindTcp, .name = MachineName, .most = 16, .honoursMax = false};
 
-// A payment HSM on the network: a command goes out as it is, and what one receive brings is the
-// response.
+// A payment HSM on the network. A command goes out unchanged; the response is what one receive
+// brings.
 class CTcpTool final : public CReaderToolBase {
  public:
   CTcpTool() : CReaderToolBase(nullptr, &kPorts) {}
@@ -36,7 +36,7 @@ class CTcpTool final : public CReaderToolBase {
     m_nKind = kind;
     const std::string_view text(name);
     const std::size_t colon = text.find(':');
-    if (colon > kLongestAddress) return 0;  // or none at all
+    if (colon > kLongestAddress) return 0;  // also refuses a name without a colon
     const std::string address(text.substr(0, colon));
     const auto port = static_cast<std::uint16_t>(*NumberBehind(":", text));
 
@@ -73,7 +73,7 @@ class CTcpTool final : public CReaderToolBase {
   }
 
  private:
-  // A socket that could not be set up stays for Close; one that did not connect goes at once.
+  // After a failed set-up the socket stays open for Close; a failed connection closes it at once.
   bool Connect(const char* address, std::uint16_t port) {
     const auto target = platform::Ipv4Address(address);
     if (!platform::SetSendTimeout(m_nSocket, kSendReceiveMilliseconds) ||

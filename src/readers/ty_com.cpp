@@ -34,8 +34,8 @@ constexpr ExchangeRules kRules{
 constexpr PortListing kPorts{
     .kind = ReaderKindTyCom, .name = ComName, .most = 0, .honoursMax = true};
 
-// TY readers on a serial port. The library gives the status word as its own result; the response
-// holds the rest.
+// TY readers on a serial port. The library returns the status word as its result; the response
+// holds only the data.
 class CTYCOMReaderTool final : public CReaderToolBase {
  public:
   CTYCOMReaderTool() : CReaderToolBase(&kRules, &kPorts) {}

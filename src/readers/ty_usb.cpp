@@ -40,8 +40,8 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kLibraryResult,
 
 std::string UsbName(std::int32_t port) { return "USB" + std::to_string(port); }
 
-// TY readers in USB keys. The library gives the status word as its own result; the response holds
-// the rest.
+// TY readers in USB keys. The library returns the status word as its result; the response holds
+// only the data.
 class CTYUSBReaderTool final : public CReaderToolBase {
  public:
   CTYUSBReaderTool() : CReaderToolBase(&kRules) {}
@@ -80,7 +80,7 @@ class CTYUSBReaderTool final : public CReaderToolBase {
       m_tykeyint.TYKey_Change();
       m_tykeyint.TYKey_Status(present);
     } catch (...) {
-      // What the table holds by now is listed all the same.
+      // After an exception, what the table holds so far is still listed.
     }
     std::int32_t written = 0;
     for (std::int32_t port = 0; port < kKeys && (max <= 0 || written < max); ++port) {

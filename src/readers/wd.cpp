@@ -7,7 +7,7 @@
 namespace orvane {
 namespace {
 
-// Loaded from the folder of this library and from nowhere else.
+// Loaded from this library's own folder only.
 struct Wd : platform::Library {
   Wd() : Library("wdcrwx.dll", platform::LoadModuleFromOwnFolder) {}
 
@@ -34,7 +34,7 @@ constexpr ExchangeRules kRules{.source = StatusWordSource::kLibraryResult,
                                .confirmsSecondEnd = true,
                                .longestCommand = 255};
 
-// The WD reader, of which there is one. Reset is an exchange whose response is the ATR.
+// The WD reader; there is only one. Reset is an exchange whose response is the ATR.
 class CWDReaderTool final : public CReaderToolBase {
  public:
   CWDReaderTool() : CReaderToolBase(&kRules) { m_wdcrwx.Bind(); }

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// PC/SC as 64-bit Windows lays it out, on every platform. The names are the interface's own; other
-// headers define some of them as macros, so this one comes first.
+// PC/SC as 64-bit Windows lays it out, on every platform. The names are the interface's own. Other
+// headers define some of them as macros, so include this one first.
 namespace winscard {
 
 using SCARDCONTEXT = std::uint64_t;
@@ -14,7 +14,7 @@ using LONG = std::int32_t;
 
 struct SCARD_IO_REQUEST {
   DWORD dwProtocol;
-  DWORD cbPciLength;  // of this structure
+  DWORD cbPciLength;  // the size of this structure
 };
 static_assert(sizeof(SCARD_IO_REQUEST) == 8);
 
