@@ -14,13 +14,13 @@ namespace orvane {
 namespace {
 
 constexpr std::uint8_t kLongLength = 0xFF;       // the length follows in two octets
-constexpr std::uint16_t kLongerLength = 0xFFFF;  // in four
+constexpr std::uint16_t kLongerLength = 0xFFFF;  // the length follows in four octets
 constexpr std::uint32_t kLongestLength = 0xFFFFFFFF;
-constexpr std::uint16_t kWideText = 0xFFFE;  // it follows from its first octet on
+constexpr std::uint16_t kWideText = 0xFFFE;  // wide text; its length starts again behind this
 
 static_assert(sizeof(TagdictData::longText) < kWideText, "the writer knows the first two forms");
 
-// Reads in small pieces from a file of any size. All functions are false at its end.
+// Reads small pieces of a file of any size. Every function is false at the file's end.
 class Reader {
  public:
   explicit Reader(platform::InputFile& file) : file_(file) {}
@@ -106,7 +106,7 @@ bool ReadNarrow(Reader& reader, std::uint64_t count, std::size_t most, std::stri
 }
 
 bool ReadWide(Reader& reader, std::uint64_t count, std::size_t most, std::string& text) {
-  // Two units, a surrogate pair, may make one narrow character, but never less.
+  // One narrow character comes from at most two units, a surrogate pair.
   std::u16string units;
   const std::uint64_t kept = std::min<std::uint64_t>(count, 2 * most);
   while (units.size() < kept) {
@@ -119,7 +119,7 @@ bool ReadWide(Reader& reader, std::uint64_t count, std::size_t most, std::string
   return true;
 }
 
-// A text for a field of this size.
+// Reads a text, cut for a field of this size with its terminator.
 bool ReadText(Reader& reader, std::size_t size, std::string& text) {
   Length length;
   if (!ReadLength(reader, length)) return false;

@@ -10,14 +10,14 @@
 
 namespace orvane {
 
-// The records of a dictionary file: all that are complete, whatever the file says their number is.
-// A text is cut to fit its field; what stands behind its first zero is dropped.
+// All complete records of a dictionary file, whatever number of records it states. A text is cut to
+// fit its field; what follows its first zero is dropped.
 std::list<PackedRecord> ReadRecords(platform::InputFile& file);
 
-// How such a file begins, for this number of records.
+// Appends the beginning of a file with this number of records.
 void AppendCount(std::string& image, std::int32_t count);
 
-// A record as it stands in the file. Its fields are terminated.
+// Appends a record in the file's format. The record's fields are terminated.
 void AppendRecord(std::string& image, const TagdictData& record);
 
 }  // namespace orvane

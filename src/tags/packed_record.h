@@ -7,14 +7,14 @@
 
 namespace orvane {
 
-// A record of the dictionary in the room that its texts take. If an octet behind a terminator is
-// not zero, the record is kept whole.
+// A record of the dictionary, stored in the room that its texts need. If an octet behind a
+// terminator is not zero, the whole record is stored.
 class PackedRecord {
  public:
   // A field without a terminator loses its last character.
   explicit PackedRecord(TagdictData record);
 
-  // With zeros behind the texts, which fit their fields.
+  // A record with zeros behind its texts. The texts fit their fields.
   PackedRecord(std::string_view tag, std::string_view shortText, std::string_view longText);
 
   const char* Tag() const { return octets_.c_str(); }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kFileName[] = "dictdata.bin";
 
-// The entry of the first record whose tag equals this one; none if there is none.
+// The entry of the first record with an equal tag; the index's end if there is none.
 template <typename Index, typename Equal>
 auto FindFirst(Index& index, std::string_view tag, Equal isEqual) {
   auto first = index.end();
@@ -49,7 +49,7 @@ bool TagDictionary::Save() {
   AppendCount(image, static_cast<std::int32_t>(records_.size()));
   for (const PackedRecord& record : records_) AppendRecord(image, record.Unpack());
   if (!platform::ReplaceFileContents(kFileName, image)) return false;
-  loaded_ = true;  // what stands in the file now is here already
+  loaded_ = true;  // the file holds these records: a later load would add them twice
   return true;
 }
 
@@ -77,7 +77,7 @@ bool TagDictionary::Delete(const char* tag) {
 }
 
 bool TagDictionary::Append(const TagdictData& record, bool replace) {
-  // All that can fail comes before anything is deleted: behind that, the index has the room.
+  // Everything that can fail comes before the deletion: after it, the index has the room.
   std::list added = {PackedRecord(record)};
   const char* const tag = added.front().Tag();
   Index entry;

@@ -12,18 +12,18 @@
 
 namespace orvane {
 
-// A list of records under tags, and the file that it is kept in. The caller runs Load before any
-// other operation. What throws std::bad_alloc has changed nothing.
+// A list of records under tags, and the file that stores it. Call Load before any other operation.
+// An operation that throws std::bad_alloc has changed nothing.
 class TagDictionary {
  public:
-  // Appends the records of the file, once in the process's life. False if a file was opened and
-  // could not be read through: nothing of it is taken, and the next call tries again.
+  // Appends the records of the file, once in the process's life. False if the file was opened but
+  // could not be read to its end: no record is taken, and the next call tries again.
   bool Load();
 
-  // Replaces the file. False if that failed.
+  // Replaces the file. False on failure.
   bool Save();
 
-  // Gives the number of records, after copying them into an array of at least that size.
+  // Copies the records into `records`, which must have room for all. Gives their number.
   std::int32_t Copy(TagdictData* records) const;
 
   // The first record with this tag in either case; null if there is none.
@@ -32,19 +32,19 @@ class TagDictionary {
   // False if the tag is there already.
   bool Add(const TagdictData& record);
 
-  // Case counts. False if the tag is not there.
+  // Compares the case too. False if the tag is not there.
   bool Delete(const char* tag);
 
-  // Deletes the record's tag, then adds the record. False if it could not be added.
+  // Deletes the record's tag, then adds the record. False if it cannot be added.
   bool Update(const TagdictData& record);
 
  private:
-  // Where a record stands, and how many were appended before it.
+  // The position of a record, and how many records were appended before it.
   struct Place {
     std::list<PackedRecord>::iterator record;
     std::uint64_t number;
   };
-  // By the tags that the records hold.
+  // The keys are views of the tags in the records.
   using Index = std::unordered_multimap<std::string_view, Place, AnyCaseHash, AnyCaseEqual>;
 
   bool Append(const TagdictData& record, bool replace);
@@ -55,7 +55,7 @@ class TagDictionary {
   bool loaded_ = false;
 };
 
-// The one instance; made by the first call, never released. Null if memory ran out.
+// The one instance, made by the first call and never released. Null if memory ran out.
 TagDictionary* EnsureTagDictionary();
 
 }  // namespace orvane

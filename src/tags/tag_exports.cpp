@@ -26,7 +26,7 @@ void TagParsing_Free(TagParser* parser) { delete parser; }
 
 namespace {
 
-// Runs an operation of the dictionary, after its load; 0 if memory runs out for any of this.
+// Runs an operation of the dictionary, after a load that may fail; 0 if memory runs out.
 template <typename Operation>
 std::int32_t WithDictionary(const Operation& operation) {
   orvane::TagDictionary* const dictionary = orvane::EnsureTagDictionary();
@@ -75,7 +75,7 @@ std::int32_t FlushTagdict() {
   try {
     if (dictionary != nullptr && dictionary->Load()) dictionary->Save();
   } catch (...) {
-    // The file is as it was, and so are the records.
+    // The file and the records are as they were.
   }
   return 1;
 }

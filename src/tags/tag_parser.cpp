@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::size_t kMostValueDigits = sizeof(TagRecord::value);
 
-// The text is the first level. In a value of at most 1,023 octets each level takes two, for tag and
-// length, and the innermost one has an octet more.
+// The text is the first level; the second is a value of at most 1,023 octets. Each deeper level is
+// two octets smaller, for tag and length, and the innermost has at least one octet.
 constexpr std::size_t kMostLevels = 1 + (kMostValueDigits / 2 + 1) / 2;
 
 constexpr unsigned kConstructed = 0x20;
@@ -34,8 +34,8 @@ std::size_t CopyWithoutBlanks(std::string_view text, char* out) {
   return static_cast<std::size_t>(out - begin);
 }
 
-// False if a character is no hexadecimal digit. It has no branches, so that the compiler does many
-// characters at a time.
+// False if a character is no hexadecimal digit. Free of branches, so that the compiler vectorises
+// it.
 bool FoldDigits(char* digits, std::size_t count) {
   unsigned char wrong = 0;
   for (std::size_t i = 0; i < count; ++i) {
@@ -49,7 +49,7 @@ bool FoldDigits(char* digits, std::size_t count) {
   return wrong == 0;
 }
 
-// The digit is decimal or in upper case.
+// Takes a decimal digit or an upper-case letter.
 unsigned DigitValue(char c) {
   return (static_cast<unsigned>(c) & 15U) + (static_cast<unsigned>(c) >> 6U) * 9U;
 }
@@ -59,7 +59,7 @@ unsigned DigitValue(char c) {
 struct TagParser::Element {
   unsigned tag;
   std::array<char, 2> lengthText;
-  std::size_t begin;  // of the value
+  std::size_t begin;  // where the value begins
   std::size_t end;
 };
 
@@ -126,8 +126,8 @@ void TagParser::Store(const Element& element) {
   entry = {element.begin, size, element.lengthText};
 }
 
-// Drops digits that no entry uses any more, once they are more than those in use. If there is no
-// memory for the copy, they stay.
+// Drops digits that no entry uses any more, once they outnumber the used ones. Keeps them if there
+// is no memory for the copy.
 void TagParser::GiveBackRoom() noexcept {
   constexpr std::size_t kSpare = 4096;
   const std::size_t room = 2 * used_ + kSpare;

@@ -7,12 +7,12 @@
 
 namespace orvane {
 
-// a to z become A to Z; every other byte stays, whatever the locale.
+// Turns a to z into A to Z and leaves every other byte, whatever the locale.
 constexpr char UpperCase(char c) {
   return static_cast<char>(c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c);
 }
 
-// These look texts up in a hash table, with letters in either case and without copies.
+// For lookups of text in a hash table, in either case and without a copy.
 struct AnyCaseEqual {
   using is_transparent = void;
   bool operator()(std::string_view left, std::string_view right) const {
@@ -23,7 +23,7 @@ struct AnyCaseEqual {
 
 struct AnyCaseHash {
   using is_transparent = void;
-  // Takes eight octets at a time. The bit that tells lower from upper case does not count.
+  // Takes eight octets at a time. Ignores the bit that separates lower from upper case.
   std::size_t operator()(std::string_view text) const {
     constexpr std::uint64_t kCaseBits = 0x2020202020202020;
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;

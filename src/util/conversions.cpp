@@ -12,7 +12,7 @@ bool IsDecimalDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsAsciiLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-// The low eight bits count: a character that is no digit gives a value, not an error.
+// Only the low eight bits count: a character that is no digit gives a value, not an error.
 unsigned EscapeDigit(char c) {
   return IsDecimalDigit(c) ? static_cast<unsigned>(c - '0')
                            : static_cast<unsigned>(static_cast<unsigned char>(c)) - 55U;
@@ -24,7 +24,7 @@ int32_t BigEndian(const unsigned char* octets, int32_t count) {
   return static_cast<int32_t>(value);
 }
 
-// The octets of value, most significant first, and how many at the right-hand end are significant.
+// The octets of value, most significant first. Gives the number of significant ones, at the right.
 int32_t SignificantOctets(int32_t value, unsigned char (&octets)[4]) {
   const auto bits = static_cast<uint32_t>(value);
   for (int i = 0; i < 4; ++i) octets[i] = static_cast<unsigned char>(bits >> (24 - 8 * i));

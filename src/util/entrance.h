@@ -4,8 +4,8 @@
 
 namespace orvane {
 
-// Lets one call of a thread at a time into the script engine and the readers. A library that such a
-// call goes out to may call back on the same thread: that second call finds no way in.
+// Admits one call at a time of each thread to the script engine and the readers. A library that
+// such a call enters may call back on the same thread: that second call is refused.
 class Entrance {
  public:
   Entrance() : m_isInside(s_isInside), m_found(!std::exchange(m_isInside, true)) {}
@@ -18,7 +18,7 @@ class Entrance {
   explicit operator bool() const { return m_found; }
 
  private:
-  // A thread's own: one that ends in the middle of a call shuts nobody else out.
+  // Per thread: a thread that ends in the middle of a call shuts out no other.
   inline static thread_local bool s_isInside = false;
 
   bool& m_isInside;

@@ -26,8 +26,8 @@ unsigned DigitValue(char c) { return kDigitValues[static_cast<unsigned char>(c)]
 constexpr std::size_t kBlockDigits = 64;
 constexpr std::size_t kBlockOctets = kBlockDigits / 2;
 
-// Reads two digits for every octet of a block, in loops without branches, which compilers turn into
-// vector instructions. With any other character there it gives false and writes nothing.
+// Reads a block of two digits an octet, in loops without branches, which compilers vectorise. If
+// any other character is in the block, it gives false and writes nothing.
 bool DecodeBlock(const char* text, unsigned char* octets) {
   std::array<unsigned char, kBlockDigits> values;
   std::array<unsigned char, kBlockDigits> letters;  // 0 to 5 for a letter, 0 for a decimal digit
@@ -80,7 +80,7 @@ void EncodeHex(const unsigned char* octets, std::size_t count, char* text) {
 }
 
 bool DecodeHex(std::string_view text, unsigned char* octets) {
-  // Whole blocks are only read where the text has not ended before its size.
+  // Reads whole blocks only where the text has not ended before its size.
   std::size_t blocks = text.size() < kBlockDigits
                            ? 0
                            : platform::LengthUpTo(text.data(), text.size()) / kBlockDigits;

@@ -15,9 +15,9 @@ unsigned HexDigitValue(char c);
 void EncodeHex(const unsigned char* octets, std::size_t count, char* text);
 
 // Reads digits of either case, two an octet, and skips blanks. An odd last digit becomes a high
-// half. The first other character ends the work with false: what stands before it is written, and
-// nothing behind it is read, so a size that is too large does no harm to a terminated text.
-// No octet is written before its first digit has been read, so text and octets may be one area.
+// half. The first other character ends the reading with false: the octets before it are written,
+// and nothing behind it is read, so a size beyond a text's terminator does no harm. No octet is
+// written before its first digit is read, so text and octets may be one area.
 bool DecodeHex(std::string_view text, unsigned char* octets);
 
 }  // namespace orvane

@@ -13,7 +13,7 @@ void AsciiLog(const char* path, const char* text) { LogFile(path).Append(text); 
 void HexLog(const char* path, const unsigned char* octets, int32_t count) {
   LogFile file(path);
   std::size_t left = count > 0 ? static_cast<std::size_t>(count) : 0;
-  // One piece keeps the entry whole. Where there is no memory for it, there are more.
+  // One piece keeps the entry whole; without memory for that, several pieces go out.
   char area[4096];
   const std::unique_ptr<char[]> large(new (std::nothrow) char[2 * left]);
   char* const text = large ? large.get() : area;

@@ -14,7 +14,7 @@ namespace {
 using orvane::platform::CalendarTime;
 using orvane::platform::UtcNow;
 
-// A text with zeros behind it.
+// A text, filled up with zeros.
 using TimeText = std::array<char, 36>;
 
 constexpr int32_t kWithMs = 1;
@@ -23,8 +23,8 @@ constexpr uint32_t kSecondsPerDay = 86400;
 constexpr uint32_t kZeroOfStamps = 28800;
 constexpr std::size_t kMillisecondDigits = 3;
 
-// Blanks, a sign, and digits up to the first other character; modulo 2^32, so that a stamp reads
-// the same whether it was printed with or without a sign.
+// Reads blanks, a sign, and digits up to the first other character, modulo 2^32: a stamp reads the
+// same whether it was printed with or without a sign.
 uint32_t DecimalNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
   const bool negative = text.starts_with('-');
@@ -38,7 +38,7 @@ uint32_t DecimalNumber(std::string_view text) {
 }
 
 // Seconds since 1970-01-01 08:00:00, in 32-bit arithmetic: 28800 less than the Unix time of the
-// same UTC time. For calendar times in or after 1970.
+// same UTC time. For calendar times from 1970 on.
 uint32_t StampFromCalendar(const CalendarTime& time) {
   using namespace std::chrono;
   const sys_days date = year(time.year) / month(time.month) / day(time.day);
@@ -46,7 +46,7 @@ uint32_t StampFromCalendar(const CalendarTime& time) {
   return ((days * 24 + time.hour) * 60 + time.minute) * 60 + time.second - kZeroOfStamps;
 }
 
-// The way back; the last 28800 stamps are the first eight hours of 1970. The millisecond is 0.
+// The reverse; the last 28800 stamps are the first eight hours of 1970. The millisecond is 0.
 CalendarTime CalendarFromStamp(uint32_t stamp) {
   using namespace std::chrono;
   const uint32_t seconds = stamp + kZeroOfStamps;
@@ -60,8 +60,8 @@ CalendarTime CalendarFromStamp(uint32_t stamp) {
           .second = field(seconds % 60)};
 }
 
-// The time of a stamp in decimal with three digits of milliseconds behind it. Both numbers are read
-// as far as their digits go; text has at least three characters.
+// The time of a decimal stamp with three digits of milliseconds behind it. Each number is read as
+// far as its digits go. The text has at least three characters.
 CalendarTime CalendarFromStampText(std::string_view text) {
   const std::size_t stampDigits = text.size() - kMillisecondDigits;
   CalendarTime time = CalendarFromStamp(DecimalNumber(text.substr(0, stampDigits)));
@@ -69,7 +69,7 @@ CalendarTime CalendarFromStampText(std::string_view text) {
   return time;
 }
 
-// The stamp as a signed number and, if wanted, the milliseconds behind it.
+// The stamp as a signed number, followed by the milliseconds if wanted.
 TimeText StampText(const CalendarTime& time, bool withMs) {
   const auto stamp = static_cast<int32_t>(StampFromCalendar(time));
   TimeText text{};
@@ -81,7 +81,7 @@ TimeText StampText(const CalendarTime& time, bool withMs) {
   return text;
 }
 
-// YYYY-MM-DD hh:mm:ss and, if wanted, a colon and the milliseconds behind it.
+// YYYY-MM-DD hh:mm:ss, followed by a colon and the milliseconds if wanted.
 TimeText CalendarText(const CalendarTime& time, bool withMs) {
   TimeText text{};
   const int length =
@@ -94,7 +94,7 @@ TimeText CalendarText(const CalendarTime& time, bool withMs) {
   return text;
 }
 
-// Fills the caller's room: the text and zeros behind it, at least one.
+// Fills the caller's whole room: the text, then at least one zero.
 template <std::size_t kRoom>
 void Store(const TimeText& text, char* out) {
   static_assert(kRoom <= std::tuple_size_v<TimeText>);
