@@ -14,7 +14,7 @@ gcry_cipher_hd_t Open(int algorithm, Chaining chaining) {
 
 bool SetKey(gcry_cipher_hd_t handle, Octets key) {
   if (gcry_cipher_ctl(handle, GCRYCTL_SET_ALLOW_WEAK_KEY, nullptr, 1) != 0) return false;
-  // A weak key is still reported, but it has been set.
+  // libgcrypt reports a weak key as an error but has set it.
   const auto code = gcry_err_code(gcry_cipher_setkey(handle, key.data(), key.size()));
   return code == GPG_ERR_NO_ERROR || code == GPG_ERR_WEAK_KEY;
 }
@@ -57,8 +57,8 @@ bool ComputeMac(Octets key, Octets data, Block& mac) {
   }
   Block last(data);
   last[data.size()] = 0x80;
-  // Algorithm 3 decrypts its result with K2 and encrypts it with K3: together with the last single
-  // encryption that is triple DES of the last block.
+  // Algorithm 3 decrypts the result with K2 and encrypts it with K3: with the last encryption under
+  // K1 that is triple DES of the last block.
   BlockCipher end(key, Chaining::kCbc, mac);
   if (!end.Encrypt(last)) return false;
   mac = last;

@@ -1,4 +1,4 @@
-// What the entries of the default provider stand on, over libgcrypt.
+// The cryptography under the entries of the default provider, on libgcrypt.
 #pragma once
 
 #include <gcrypt.h>
@@ -16,18 +16,18 @@ namespace crypto {
 
 using Octets = std::span<const std::uint8_t>;
 
-// Overwrites what nobody shall find in memory later.
+// Overwrites octets that must not stay in memory.
 inline void Wipe(std::span<std::uint8_t> area) {
-  // Plain stores into an area that is about to go would be left out by the compiler.
+  // The compiler would leave out plain stores into an area that is about to be freed.
   for (volatile std::uint8_t& octet : area) octet = 0;
 }
 
-// An area for keys and what is made with them: zero at the start, wiped at the end.
+// An area for keys and data made with them: zero at the start, wiped at the end.
 template <std::size_t size>
 class Secret : public std::array<std::uint8_t, size> {
  public:
   Secret() : std::array<std::uint8_t, size>{} {}
-  // Cuts the octets or fills them with 00 to the size of the area.
+  // Cuts the octets, or fills them up with 00, to the size of the area.
   explicit Secret(Octets octets) : Secret() {
     std::copy_n(octets.begin(), std::min(octets.size(), size), this->begin());
   }
@@ -36,10 +36,10 @@ class Secret : public std::array<std::uint8_t, size> {
   ~Secret() { Wipe(*this); }
 };
 
-// Looks at libgcrypt before its first use. False if there is only one that is too old. It gets
-// ready by itself, and its settings stay the host's: no locked memory is asked for, and none is
-// switched off. What is ours is wiped instead, and libgcrypt wipes its handles and numbers; a key
-// that came as the text of a script has been in ordinary memory before.
+// Checks libgcrypt's version before its first use; false if it is too old. libgcrypt initialises
+// itself, and its settings stay the host's: secure memory is neither requested nor disabled. Our
+// own areas are wiped, and libgcrypt wipes its handles and numbers. A key that came as a script's
+// text was in ordinary memory before.
 bool StartGcrypt();
 
 inline constexpr std::size_t kDigestBytes = 20;
@@ -52,18 +52,18 @@ using Block = Secret<kBlockBytes>;
 
 enum class Chaining { kEcb, kCbc };
 
-// DES for a key of 8 octets; triple DES for one of 24, or of 16, which stands for K1 K2 K1. Parity
-// is not looked at, and weak keys work like all others: test cards have them.
+// DES for a key of 8 octets; triple DES for one of 24, or of 16, which means K1 K2 K1. Parity is
+// ignored, and weak keys work like all others: test cards have them.
 class BlockCipher {
  public:
-  // A key of another length gives a cipher that fails. iv is the first chaining value of CBC.
+  // With a key of another length every call fails. iv is the first chaining value of CBC.
   BlockCipher(Octets key, Chaining chaining, const Block& iv = {});
   BlockCipher(const BlockCipher&) = delete;
   BlockCipher& operator=(const BlockCipher&) = delete;
   ~BlockCipher() { gcry_cipher_close(handle_); }
 
-  // These work in place on whole blocks, and with CBC each call goes on where the last one ended.
-  // False, with the area as it was, if there is no cipher.
+  // Work in place on whole blocks. With CBC each call continues the chain of the one before. False,
+  // with the area as it was, if there is no cipher.
   bool Encrypt(std::span<std::uint8_t> blocks);
   bool Decrypt(std::span<std::uint8_t> blocks);
 
@@ -71,23 +71,23 @@ class BlockCipher {
   gcry_cipher_hd_t handle_ = nullptr;
 };
 
-// The MAC of data of any length, by ISO/IEC 9797-1 with padding method 2: algorithm 1 (CBC-MAC)
-// for a key of 8 octets, algorithm 3 (retail MAC) for one of 16, and for one of 24 as algorithm 3
-// with a third key of its own for the last encryption. mac is the first chaining value at the
-// start and the MAC at the end. False for a key of another length.
+// The MAC of data of any length, by ISO/IEC 9797-1 with padding method 2. A key of 8 octets:
+// algorithm 1 (CBC-MAC). 16 octets: algorithm 3 (retail MAC). 24 octets: algorithm 3 with a third
+// key for the last encryption. mac holds the first chaining value on entry and the MAC on return.
+// False for a key of another length.
 bool ComputeMac(Octets key, Octets data, Block& mac);
 
 inline constexpr std::size_t kLongestSubKey = 2 * kBlockBytes;
 
-// Derives a card's key from a master key and data that tell the card apart, of which D, the first
-// 8 octets (filled with 00), count: E(D) for a master key of 8 octets, E(D) and E(not D) for one
-// of 16 or 24. Gives the sub-key's length; 0 for a master key of another length.
+// Derives a card's key from a master key and data that identify the card. D is the first 8 octets
+// of data, filled up with 00. The key is E(D) for a master key of 8 octets, E(D) and E(not D) for
+// one of 16 or 24. Gives the sub-key's length; 0 for a master key of another length.
 std::size_t DeriveSubKey(Octets masterKey, Octets data, Secret<kLongestSubKey>& subKey);
 
-// data to the power of exponent, modulo modulus, without any padding. All are hexadecimal numbers,
-// most significant digit first; the result has two upper-case digits for every octet of modulus.
-// Nothing for a text that is empty or holds anything but digits, a modulus of zero, data not below
-// the modulus, and numbers above 16,384 bits, which would take more than seconds.
+// data to the power of exponent, modulo modulus, without padding. All are hexadecimal numbers, most
+// significant digit first; the result has two upper-case digits for each octet of modulus. Empty if
+// a text is empty or holds anything but digits, modulus is zero, data is not below modulus, or a
+// number has more than 16,384 bits (it would take more than seconds).
 std::optional<std::string> RsaPublic(std::string_view modulus, std::string_view exponent,
                                      std::string_view data);
 

@@ -1,10 +1,9 @@
-// The default provider: the six entries of src/commands/crypto_provider.h. They keep to its rules
-// and besides take anything that a caller may hand them: what makes no sense is answered with 0 and
-// the length -1, and the output area is left as it was.
+// The default provider: the six entries of src/commands/crypto_provider.h. They follow its rules
+// and also survive any other arguments: for impossible ones they return 0, set the length to -1 and
+// leave the output area as it was.
 //
-// CryptoBlockFlagged encrypts and CryptoBlockDefault decrypts: data is filled with 00 to whole
-// blocks, an initial value is cut or filled with 00 to a block. The others are told in
-// crypto.h.
+// CryptoBlockFlagged encrypts, CryptoBlockDefault decrypts. data is filled up with 00 to whole
+// blocks; an initial value is cut or filled up with 00 to one block. crypto.h describes the others.
 #include "crypto.h"
 #include "src/commands/crypto_provider.h"
 
@@ -16,7 +15,7 @@ constexpr std::size_t kAreaBytes = 256;
 constexpr std::int32_t kFailed = 0;
 constexpr std::int32_t kDone = 1;
 
-// The octets that a caller means; nothing if there can be none.
+// The octets that a caller passes; empty if pointer and count cannot be right.
 std::optional<Octets> Read(const std::uint8_t* octets, std::int32_t count) {
   if (count < 0 || (count > 0 && octets == nullptr)) return std::nullopt;
   return Octets(octets, static_cast<std::size_t>(count));
@@ -24,7 +23,7 @@ std::optional<Octets> Read(const std::uint8_t* octets, std::int32_t count) {
 
 bool IsModeOf(Octets key, std::int32_t mode) { return mode == (key.size() == kBlockBytes ? 0 : 1); }
 
-// Where an entry's result goes. The length stands at -1 until there is a result.
+// The place for an entry's result. The length is -1 until there is a result.
 class Output {
  public:
   Output(std::uint8_t* area, std::int32_t* length) : area_(area), length_(length) {
@@ -125,7 +124,7 @@ CRYPTO_API std::int32_t CryptoMac(const std::uint8_t* key, std::int32_t keyBytes
 
 CRYPTO_API std::int32_t CryptoRsaPublic(const char* modulus, const char* exponent, const char* data,
                                         const char** output, std::int32_t /*reserved*/) try {
-  static std::string text;  // what the caller was pointed at, until the next call
+  static std::string text;  // the result, valid until the next call
   if (modulus == nullptr || exponent == nullptr || data == nullptr || output == nullptr) {
     return kFailed;
   }
@@ -140,7 +139,7 @@ CRYPTO_API std::int32_t CryptoRsaPublic(const char* modulus, const char* exponen
 
 }  // extern "C"
 
-// Doesn't compile unless every entry has the type that callers expect of it.
+// Compiles only if every entry has the type that callers expect.
 [[maybe_unused]] constexpr CryptoProvider kEntries = {
     CryptoHash, CryptoBlockFlagged, CryptoBlockDefault, CryptoSubKey, CryptoMac, CryptoRsaPublic};
 

@@ -3,7 +3,7 @@
 namespace crypto {
 
 bool StartGcrypt() {
-  constexpr char kOldest[] = "1.10.0";  // from here on a single cipher handle can allow weak keys
+  constexpr char kOldest[] = "1.10.0";  // the first whose cipher handles can allow weak keys
   static const bool started = gcry_check_version(kOldest) != nullptr;
   return started;
 }

@@ -50,7 +50,7 @@ std::optional<std::string> RsaPublic(std::string_view modulus, std::string_view 
   const Number n = ReadNumber(modulus);
   const Number e = ReadNumber(exponent);
   const Number m = ReadNumber(data);
-  // Nothing is below a modulus of zero.
+  // This also refuses a modulus of zero: no number is below it.
   if (!n || !e || !m || gcry_mpi_cmp(m.get(), n.get()) >= 0) return std::nullopt;
   const Number result(gcry_mpi_new(0));
   gcry_mpi_powm(result.get(), m.get(), e.get(), n.get());

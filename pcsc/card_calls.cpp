@@ -1,9 +1,10 @@
-// The exports that speak to a card.
+// The exports that use a card.
 //
-// On Windows the handle of a removed card answers SCARD_W_REMOVED_CARD until it is reconnected or
-// disconnected, and a program may drop it and connect anew as often as cards come and go. pcsc-lite
-// counts such a handle as open and refuses the 201st. So the first call that hears of the removal
-// gives pcsc-lite's handle back, and the caller's number stands for a removed card from then on.
+// On Windows the handle of a removed card gives SCARD_W_REMOVED_CARD until it is reconnected or
+// disconnected, and a program may drop it and connect again, as often as cards come and go.
+// pcsc-lite counts a dropped handle as open and refuses the 201st. So the first call that learns of
+// the removal gives pcsc-lite's handle back. From then on the caller's number stands for a removed
+// card.
 
 #include <algorithm>
 #include <memory>
@@ -14,8 +15,8 @@
 namespace pcsc {
 namespace {
 
-// Connects a card that has no handle. To connect to an empty reader is the same failure on Windows
-// as to use a removed card; pcsc-lite tells the two apart.
+// Connects a card that has no handle. Windows has one code for connecting to an empty reader and
+// for using a removed card; pcsc-lite has two.
 LONG Connect(const PcscLite& lite, Card& card, uint32_t shareMode, uint32_t protocols,
              SCARDHANDLE& handle, DWORD& active) {
   const LONG code = lite.connect(card.context, card.reader.c_str(), shareMode,
@@ -24,7 +25,7 @@ LONG Connect(const PcscLite& lite, Card& card, uint32_t shareMode, uint32_t prot
   return code == SCARD_E_NO_SMARTCARD ? SCARD_W_REMOVED_CARD : code;
 }
 
-// Runs a call on the pcsc-lite handle behind a number.
+// Runs a call on the pcsc-lite handle that belongs to a number.
 template <typename Call>
 int32_t WithCard(winscard::SCARDHANDLE number, Call call) {
   return WithPcscLite([&](const PcscLite& lite) {
@@ -44,7 +45,7 @@ int32_t WithCard(winscard::SCARDHANDLE number, Call call) {
 
 extern "C" {
 
-// A caller may as well pass a header of its own: it is known by its fields, not by its address.
+// A caller may pass a header of its own, so its fields count, not its address.
 extern WINSCARD_API const winscard::SCARD_IO_REQUEST g_rgSCardT0Pci{
     SCARD_PROTOCOL_T0, sizeof(winscard::SCARD_IO_REQUEST)};
 extern WINSCARD_API const winscard::SCARD_IO_REQUEST g_rgSCardT1Pci{
@@ -82,7 +83,7 @@ WINSCARD_API int32_t SCardReconnect(winscard::SCARDHANDLE number, uint32_t share
     if (card == nullptr) return SCARD_E_INVALID_HANDLE;
     if (activeProtocol == nullptr) return SCARD_E_INVALID_PARAMETER;
     const std::lock_guard lock(card->connecting);
-    if (FindCard(number) != card) return SCARD_E_INVALID_HANDLE;  // another thread was quicker
+    if (FindCard(number) != card) return SCARD_E_INVALID_HANDLE;  // disconnected meanwhile
     DWORD active = 0;
     LONG code = SCARD_S_SUCCESS;
     SCARDHANDLE handle = card->handle;
@@ -102,7 +103,7 @@ WINSCARD_API int32_t SCardDisconnect(winscard::SCARDHANDLE number, uint32_t disp
     const std::lock_guard lock(card->connecting);
     const SCARDHANDLE handle = card->handle;
     const LONG code = handle == 0 ? SCARD_S_SUCCESS : lite.disconnect(handle, disposition);
-    // Whatever else fails, the connection is lost: callers don't ask twice.
+    // After any other failure the connection is gone too: callers do not disconnect twice.
     if (code != SCARD_E_INVALID_VALUE) RemoveCard(number);
     return code;
   });
@@ -151,7 +152,7 @@ WINSCARD_API int32_t SCardTransmit(winscard::SCARDHANDLE number,
   });
 }
 
-// pcsc-lite runs control codes whatever became of the card, so the card is asked for first.
+// pcsc-lite runs a control code also after the card was removed, so this asks for the card first.
 WINSCARD_API int32_t SCardControl(winscard::SCARDHANDLE number, uint32_t controlCode,
                                   const void* in, uint32_t inLength, void* out, uint32_t outLength,
                                   uint32_t* returned) {
@@ -163,7 +164,7 @@ WINSCARD_API int32_t SCardControl(winscard::SCARDHANDLE number, uint32_t control
   });
 }
 
-// Not every driver answers for the ATR, but the service has it always.
+// Not every driver gives the ATR, but the service always has it.
 WINSCARD_API int32_t SCardGetAttrib(winscard::SCARDHANDLE number, uint32_t attribute,
                                     uint8_t* value, uint32_t* length) {
   return WithCard(number, [&](const PcscLite& lite, SCARDHANDLE handle) {

@@ -10,8 +10,8 @@
 
 namespace pcsc {
 
-// One connection to a reader. Its pcsc-lite handle is 0 while there is none: before it is
-// connected, and after its card was removed.
+// One connection to a reader. Its pcsc-lite handle is 0 before the connection is made and after the
+// card was removed.
 struct Card {
   Card(SCARDCONTEXT context, const char* reader) : context(context), reader(reader) {}
 
@@ -21,9 +21,9 @@ struct Card {
   std::mutex connecting;  // held while a caller connects or disconnects
 };
 
-// The connections under the numbers that callers know as card handles. A number lies between 1 and
-// 0x7FFFFFFF, so that it survives a caller that keeps 32 bits of it and extends their sign. All
-// functions may be called from any thread.
+// The connections, by the numbers that callers have as card handles. A number is between 1 and
+// 0x7FFFFFFF, so it survives a caller that keeps 32 bits and extends their sign. Any thread may
+// call these functions.
 winscard::SCARDHANDLE AddCard(std::shared_ptr<Card> card);
 std::shared_ptr<Card> FindCard(winscard::SCARDHANDLE number);  // null if there is none
 void RemoveCard(winscard::SCARDHANDLE number);

@@ -31,7 +31,7 @@ bool BindAll(void* library, PcscLite& lite) {
 }
 
 std::optional<PcscLite> Load() {
-  // It holds the connections to the service, which outlive this module when a driver unloads it.
+  // Never unloaded: it holds the connections to the service, which outlive this module.
   void* library = dlopen("libpcsclite.so.1", RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   PcscLite lite{};
   if (library == nullptr || !BindAll(library, lite)) return std::nullopt;

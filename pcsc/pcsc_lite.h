@@ -2,8 +2,8 @@
 
 #include "src/readers/winscard_types.h"
 
-// pcsc-lite's header declares functions and data under the very names that this module exports, but
-// in other widths. Here those get the prefix PcscLite: declared for their types, never linked.
+// pcsc-lite's header declares the same names that this module exports, with other widths. Here they
+// get the prefix PcscLite: they serve for their types and are never linked.
 #define SCardEstablishContext PcscLiteEstablishContext
 #define SCardReleaseContext PcscLiteReleaseContext
 #define SCardFreeMemory PcscLiteFreeMemory
@@ -35,7 +35,7 @@
 
 namespace pcsc {
 
-// The numbers that are not Windows' own. pcsc-lite has them as macros.
+// The numbers that differ from Windows'. pcsc-lite defines them as macros.
 constexpr DWORD kLiteAutoAllocate = SCARD_AUTOALLOCATE;
 constexpr DWORD kLiteProtocolRaw = SCARD_PROTOCOL_RAW;
 #undef SCARD_AUTOALLOCATE
@@ -60,11 +60,11 @@ struct PcscLite {
   decltype(&PcscLiteGetAttrib) getAttrib;
 };
 
-// The client library, loaded by the first call and kept until the process ends; null if it, or one
-// of its functions, is not to be had.
+// The client library, loaded by the first call and kept until the process ends. Null if it or one
+// of its functions cannot be found.
 //
-// Every function is looked up in that library alone. Whatever this module exports, and however
-// widely a process has made that visible, it can thus never be taken for pcsc-lite's own.
+// Every function is looked up in that library alone: an export of this module, however visible in
+// the process, is never taken for pcsc-lite's own.
 const PcscLite* LoadPcscLite();
 
 }  // namespace pcsc

@@ -1,4 +1,4 @@
-// The exports that speak to the service and its readers.
+// The exports that use the service and its readers.
 
 #include <algorithm>
 #include <array>
@@ -41,7 +41,7 @@ WINSCARD_API int32_t SCardReleaseContext(winscard::SCARDCONTEXT context) {
   });
 }
 
-// The service has a single group, so pcsc-lite passes over the name of the group.
+// The service has only one group; pcsc-lite ignores the group's name.
 WINSCARD_API int32_t SCardListReadersA(winscard::SCARDCONTEXT context, const char* groups,
                                        char* readers, uint32_t* length) {
   return WithPcscLite([&](const PcscLite& lite) {
@@ -72,7 +72,7 @@ WINSCARD_API int32_t SCardGetStatusChangeA(winscard::SCARDCONTEXT context, uint3
   });
 }
 
-// Windows keeps a list of card types by name. There is nothing of the kind here.
+// Windows keeps a list of card types by name. pcsc-lite has none.
 WINSCARD_API int32_t SCardLocateCardsA(winscard::SCARDCONTEXT, const char*,
                                        winscard::SCARD_READERSTATEA*, uint32_t) {
   return winscard::SCARD_E_UNSUPPORTED_FEATURE;

@@ -6,12 +6,12 @@
 
 #include "pcsc_lite.h"
 
-// Between Windows' widths and numbers and pcsc-lite's. Codes of failure are the same 32 bits on
-// both sides.
+// Translates between the widths and numbers of Windows and pcsc-lite. Failure codes are the same 32
+// bits on both sides.
 namespace pcsc {
 
-// A number in the caller's memory, lent to pcsc-lite as a wider one for the length of a call. A
-// caller's null pointer stays a null pointer.
+// Lends a number in the caller's memory to pcsc-lite as a wider one, for one call. A null pointer
+// of the caller stays null.
 class WideNumber {
  public:
   explicit WideNumber(uint32_t* number) : number_(number), wide_(number ? *number : 0) {}
@@ -28,8 +28,8 @@ class WideNumber {
   DWORD wide_;
 };
 
-// The length of an area. pcsc-lite refuses areas that are larger than it can fill: it is then told
-// the most that it takes.
+// The length of an area. pcsc-lite refuses an area larger than it can fill, so a larger one is
+// passed with the largest length that it takes.
 class WideLength : public WideNumber {
  public:
   explicit WideLength(uint32_t* length, DWORD most = MAX_BUFFER_SIZE_EXTENDED)
@@ -52,20 +52,20 @@ inline uint32_t ToWindowsProtocol(DWORD protocol) {
                                       : static_cast<uint32_t>(protocol);
 }
 
-// Windows builds the code of function n as device type 0x31, then n in the bits from 2 on.
+// On Windows the code of function n is device type 0x31 in the upper half and n from bit 2 on.
 inline DWORD ToLiteControlCode(uint32_t code) {
   const bool windowsForm = (code & 0xFFFF0003) == 0x00310000;
   return windowsForm ? SCARD_CTL_CODE((code & 0xFFFF) >> 2) : DWORD{code};
 }
 
-// Windows counts a card's states up from "unknown" to "specific"; pcsc-lite sets one bit for each
-// that holds, and counts events in the upper half.
+// Windows numbers a card's states from "unknown" to "specific". pcsc-lite sets one bit for each
+// state that holds, and counts events in the upper half.
 inline uint32_t ToWindowsCardState(DWORD state) {
   const auto reached = static_cast<uint32_t>(std::bit_width(state & 0x7F));
   return reached == 0 ? 0 : reached - 1;
 }
 
-// Runs a call that needs pcsc-lite, and gives its code in the caller's width.
+// Runs a call that needs pcsc-lite. Gives its code in the caller's width.
 template <typename Call>
 int32_t WithPcscLite(Call call) noexcept try {
   const PcscLite* lite = LoadPcscLite();
