@@ -10,7 +10,7 @@ constexpr auto kNoService = static_cast<winscard::LONG>(0x8010001D);
 
 void* NextFunction(const char* name);
 
-// A function of the library behind this module; null if that has none.
+// A function of the library behind this module; null if that library has none of this name.
 template <typename Function>
 Function* Next(const char* name) {
   return reinterpret_cast<Function*>(NextFunction(name));
@@ -21,8 +21,8 @@ using AnyFunction = Word(Word, Word, Word, Word, Word, Word, Word, Word);
 
 }  // namespace recorder
 
-// A function of at most eight arguments, none of them a floating-point number, that is handed on as
-// it comes: registers and stack are the same for all of these.
+// Passes a call on unchanged. For functions of at most eight arguments, none of them a
+// floating-point number: they all use registers and stack in the same way.
 #define PASS_ON(name)                                                                    \
   RECORDER_API recorder::Word name(recorder::Word a, recorder::Word b, recorder::Word c, \
                                    recorder::Word d, recorder::Word e, recorder::Word f, \

@@ -1,5 +1,5 @@
 /*
- * How Orvane's program has the PC/SC calls of its process recorded. Other hosts set ORVANE_RECORD.
+ * How the program orvane records the PC/SC calls of its process. Other hosts set ORVANE_RECORD.
  */
 #ifndef ORVANE_RECORDER_H
 #define ORVANE_RECORDER_H
@@ -10,19 +10,19 @@
 extern "C" {
 #endif
 
-/* Any thread may call the functions. */
+/* The recorder calls these functions from any thread. */
 struct RecorderSettings {
   void (*append)(const char* line, uint64_t length);
-  int32_t (*ready)(void);      /* 0: no line can be written any more */
-  int64_t (*nextReader)(void); /* the number of a reader that is opened */
-  int64_t origin;              /* of the times, by the steady clock: ns */
+  int32_t (*ready)(void);      /* 0: no further line can be written */
+  int64_t (*nextReader)(void); /* the number for a newly opened reader */
+  int64_t origin;              /* zero of the times: steady clock, in ns */
   int32_t showSecrets;
 };
 
-/* Records from now on; a null pointer ends it. To be called while no other thread makes calls. */
+/* Begins to record; a null pointer ends it. Call it while no other thread makes PC/SC calls. */
 typedef void RecorderBeginFunction(const struct RecorderSettings* settings);
 
-/* Whether the data of this thread's coming commands are hidden, whatever these are. */
+/* Not 0 hides the data of all further commands of this thread, 0 ends that. */
 typedef void RecorderHideFunction(int32_t hide);
 
 #ifdef __cplusplus

@@ -18,7 +18,7 @@ namespace {
 RecorderSettings settings{};
 thread_local bool hideAll = false;
 
-// Of a session that the environment asked for; never released, since calls may come at exit.
+// The session that the environment asked for; never released, since calls may come at exit.
 recordings::SessionLog* log = nullptr;
 std::atomic_flag reported;
 

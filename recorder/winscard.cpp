@@ -1,4 +1,4 @@
-// The calls of the PC/SC interface: each goes on to the library behind this module, and those that
+// The calls of the PC/SC interface. Each goes on to the library behind this module; those that
 // reach a card are recorded.
 
 #include "recorder/winscard.h"
@@ -30,15 +30,15 @@ std::string PowerName(DWORD disposition) {
   return disposition < std::size(kNames) ? kNames[disposition] : CodeText(disposition);
 }
 
-// The octets that a call has put into a buffer: never more than there was room for. Where the
-// library allocates, the buffer is where the pointer to them stands.
+// The octets that a call has put into a buffer, never more than it had room for. If the library
+// allocates, the buffer holds the pointer to them.
 std::string Given(const void* buffer, DWORD room, const DWORD* length) {
   if (buffer == nullptr || length == nullptr) return "";
   if (room == SCARD_AUTOALLOCATE) return ToHex(*static_cast<const void* const*>(buffer), *length);
   return ToHex(buffer, std::min(room, *length));
 }
 
-// Response data and status word.
+// Splits response data and status word.
 void SetResponse(Event& event, std::string digits) {
   if (digits.size() >= 4) {
     event.statusWord = digits.substr(digits.size() - 4);
@@ -47,7 +47,7 @@ void SetResponse(Event& event, std::string digits) {
   event.response = std::move(digits);
 }
 
-// The service's, for which no card is asked.
+// The ATR that the service has; this asks no card.
 std::string AtrOf(SCARDHANDLE card) {
   static const auto status =
       Next<LONG(SCARDHANDLE, char*, DWORD*, DWORD*, DWORD*, std::uint8_t*, DWORD*)>("SCardStatusA");
@@ -62,7 +62,7 @@ std::string AtrOf(SCARDHANDLE card) {
   return Given(atr, sizeof atr, &atrLength);
 }
 
-// Makes a call, and records its event with what fill finds of a success.
+// Makes a call and records its event. On success `fill` completes the event.
 template <typename Call, typename Fill>
 LONG Recorded(Event event, Call call, Fill fill) {
   const auto begin = Steady::now();

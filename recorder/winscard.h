@@ -7,7 +7,7 @@
 
 namespace recorder {
 
-// Records a call that connects the reader of this name, and gives its code.
+// Records a call that connects the reader of this name, and gives the call's code.
 winscard::LONG Connect(std::string name, const std::function<winscard::LONG()>& connect,
                        const winscard::SCARDHANDLE* card, const winscard::DWORD* protocol);
 

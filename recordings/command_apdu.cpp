@@ -60,7 +60,7 @@ constexpr std::array kInterindustry = std::to_array<Instruction>({
     {0xFE, "TERMINATE CARD USAGE"},
 });
 
-// Looked at first where the class is proprietary.
+// Searched first if the class is proprietary.
 constexpr std::array kProprietary = std::to_array<Instruction>({
     {0x16, "CARD BLOCK"},
     {0x18, "APPLICATION UNBLOCK"},
@@ -80,7 +80,7 @@ constexpr std::array kProprietary = std::to_array<Instruction>({
     {0xF2, "GET STATUS"},
 });
 
-// What PC/SC does with a contactless card's reader, under the class FF.
+// PC/SC's commands to the reader of a contactless card, under the class FF.
 constexpr std::array kForReader = std::to_array<Instruction>({
     {0x82, "LOAD KEYS", true},
 });
@@ -106,13 +106,13 @@ const Instruction* Find(std::string_view classAndInstruction) {
   return found != kInterindustry.end() ? &*found : nullptr;
 }
 
-// Zeros stand for one more than the digits can say.
+// Zeros mean one more than the largest number of these digits.
 size_t ReadLe(std::string_view digits) {
   const size_t count = Value(digits);
   return count == 0 && !digits.empty() ? size_t{1} << (4 * digits.size()) : count;
 }
 
-// PUT DATA with an odd instruction imports keys, unless its data begin with the tag of an object.
+// PUT DATA with an odd instruction imports keys, unless its data begins with an object's tag.
 bool PutsDataObject(std::string_view digits) {
   if (Value(digits.substr(2, 2)) != 0xDB || digits.size() < 10) return false;
   const size_t data = digits.substr(8, 2) == "00" ? 14 : 10;
@@ -135,7 +135,7 @@ CommandParts FindParts(std::string_view digits) {
   }
   const bool extended = part(4, 5) == "00";
   const size_t begin = extended ? 7 : 5;
-  if (extended && octets == 7) {  // no data: what looks like Lc is Le
+  if (extended && octets == 7) {  // no data: the field behind the header is Le, not Lc
     parts.dataBegin = parts.dataEnd = octets;
     parts.expectedData = ReadLe(part(5, octets));
     return parts;

@@ -20,7 +20,7 @@ struct Field {
   Form form = Form::kText;
 };
 
-// In the order in which a line has them.
+// In the order of a line.
 constexpr Field kFields[] = {
     {"begun", &Event::begun},
     {"secrets", &Event::secrets},
@@ -63,7 +63,7 @@ std::string ReadText(const Json& line, const Field& field) {
 }
 
 int64_t ReadNumber(const Json& line, const char* name) {
-  constexpr int64_t kMost = 1'000'000'000'000'000;  // as microseconds, thirty years
+  constexpr int64_t kMost = 1'000'000'000'000'000;  // microseconds: thirty years
   const auto found = line.find(name);
   if (found == line.end()) return 0;
   const auto* number = found->get_ptr<const Json::number_unsigned_t*>();

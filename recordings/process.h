@@ -8,7 +8,7 @@ namespace recordings {
 
 uint32_t ProcessNumber();
 
-// A path that the environment has under this name, which is ASCII; none if that is empty.
+// The path in the environment's variable of this name, which is ASCII; none if it is empty.
 std::optional<std::filesystem::path> EnvironmentPath(const char* name);
 
 }  // namespace recordings

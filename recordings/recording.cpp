@@ -9,13 +9,13 @@
 namespace recordings {
 namespace {
 
-// Far beyond the longest line that is written: what is longer is no recording.
+// Far longer than any line that is written: a longer one is no recording.
 constexpr std::streamsize kLongestLine = 1 << 20;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 struct Line {
   std::string_view text;
-  bool whole;  // with its end
+  bool whole;  // has its line end
 };
 
 class Lines {
@@ -24,7 +24,7 @@ class Lines {
 
   size_t Number() const { return number_; }  // of the line that Next gave last
 
-  // None at the end. It stands until the next one is read.
+  // Empty at the end of the file. A line is valid until the next call.
   std::optional<Line> Next() {
     ++number_;
     in_.getline(buffer_.data(), kLongestLine);

@@ -11,7 +11,7 @@
 
 namespace recordings {
 
-// Why a file can't be read as a recording. Line 0 stands for the file.
+// Why a file cannot be read as a recording. Line 0 means the file as a whole.
 class Fault : public std::runtime_error {
  public:
   Fault(size_t line, const std::string& message) : std::runtime_error(message), line_(line) {}
@@ -26,15 +26,15 @@ struct RecordedEvent : Event {
 };
 
 struct Recording {
-  std::vector<RecordedEvent> events;  // of the types that are known
-  size_t cutLine = 0;                 // the last one, where it is cut off and so passed over
+  std::vector<RecordedEvent> events;  // those of known types
+  size_t cutLine = 0;                 // the last line, if it is cut off and left out; else 0
 };
 
 // Throws Fault.
 Recording ReadRecording(const std::filesystem::path& file);
 Recording ReadRecording(std::istream& in);
 
-// True if the command, as upper-case digits, is the recorded one as far as that is shown.
+// True if the command, in upper-case digits, is the recorded one. Hidden digits match any digit.
 bool Matches(const Event& exchange, std::string_view command);
 
 }  // namespace recordings

@@ -7,8 +7,8 @@
 
 namespace recordings {
 
-// A file that a session is recorded to. Every line is in it as soon as Append returns, so that
-// whatever ends the process loses none.
+// A file that a session is recorded to. When Append returns, the line is in the file: no end of the
+// process can lose it.
 class RecordingFile {
  public:
   RecordingFile() = default;
@@ -16,12 +16,12 @@ class RecordingFile {
   RecordingFile& operator=(const RecordingFile&) = delete;
   ~RecordingFile();
 
-  // Creates or empties the file; no other process can open it for recording until this object is
-  // gone. What holds secrets is for the owner's eyes alone. Gives the empty text, or why it can't
-  // be had.
+  // Creates or empties the file. Until this object is gone, no other process can open it for
+  // recording. On POSIX a file that is created for secrets is readable for its owner alone. Gives
+  // the empty text, or why it failed.
   std::string Open(const std::filesystem::path& file, bool secret);
 
-  // A line without its end. Gives the empty text, or why it is not in the file.
+  // Takes a line without its line end. Gives the empty text, or why the line is not in the file.
   std::string Append(std::string_view line);
 
  private:

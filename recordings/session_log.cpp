@@ -26,7 +26,7 @@ std::string TextOf(std::chrono::system_clock::time_point time) {
   return text.data();
 }
 
-// With this process's number in the place of %p.
+// The name with this process's number in the place of %p.
 std::filesystem::path FileFor(const std::filesystem::path& pattern) {
   constexpr char kMark[] = {'%', 'p'};
   auto name = pattern.native();

@@ -20,23 +20,23 @@ using Steady = std::chrono::steady_clock;
 void SetTimes(Event& event, Steady::time_point origin, Steady::time_point begin,
               Steady::time_point end);
 
-// A session that is being recorded. Any thread may call it; once a line could not be written, no
-// other one is.
+// A session that is being recorded. Any thread may call it. After a line could not be written, no
+// further line is.
 class SessionLog {
  public:
-  // %p in the file's name becomes the number of this process.
+  // In the file's name %p becomes the number of this process.
   SessionLog(std::filesystem::path file, bool showSecrets)
       : name_(std::move(file)), showSecrets_(showSecrets) {}
 
-  // Opens the file and writes its first line, unless that has been done.
+  // Opens the file and writes its first line, unless that is done already.
   void Begin();
 
   void Append(std::string_view line);
 
-  // The empty text, or why not all of the session is in the file.
+  // The empty text, or why the file does not hold the whole session.
   std::string Trouble() const;
 
-  // Readers are counted from 1 as they are opened.
+  // Numbers readers from 1 as they are opened.
   int64_t NextReader() { return ++readers_; }
 
   Steady::time_point Origin() const { return origin_; }

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The files of all modules that are loaded.
+// The files of all loaded modules.
 std::vector<fs::path> LoadedFiles() {
   std::vector<fs::path> files;
   const auto add = [](dl_phdr_info* object, std::size_t, void* data) {
@@ -44,7 +44,7 @@ std::vector<fs::path> LibraryPath() {
   return folders;
 }
 
-// Where it may be, the likeliest first.
+// The places where the library may be, the likeliest first.
 std::vector<fs::path> Places(const fs::path& own) {
   const fs::path name = own.filename();
   std::vector<fs::path> places;

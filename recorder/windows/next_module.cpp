@@ -31,7 +31,7 @@ fs::path FileOf(HMODULE module) {
   return path;
 }
 
-// Another module with this file's name.
+// Another loaded module with this file's name.
 HMODULE FindLoaded(const fs::path& own) {
   std::vector<HMODULE> modules(4096);
   DWORD size = static_cast<DWORD>(modules.size() * sizeof(HMODULE));
@@ -66,7 +66,7 @@ void* LoadNextModule() {
 
 void* FindFunction(void* module, const char* name) {
   const auto function = GetProcAddress(static_cast<HMODULE>(module), name);
-  // Under the bare name of two modules Wine finds the one that it was asked about last.
+  // If two modules have one name, Wine finds the one that was asked last: make that this one again.
   GetProcAddress(Own(), name);
   return reinterpret_cast<void*>(function);
 }

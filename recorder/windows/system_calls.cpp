@@ -1,4 +1,4 @@
-// What Windows' own library has besides: programs that were linked with it ask for all of it.
+// The other exports of Windows' own library: programs that are linked with it need all of them.
 
 #include <filesystem>
 

@@ -23,11 +23,11 @@ std::string RecordingFile::Open(const std::filesystem::path& file, bool secret) 
                               secret ? 0600 : 0666);
   if (descriptor < 0) return Reason();
   handle_ = descriptor;
-  // Some file systems know no locks.
+  // Some file systems have no locks.
   if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     return "another session is being recorded to it";
   }
-  // What has no length, such as a pipe, refuses this.
+  // A file without a length, such as a pipe, refuses this.
   if (ftruncate(descriptor, 0) != 0 && errno != EINVAL) return Reason();
   return "";
 }

@@ -22,7 +22,7 @@ RecordingFile::~RecordingFile() {
   if (handle_ != -1) CloseHandle(ToHandle(handle_));
 }
 
-// Who may read a file is a matter of its folder here.
+// Here the folder's rights decide who may read the file.
 std::string RecordingFile::Open(const std::filesystem::path& file, bool) {
   handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(file.c_str(), GENERIC_WRITE,
                                                         FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
