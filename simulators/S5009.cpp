@@ -1,10 +1,10 @@
 /*
- * A simulated S5009: one reader on port 1. The card answers in every slot, to both of the resets.
+ * A simulated S5009: one reader on port 1. The card answers in every slot and to both resets.
  *
  * Results are 0 for success. SimulatorRestart closes the port.
  *
  * What the data and length of a prepared answer mean:
- *   ExchangeAPDU         data: the reply, which goes out as text; length: in characters
+ *   ExchangeAPDU         data: the reply, which is written as text; length: in characters
  *   Mifare_SearchCard,   data: the ATR
  *   Mifare_GetATS
  */

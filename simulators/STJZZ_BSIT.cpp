@@ -1,6 +1,6 @@
 /*
- * A simulated STJZZ_BSIT: two HID readers. The one with index 0 has the virtual card in its slot 0,
- * the other one has no card. There is no slot but 0.
+ * A simulated STJZZ_BSIT: two HID readers. The reader with index 0 has the virtual card in its slot
+ * 0; the other reader has no card. Slot 0 is the only one.
  *
  * Results are 0 for success. SimulatorRestart forgets the handles, which count from 0.
  *

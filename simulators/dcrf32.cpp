@@ -1,14 +1,14 @@
 /*
- * A simulated dcrf32: D8 readers on the library's ports 0 (COM1) and 100 (USB). The card lies
- * at the antenna and stands in every contact slot at once.
+ * A simulated dcrf32: D8 readers on the library's ports 0 (COM1) and 100 (USB). The card is in the
+ * contactless field and in every contact slot at the same time.
  *
- * Results are 0 for success; dc_init gives a handle from 1 up. SimulatorRestart forgets handles and
- * where the selection at the antenna has got to.
+ * Results are 0 for success; dc_init gives a handle from 1 on. SimulatorRestart forgets the handles
+ * and the state of the contactless selection.
  *
  * What the data and length of a prepared answer mean:
  *   dc_request, dc_anticoll,            data: the number, most significant octet first
  *   dc_select
- *   dc_pro_resethex, dc_cpureset_hex    data: the ATR, which goes out as text; length: in octets
+ *   dc_pro_resethex, dc_cpureset_hex    data: the ATR, written as text; length: in octets
  *   dc_pro_commandlink, dc_cpuapdu      data: the reply
  */
 #include <algorithm>
@@ -26,7 +26,7 @@ constexpr int16_t kFailed = -1;
 constexpr int16_t kPorts[] = {0, 100};
 constexpr uint8_t kCardNumber[] = {0x4F, 0x52, 0x56, 0x4E};
 
-// How far the selection of the card in the field has come; each step needs the one before it.
+// The progress of the card's selection in the field; each step needs the one before.
 enum Selection { kNothing, kFieldReset, kRequested, kNumberRead, kSelected, kActive };
 
 simulator::Handles handles(1);
@@ -40,7 +40,7 @@ Answer With(std::optional<Octets> data) {
   return data ? Answer{0, std::move(data)} : Answer{kFailed};
 }
 
-// One step of the selection, and the data that it gives.
+// Makes one step of the selection and gives its data.
 Answer Step(int64_t handle, Selection step, const Octets& data = {}) {
   const bool follows = step == kFieldReset || selection == step - 1;
   if (!handles.Knows(handle) || !simulator::CardPresent() || !follows) {
@@ -58,7 +58,7 @@ void WriteNumber(Call& call, const Answer& answer, uint32_t* number) {
   call.Wrote(*number);
 }
 
-// The ATR as text without a zero behind it.
+// Writes the ATR as text without a terminator.
 int16_t GiveText(Call& call, const Answer& answer, uint8_t* length, char* text) {
   const Octets octets = answer.data.value_or(Octets());
   const std::string digits = simulator::ToHex(octets);

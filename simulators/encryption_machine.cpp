@@ -7,7 +7,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kLongestWait = 5;  // milliseconds until it looks for its end and for what is due
+constexpr int kLongestWait = 5;  // ms between looks for its end and for due octets
 constexpr size_t kListening = 0;
 
 }  // namespace

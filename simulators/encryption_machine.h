@@ -1,6 +1,6 @@
 #pragma once
 
-// A simulated encryption machine on the loopback interface, for as long as this object lives.
+// A simulated encryption machine on the loopback interface. It runs as long as the object lives.
 
 #include <atomic>
 #include <chrono>
@@ -13,18 +13,18 @@
 
 namespace simulator {
 
-// What the machine does upon a request.
+// What the machine does on a request.
 struct Reaction {
   struct Part {
     std::chrono::milliseconds after;  // counted from the request
     Octets octets;
   };
-  std::vector<Part> parts;  // none: no answer ever
-  bool closes = false;      // the connection, instead of any answer
+  std::vector<Part> parts;  // empty: it never answers
+  bool closes = false;      // closes the connection and does not answer
 };
 
-// It serves any number of connections at once, on a thread of its own. A request is what one
-// receive brings; without another reaction being prepared, the answer is the request itself.
+// Serves any number of connections at once, on a thread of its own. A request is what one receive
+// brings. Without a prepared reaction, the answer is the request itself.
 class EncryptionMachine {
  public:
   EncryptionMachine();
@@ -32,13 +32,13 @@ class EncryptionMachine {
   EncryptionMachine(const EncryptionMachine&) = delete;
   EncryptionMachine& operator=(const EncryptionMachine&) = delete;
 
-  // The name that opens it: its address, a colon and its port, which the system chooses.
+  // The name that opens it: its address, a colon, and the port that the system chose.
   const std::string& Name() const { return name_; }
 
-  // Prepares the reaction to a coming request: the first one prepared goes to the next request.
+  // Prepares a reaction. The first one prepared is for the next request, and so on.
   void Prepare(Reaction reaction);
 
-  // What has happened so far, one line each, every line ended by '\n'. Connections count from 1:
+  // The events so far, one per line, each line with its end. Connections count from 1:
   //   1 opens
   //   1 sends 00112233
   //   1 closes
@@ -64,7 +64,7 @@ class EncryptionMachine {
   std::deque<Due> due_;
   int opened_ = 0;
 
-  mutable std::mutex mutex_;  // for what the caller's thread sees, which follows
+  mutable std::mutex mutex_;  // guards the members below, which the caller's thread uses too
   std::deque<Reaction> reactions_;
   std::string journal_;
 

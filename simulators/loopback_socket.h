@@ -1,6 +1,6 @@
 #pragma once
 
-// TCP on the loopback interface, as much of it as a small server needs.
+// TCP on the loopback interface, as far as a small server needs it.
 
 #include <optional>
 
@@ -8,8 +8,8 @@
 
 namespace simulator {
 
-// A socket, closed at the end of its life. Every fault is thrown as std::runtime_error unless a
-// line says otherwise.
+// A socket that closes itself. Every failure is thrown as std::runtime_error unless a line says
+// otherwise.
 class LoopbackSocket {
  public:
   // Listens on a port that the system chooses.
@@ -20,18 +20,17 @@ class LoopbackSocket {
 
   uint16_t Port() const;
 
-  // Waits until one of the sockets can be read from, and gives its place; nothing when the time is
-  // over.
+  // Waits until one of the sockets can be read, and gives its index; empty after the time.
   static std::optional<size_t> WaitForOne(std::span<const LoopbackSocket> sockets,
                                           int milliseconds);
 
-  // The connection that waits at a listening socket.
+  // Accepts the connection that waits at a listening socket.
   LoopbackSocket Accept() const;
 
-  // What one receive brings; nothing if the peer has closed or gone.
+  // The octets of one receive; empty if the peer has closed or is gone.
   Octets Receive() const;
 
-  // A peer that has gone is no fault.
+  // A peer that is gone is no failure.
   void Send(const Octets& octets) const;
 
  private:

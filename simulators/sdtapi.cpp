@@ -1,13 +1,13 @@
 /*
  * A simulated sdtapi: identity-card readers on the ports 1 (COM1) and 1001 (USB), with one identity
- * card in front of both. A card has to be found before it is selected, and selected before its
+ * card in front of both. A card must be found before it is selected, and selected before its
  * messages are read.
  *
  * The journal shows results in hexadecimal: 0x90 is success, 0x9F a card that was found.
  * SimulatorRestart closes the ports.
  *
  * What the data and length of a prepared answer mean:
- *   SDT_StartFindIDCard,   data: what goes to the buffer
+ *   SDT_StartFindIDCard,   data: the buffer's content
  *   SDT_SelectIDCard
  *   SDT_ReadBaseMsg        data: the first message, up to 40,960 octets; length: of that message.
  *                          The second message is empty then
@@ -43,14 +43,14 @@ const simulator::AtRestart forget([] {
   selection = kNothing;
 });
 
-// One step on the way to the messages; without a card in front of an open port all begins anew.
+// One step on the way to the messages. An impossible step starts again from the beginning.
 bool Step(int32_t port, Selection needed, Selection reached) {
   const bool possible = openPorts.contains(port) && simulator::CardPresent() && selection >= needed;
   selection = possible ? reached : kNothing;
   return possible;
 }
 
-// Name and birthday as such cards hold them: UTF-16, filled up with blanks.
+// Name and birthday as such cards store them: UTF-16, filled up with blanks.
 Octets TextMessage() {
   Octets text(kTextSize);
   const std::string_view content = "SAMPLE ORVANE        20000101";

@@ -1,6 +1,6 @@
 #pragma once
 
-// How both TY libraries answer: the status word is their result.
+// How both TY libraries answer: their result is the status word.
 
 #include "common/reader.h"
 
@@ -9,8 +9,8 @@ namespace ty {
 constexpr uint16_t kDone = 0x9000;
 constexpr uint16_t kNoCard = 0x6FFF;
 
-// The area gets the response data, and after a status word other than 9000 without data the status
-// word itself.
+// The area gets the response data. If the status word is not 9000 and there is no data, it gets the
+// status word.
 inline simulator::Answer ToCommand(const uint8_t* command, uint32_t length) {
   std::optional<simulator::Octets> response = simulator::AskCard(command, length, SIZE_MAX);
   if (!response) return {kNoCard};

@@ -1,14 +1,11 @@
 /*
- * A simulated tykeyint: two keys, the first one with the virtual card in it, the second one without
- * a card.
+ * A simulated tykeyint: two keys. The first one has the virtual card, the second one has no card.
  *
- * A key has one index, from 0 on, in the table of TYKey_Status and in TYKey_OpenTYKey. So Orvane,
- * which hands over one less than the number that is opened, lists the first key as USB0 and opens
- * it as USB1.
+ * A key has one index, from 0 on, in TYKey_Status's table and in TYKey_OpenTYKey. Orvane passes one
+ * less than the number that it opens, so it lists the first key as USB0 and opens it as USB1.
  *
- * The journal shows status words in hexadecimal. SimulatorRestart forgets the handles. These are
- * negative numbers of 32 bits widened with their sign: a caller who widens them otherwise is found
- * out.
+ * The journal shows status words in hexadecimal. SimulatorRestart forgets the handles. A handle is
+ * a negative number of 32 bits, sign-extended: a caller that extends it otherwise gets errors.
  *
  * What the data and length of a prepared answer mean:
  *   TYKey_Status         data: the table

@@ -1,9 +1,9 @@
 /*
- * A simulated wdcrwx: one reader, "USB1". It stands beside the library, since that looks for this
- * module in its own folder alone.
+ * A simulated wdcrwx: one reader, "USB1". It must be in Orvane's folder: Orvane looks for this
+ * module there alone.
  *
- * A reply ends in the status word, which is the result as well. The command 00 12 00 00 00 is the
- * reader's own: it resets the card, and its reply is the ATR and nothing else. 6FF0 tells that
+ * A reply ends in the status word, which is the result too. The reader itself handles the command
+ * 00 12 00 00 00: it resets the card, and the reply is the ATR alone. The result 6FF0 means that
  * nothing was exchanged.
  *
  * The journal shows status words in hexadecimal. SimulatorRestart forgets the handles, which count

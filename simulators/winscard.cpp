@@ -1,10 +1,10 @@
 /*
- * A simulated winscard: two readers, "Simulated Reader 0" with the virtual card in it and
- * "Simulated Reader 1" without one. A recording that is replayed brings the readers that it names,
- * with the card in them.
+ * A simulated winscard: two readers, "Simulated Reader 0" with the virtual card and "Simulated
+ * Reader 1" without a card. A replayed recording adds the readers that it names, with the card in
+ * them.
  *
  * SimulatorRestart forgets the card handles. Contexts stay, since a program keeps its context over
- * any number of cards, and so does memory that was handed out.
+ * many cards, and so does memory that was given out.
  *
  * The journal shows contexts, handles, control codes, attributes, states and results in
  * hexadecimal, and the header of SCardTransmit as its protocol (1 is T=0, 2 is T=1).
@@ -12,8 +12,8 @@
  * What the data and length of a prepared answer mean:
  *   SCardEstablishContext   data: the context, most significant octet first
  *   SCardListReadersA       data: the multi-string with its zeros
- *   SCardConnectA,          data: one octet, the active protocol. With it and result 0 a
- *   SCardReconnect          connection is made, without it none; length: the handle
+ *   SCardConnectA,          data: one octet, the active protocol. With it and result 0 this
+ *   SCardReconnect          makes a connection, without it none; length: the handle
  *   SCardTransmit,          data: the reply
  *   SCardControl
  *   SCardGetAttrib,         data: the ATR
@@ -43,7 +43,7 @@ constexpr const char* kReaderWithoutCard = kReaders[1];
 constexpr const char* kGroups[] = {"SCard$DefaultReaders", "SCard$AllReaders"};
 constexpr DWORD kAtrCode = SCARD_CTL_CODE(3000);
 constexpr DWORD kExchangeCode = SCARD_CTL_CODE(3001);
-constexpr DWORD kSpecific = 6;  // what SCardStatusA says of the card
+constexpr DWORD kSpecific = 6;  // the card's state in SCardStatusA
 
 Session session;
 const simulator::AtRestart forgetConnections([] { session.ForgetConnections(); });
@@ -55,7 +55,7 @@ bool IsOneOf(const char* text, std::span<const char* const> choices) {
   return false;
 }
 
-// Those that a recording names come first; all but one have the card in them.
+// The readers that a recording names come first. All but one have the card in them.
 std::vector<const char*> Readers() {
   static std::vector<std::string> recorded;
   recorded = simulator::RecordedReaders();
@@ -80,7 +80,7 @@ uint64_t Number(const Octets& octets) {
   return number;
 }
 
-// Each text with its zero, and one zero more at the end.
+// Each text with its terminator, then one more zero.
 Octets MultiString(std::span<const char* const> texts) {
   Octets octets;
   for (const char* text : texts) octets.insert(octets.end(), text, text + std::strlen(text) + 1);
@@ -88,7 +88,7 @@ Octets MultiString(std::span<const char* const> texts) {
   return octets;
 }
 
-// The texts up to the empty one; none of a null pointer.
+// The texts up to the empty one; none for a null pointer.
 std::vector<const char*> Texts(const char* multiString) {
   std::vector<const char*> texts;
   for (; multiString && *multiString != '\0'; multiString += std::strlen(multiString) + 1) {
@@ -97,9 +97,9 @@ std::vector<const char*> Texts(const char* multiString) {
   return texts;
 }
 
-// Hands data over as the interface does it: a null area asks for the length alone, and
-// SCARD_AUTOALLOCATE has the library allocate the area. A prepared answer may say what it likes of
-// its length, and goes into any area as far as it fits.
+// Writes data by the interface's rules: a null area asks for the length alone; with
+// SCARD_AUTOALLOCATE the library allocates the area. A prepared answer may report any length, and
+// is cut to the area.
 void HandOver(Call& call, Answer& answer, void* area, DWORD* length) {
   if (!length || (!answer.data && !call.Prepared())) return;
   const size_t size = answer.data ? answer.data->size() : 0;
@@ -147,7 +147,7 @@ Answer AskToConnect(SCARDCONTEXT context, const char* reader, DWORD protocols) {
   return {SCARD_S_SUCCESS, Octets{SCARD_PROTOCOL_T0}};
 }
 
-// Fills one reader's state and tells whether it is news to the caller.
+// Fills one reader's state. True if it differs from what the caller knows.
 bool Observe(SCARD_READERSTATEA& state) {
   DWORD event = SCARD_STATE_UNKNOWN;
   state.cbAtr = 0;
@@ -166,7 +166,7 @@ bool Observe(SCARD_READERSTATEA& state) {
   return news;
 }
 
-// Where there is no news it does not wait: nothing could come while the caller is in here.
+// Never waits: while the caller is in here, nothing can change.
 Answer AskForNews(SCARDCONTEXT context, SCARD_READERSTATEA* states, DWORD count) {
   if (!session.Knows(context)) return {ERROR_INVALID_HANDLE};
   if (!states && count > 0) return {SCARD_E_INVALID_PARAMETER};

@@ -4,7 +4,7 @@
 
 namespace winscard {
 
-// A context fills all its 64 bits: one that was cut to 32 is not known again.
+// A context uses all 64 bits, so that one cut to 32 bits is not recognised.
 SCARDCONTEXT Session::Establish() {
   const SCARDCONTEXT context = 0xCD01000000000000 + ++established_;
   contexts_.insert(context);
@@ -16,8 +16,8 @@ bool Session::Release(SCARDCONTEXT context) {
   return contexts_.erase(context) != 0;
 }
 
-// A handle is worth 32 bits, widened with its sign. Every other one is negative, so that a caller
-// who widens it in another way is found out.
+// A handle has 32 bits, sign-extended. Every second one is negative, so that a caller that extends
+// it in another way gets errors.
 SCARDHANDLE Session::NextHandle() {
   const uint32_t sign = ++connected_ % 2 == 1 ? 0x80000000 : 0;
   const auto value = static_cast<int32_t>(sign | 0x6A010000 | (connected_ & 0xFFFF));

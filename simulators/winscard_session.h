@@ -1,6 +1,6 @@
 #pragma once
 
-// What the simulated resource manager has handed out: contexts, card handles and memory.
+// What the simulated resource manager has given out: contexts, card handles and memory.
 
 #include <map>
 #include <memory>
@@ -13,7 +13,7 @@ namespace winscard {
 class Session {
  public:
   SCARDCONTEXT Establish();
-  bool Release(SCARDCONTEXT context);  // and every handle that was connected in it
+  bool Release(SCARDCONTEXT context);  // and every handle of this context
   bool Knows(SCARDCONTEXT context) const { return contexts_.contains(context); }
 
   SCARDHANDLE NextHandle();
@@ -21,14 +21,14 @@ class Session {
   bool Disconnect(SCARDHANDLE handle) { return connections_.erase(handle) != 0; }
   void ForgetConnections();  // the next handle is the first one again
 
-  // SCARD_S_SUCCESS, ERROR_INVALID_HANDLE, or SCARD_W_REMOVED_CARD if the card has moved since the
+  // SCARD_S_SUCCESS, ERROR_INVALID_HANDLE, or SCARD_W_REMOVED_CARD if the card was moved since the
   // handle was connected.
   LONG Check(SCARDHANDLE handle) const;
 
   // The active protocol of a handle; 0 if there is no such handle.
   DWORD Protocol(SCARDHANDLE handle) const;
 
-  // Memory that stays until Free, or to the end of the session.
+  // Allocates memory that stays until Free or the end of the session.
   uint8_t* Allocate(size_t size);
   bool Free(const void* memory);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// One call of a vendor function: what it is answered, what it writes, its line in the journal.
+// One call of a vendor function: its arguments, answer and output, and its line in the journal.
 
 #include <concepts>
 #include <functional>
@@ -12,26 +12,26 @@
 
 namespace simulator {
 
-// What a function gives back.
+// The result and output of a function.
 struct Answer {
   int64_t result = 0;
-  std::optional<Octets> data = std::nullopt;  // for the output area; nothing is written without it
+  std::optional<Octets> data = std::nullopt;  // for the output area; without it nothing is written
   int64_t length = SIMULATOR_TRUE_LENGTH;
 
-  // What to report where trueLength would be right.
+  // The length to report, given the true one.
   int64_t Reported(int64_t trueLength) const {
     return length == SIMULATOR_TRUE_LENGTH ? trueLength : length;
   }
 };
 
-// An argument as the journal shows it: numbers in decimal, texts in double quotes, octets in
-// hexadecimal, and null for a null pointer.
+// An argument in the journal's form: numbers in decimal, texts in double quotes, octets in
+// hexadecimal, null for a null pointer.
 class Argument {
  public:
   template <std::integral Number>
   Argument(Number number) : text_(std::to_string(number)) {}
   Argument(const char* text);
-  // Octets that the caller counts; a negative count stands for none.
+  // Octets with a length from the caller; a negative length counts as 0.
   Argument(const uint8_t* octets, int64_t count);
 
   const std::string& Text() const { return text_; }
@@ -41,11 +41,10 @@ class Argument {
   std::string text_;
 };
 
-// A number of which the vendor's interface speaks in hexadecimal: 0xFF; 0 stays 0.
+// A number that the vendor's interface writes in hexadecimal: 0xFF; 0 stays 0.
 Argument Hex(uint64_t number);
 
-// A vendor function makes one Call, asks for the answer, hands over what it has to and returns the
-// result:
+// A vendor function makes one Call, asks for the answer, writes its output and returns the result:
 //
 //   int16_t dc_cpuapdu(int32_t handle, uint8_t length, const uint8_t* command,
 //                      uint32_t* replyLength, uint8_t* reply) {
@@ -60,26 +59,26 @@ class Call {
   Call(const char* function, std::initializer_list<Argument> arguments);
   Call(const Call&) = delete;
   Call& operator=(const Call&) = delete;
-  ~Call();  // writes the line
+  ~Call();  // writes the line into the journal
 
-  // One more argument.
+  // Adds an argument.
   Call& With(const Argument& argument);
 
-  // The next prepared answer for this function, else what the simulated device says.
+  // The next prepared answer for this function; without one, the result of `device`.
   Answer Ask(const std::function<Answer()>& device);
 
   // Whether Ask found a prepared answer.
   bool Prepared() const { return prepared_; }
 
-  // Copies the answer's data to area, at most size octets, and notes them. The result is the length
-  // to report.
+  // Copies at most size octets of the answer's data to area, and notes them in the journal. Gives
+  // the length to report.
   int64_t Write(const Answer& answer, void* area, size_t size);
 
-  // Notes what was written to an area by other means.
+  // Notes in the journal what was written to an area by other means.
   void Wrote(const Argument& value);
 
-  // The answer's result in the function's own type. The journal shows it in decimal, or with
-  // ReturnHex in hexadecimal.
+  // The answer's result in the function's own type. The journal shows it in decimal; ReturnHex
+  // shows it in hexadecimal.
   template <std::integral Result>
   Result Return(const Answer& answer) {
     const auto result = static_cast<Result>(answer.result);
@@ -101,7 +100,7 @@ class Call {
   std::string written_;
 };
 
-// Forgets the journal, the prepared answers and whom to call back.
+// Clears the journal, the prepared answers and the function to call back.
 void ForgetCalls();
 
 }  // namespace simulator

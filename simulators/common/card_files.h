@@ -1,12 +1,12 @@
 #pragma once
 
-// The files of the virtual card and what stands in them when it is new.
+// The files of the virtual card and their content on a new card.
 
 #include "common/octets.h"
 
 namespace simulator {
 
-// Who may write a transparent EF: the cardholder with the PIN, the issuer with its keys.
+// Who may write a transparent EF: the cardholder after the PIN, the issuer with its keys.
 enum class Writer { kNobody, kCardholder, kIssuer };
 
 // An elementary file (EF): either records or one transparent string of octets.
@@ -14,7 +14,7 @@ struct ElementaryFile {
   uint16_t identifier;
   uint8_t shortIdentifier;
   std::vector<Octets> records;  // empty in a transparent EF
-  Octets content;               // of a transparent EF
+  Octets content;               // only in a transparent EF
   Writer writer = Writer::kNobody;
 
   bool IsTransparent() const { return records.empty(); }
@@ -25,17 +25,17 @@ struct ElementaryFile {
 struct DedicatedFile {
   uint16_t identifier;
   Octets name;                // the AID of an application
-  Octets controlInformation;  // FCI, a template 6F
-  Octets processingOptions;   // answer to GET PROCESSING OPTIONS; empty: there is none
+  Octets controlInformation;  // FCI, in a template 6F
+  Octets processingOptions;   // the answer to GET PROCESSING OPTIONS; empty: none
   std::vector<ElementaryFile> files;
 };
 
 constexpr uint16_t kMasterFile = 0x3F00;
 
-// The card's own keys are derived from its serial number and the issuer's master keys: one to
-// authenticate with, one for MACs. Everybody knows these master keys; they guard nothing.
+// The card's keys are derived from its serial number and the issuer's master keys: one to
+// authenticate with, one for MACs. These master keys are public and protect nothing.
 const Octets& SerialNumber();
-// Of the cards that are made from now on.
+// For the cards that are made from now on.
 void SetSerialNumber(std::string_view digits);
 constexpr std::string_view kFirstSerialNumber = "8099990000000042";
 const Octets& AuthenticationMasterKey();  // 40 41 42 ... 4F
@@ -52,7 +52,7 @@ const Octets& MacMasterKey();             // 50 51 52 ... 5F
 //       0105  SFI 5  transparent, 64 octets of notes: the cardholder writes them
 //       0106  SFI 6  transparent, 16 octets of limits: the issuer writes them
 //
-// Anybody reads.
+// Anybody may read every file.
 std::vector<DedicatedFile> NewFiles();
 
 }  // namespace simulator

@@ -17,7 +17,7 @@
 namespace simulator {
 namespace {
 
-std::unique_ptr<SmartCard> card;       // null until it is asked for
+std::unique_ptr<SmartCard> card;       // null until it is needed
 std::shared_ptr<const Replay> replay;  // null for the virtual card
 bool replayChosen = false;
 
@@ -30,7 +30,7 @@ std::string TextOf(const std::filesystem::path& path) {
   return {text.begin(), text.end()};
 }
 
-// The empty text, or why there is no such recording.
+// Gives the empty text, or why the recording cannot be used.
 std::string Load(const std::filesystem::path& file, bool anyOrder, std::string name) {
   try {
     replay = std::make_shared<Replay>(
@@ -42,7 +42,7 @@ std::string Load(const std::filesystem::path& file, bool anyOrder, std::string n
   }
 }
 
-// Without a recording that can be read no card is in the reader: another one is not what was asked
+// If the recording cannot be read, the reader stays empty: the virtual card is not what was asked
 // for.
 void LoadFromEnvironment() {
   if (std::exchange(replayChosen, true)) return;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The simulated device of a module: one card that can be pulled out and put back.
+// The simulated device of a module: one card that can be removed and inserted.
 
 #include <string>
 #include <vector>
@@ -9,20 +9,19 @@
 
 namespace simulator {
 
-// The card of this module, whether it is in or out: the virtual one, or a recording that is
-// replayed.
+// The card of this module, inserted or not: the virtual card, or a replayed recording.
 SmartCard& Card();
 
 bool CardPresent();
 
-// How often the card went in or out since the start.
+// How often the card was removed or inserted since the start.
 uint32_t CardMovements();
 
-// The PC/SC readers that a recording names; none where none is replayed.
+// The PC/SC readers that the replayed recording names; empty if none is replayed.
 std::vector<std::string> RecordedReaders();
 
-// Has SimulatorRestart call restore as well. A module with state of its own keeps one of these in a
-// variable.
+// Makes SimulatorRestart call `restore` too. A module with state of its own has one variable of
+// this type.
 struct AtRestart {
   explicit AtRestart(void (*restore)());
 };

@@ -12,8 +12,8 @@ namespace simulator {
 
 using Octets = std::vector<uint8_t>;
 
-// Reads hexadecimal text in either case, blanks skipped, up to the first other character. An odd
-// last digit does not count.
+// Reads hexadecimal text in either case, skips blanks, and ends at the first other character. An
+// odd last digit is dropped.
 Octets FromHex(std::string_view text);
 
 // Upper-case digits without blanks.

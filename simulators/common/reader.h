@@ -1,6 +1,6 @@
 #pragma once
 
-// What the simulated readers share: the card in front of them, and the connections they have open.
+// What the simulated readers share: the card in front of them and their open connections.
 
 #include <map>
 #include <optional>
@@ -10,20 +10,20 @@
 
 namespace simulator {
 
-// The areas that callers bring for replies and answers to reset hold this many octets.
+// The size in octets of the callers' areas for replies and answers to reset.
 constexpr size_t kAreaSize = 256;
 
-// The card's response, its status word at the end. Nothing if no card is there, if there is no
-// command, or if the response has more octets than room.
+// The card's response with its status word at the end. Empty if there is no card or no command, if
+// the card is mute, or if the response has more octets than room.
 std::optional<Octets> AskCard(const uint8_t* command, int64_t length, size_t room = kAreaSize);
 
-// Resets the card and gives its ATR; nothing if no card is there.
+// Resets the card and gives its ATR; empty if there is no card.
 std::optional<Octets> ResetCard();
 
 // The last two octets of a response.
 uint16_t StatusWord(const Octets& response);
 
-// Copies the answer's data to the area, and reports its length.
+// Copies the answer's data to the area and reports its length.
 template <std::integral Length>
 void HandOver(Call& call, const Answer& answer, void* area, Length* length,
               size_t size = kAreaSize) {
@@ -31,22 +31,22 @@ void HandOver(Call& call, const Answer& answer, void* area, Length* length,
   if (length) *length = static_cast<Length>(reported);
 }
 
-// The body of a function that the library is known to have and that nobody calls.
+// The body of a function that exists in the library but that nobody calls.
 int32_t NotSimulated(const char* function);
 
-// Connections that are open, by their handles. These count up from the first one.
+// The open connections by their handles, which count up from the first one.
 class Handles {
  public:
   explicit Handles(int32_t first) : first_(first), next_(first) {}
 
-  // A connection to the reader of this number.
+  // Opens a connection to the reader of this number and gives its handle.
   int32_t Open(int32_t reader);
   // False if there is no such connection.
   bool Close(int64_t handle) { return readers_.erase(handle) != 0; }
-  // The reader's number; nothing if there is no such connection.
+  // The reader's number; empty if there is no such connection.
   std::optional<int32_t> Reader(int64_t handle) const;
   bool Knows(int64_t handle) const { return readers_.contains(handle); }
-  // The next handle is the first one again.
+  // Closes all; the next handle is the first one again.
   void Forget();
 
  private:

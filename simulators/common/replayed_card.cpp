@@ -44,7 +44,7 @@ Octets ReplayedCard::Atr() const {
   return atr != nullptr ? FromHex(*atr) : Octets();
 }
 
-// The event that answers the command; the number of events if none does. Moves nothing.
+// The event that answers the command; the number of events if there is none. Changes nothing.
 size_t ReplayedCard::Find(const std::string& digits) const {
   const std::vector<RecordedEvent>& events = replay_->recording.events;
   for (size_t at = next_; at < events.size(); ++at) {

@@ -9,27 +9,27 @@
 
 namespace simulator {
 
-// What a recorded card does, and how strictly its commands are taken.
+// What a recorded card answers, and in which order it takes commands.
 struct Replay {
   recordings::Recording recording;
-  bool anyOrder = false;  // a command that is recorded later may come earlier
-  std::string name;       // of the file, for messages; empty where nobody is to be told
+  bool anyOrder = false;  // a command that was recorded later may come earlier
+  std::string name;       // of the file, for messages; empty: no messages
 };
 
-// A card that gives the recorded responses to the recorded commands. One that is not the next of
-// them gets 6F00, and the next one stays expected; the first one that comes so is noted.
+// A card that gives the recorded responses to the recorded commands. A command that is not the
+// expected one gets 6F00; the expected one stays the same, and the first such difference is noted.
 class ReplayedCard : public SmartCard {
  public:
   explicit ReplayedCard(std::shared_ptr<const Replay> replay);
 
-  // What is recorded last before the command that is expected, else first.
+  // The ATR that was recorded last before the expected command; else the first one behind it.
   Octets Atr() const override;
   void Reset() override {}
   Octets Transmit(std::span<const uint8_t> command) override;
   uint32_t FailureCode() const override { return failureCode_; }
 
-  // The line that was expected when another command came for the first time; the one behind the
-  // last where all had come. 0 if none has.
+  // The line that was expected when another command came for the first time; the line after the
+  // last one if all were played. 0 if no such command came.
   size_t DifferedAt() const { return differedAt_; }
 
  private:

@@ -12,7 +12,7 @@ namespace simulator {
 Octets Tlv(uint32_t tag, const Octets& value);
 Octets Tlv(uint32_t tag, std::string_view hexadecimalValue);
 
-// A constructed data object out of the data objects in it.
+// A constructed data object that holds these data objects.
 Octets Tlv(uint32_t tag, std::initializer_list<Octets> parts);
 
 }  // namespace simulator

@@ -48,10 +48,10 @@ uint16_t WithCount(uint16_t word, size_t count) {
   return static_cast<uint16_t>(word | (count & 0xFF));
 }
 
-// What a command may or must bring in its data field. Where it is optional, P3 is its length.
+// What a command has in its data field. If the field is optional, P3 is its length.
 enum class DataField { kNone, kNeeded, kOptional };
 
-// A PIN block of format 2: 2, the number of digits (4 to 12), the digits, F to the end.
+// A PIN block of format 2: 2, the number of digits (4 to 12), the digits, then F to the end.
 bool IsPinBlock(const Octets& block) {
   const std::string nibbles = ToHex(block);
   const size_t digits = block[0] & 0x0F;
@@ -60,7 +60,7 @@ bool IsPinBlock(const Octets& block) {
   return filler == 2 + digits && nibbles.find_first_not_of('F', filler) == std::string::npos;
 }
 
-// How long a command takes, by ORVANE_CARD_TIME.
+// How long a command takes: ORVANE_CARD_TIME, in microseconds.
 std::chrono::microseconds CommandTime() {
   static const char* const text = std::getenv("ORVANE_CARD_TIME");
   static const std::chrono::microseconds time(text != nullptr ? std::atoi(text) : 0);
@@ -74,19 +74,19 @@ struct VirtualCard::Command {
   size_t expected;  // Le where there is no data, 1 to 256
   Octets data;
 
-  // Nothing if the octets are no command APDU of the card's protocol.
+  // Empty if the octets are no command APDU of T=0.
   static std::optional<Command> Read(std::span<const uint8_t> octets) {
     constexpr size_t kHeader = 4;
     if (octets.size() < kHeader) return std::nullopt;
     Command command{octets[0], octets[1], octets[2], octets[3], kAll, {}};
-    if (octets.size() == kHeader) return command;  // T=0 sends it with P3 00
+    if (octets.size() == kHeader) return command;  // T=0 sends P3 00
     const size_t p3 = octets[kHeader];
     const auto body = octets.subspan(kHeader + 1);
     if (body.empty()) {
       if (p3 != 0) command.expected = p3;
       return command;
     }
-    // P3 00 before data would begin an extended length, which T=0 does not carry.
+    // P3 00 before data would begin an extended length, which T=0 does not have.
     if (p3 == 0 || body.size() < p3 || body.size() > p3 + 1) return std::nullopt;
     command.data.assign(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(p3));
     return command;
@@ -107,13 +107,13 @@ struct VirtualCard::Response {
   Response(uint16_t word) : statusWord(word) {}
   Response(Octets octets) : data(std::move(octets)), statusWord(kDone) {}
 
-  // What a command gets of a unit that it has to name the length of exactly, such as a record.
+  // The answer with a unit that must be read whole, such as a record.
   static Response Whole(const Octets& unit, size_t expected) {
     if (expected == kAll || expected == unit.size()) return unit;
     return WithCount(kExactLength, unit.size());
   }
 
-  // What a command gets of data that it may read in parts.
+  // The answer with data that may be read in parts.
   static Response Part(std::span<const uint8_t> there, size_t expected) {
     if (expected != kAll && expected > there.size()) return WithCount(kExactLength, there.size());
     const auto part = there.first(std::min(expected, there.size()));
@@ -159,8 +159,8 @@ VirtualCard::Response VirtualCard::Run(const Command& command) {
 
 VirtualCard::VirtualCard() : files_(NewFiles()), triesLeft_(kTries) {}
 
-// T=0 alone, so that there is no check octet. Historical bytes: applications are selected by their
-// full name, and the card's maker.
+// T=0 alone, so no check octet. The historical bytes: applications are selected by their full name;
+// the card's maker.
 std::vector<uint8_t> VirtualCard::Atr() const {
   return FromHex("3B 6A 00 00 80 31 80 66 4F5256414E45");
 }
@@ -203,7 +203,7 @@ VirtualCard::Response VirtualCard::SelectByName(const Command& command) {
   return kFileNotFound;
 }
 
-// No identifier at all means the master file.
+// Without an identifier it selects the master file.
 VirtualCard::Response VirtualCard::SelectByIdentifier(const Command& command) {
   if (!command.data.empty() && command.data.size() != 2) return kWrongLength;
   const int identifier =
@@ -221,7 +221,7 @@ VirtualCard::Response VirtualCard::SelectByIdentifier(const Command& command) {
   return kFileNotFound;
 }
 
-// Whoever enters a directory, be it the same one, has to verify and authenticate anew.
+// Entering a directory, even the current one, ends verification and authentication.
 void VirtualCard::EnterDirectory(size_t directory) {
   directory_ = directory;
   file_.reset();
@@ -239,8 +239,8 @@ bool VirtualCard::EnterFile(uint8_t shortIdentifier) {
   return false;
 }
 
-// P1 with its first bit set names a file of the current directory and P2 is the offset; else P1 and
-// P2 are the offset in the current file.
+// If the first bit of P1 is set, P1 names a file of the current directory and P2 is the offset.
+// Otherwise P1 and P2 are the offset in the current file.
 uint16_t VirtualCard::LocateBinary(const Command& command, size_t& offset) {
   if (command.p1 & 0x80) {
     if (command.p1 & 0x60) return kWrongParameters;
@@ -297,7 +297,7 @@ VirtualCard::Response VirtualCard::Write(const Command& command, bool underMac) 
   return kDone;
 }
 
-// P2 is the short identifier of the file, 0 for the current one, and 100 for "record P1".
+// P2 is the short identifier of the file, or 0 for the current one, then 100 for "record P1".
 VirtualCard::Response VirtualCard::ReadRecord(const Command& command) {
   const uint8_t shortIdentifier = command.p2 >> 3;
   if ((command.p2 & 0x07) != 0x04) return kWrongParameters;
@@ -317,7 +317,7 @@ VirtualCard::Response VirtualCard::GetChallenge(const Command& command) {
   return challenge;
 }
 
-// The challenge if it is one that cryptograms can be made of.
+// Uses the challenge up. Empty unless it has the size that cryptograms need.
 Octets VirtualCard::TakeChallenge() {
   const Octets challenge = std::exchange(challenge_, {});
   return challenge.size() == kChallengeSize ? challenge : Octets();
@@ -334,7 +334,7 @@ VirtualCard::Response VirtualCard::ExternalAuthenticate(const Command& command) 
   return authenticated_ ? kDone : kNotAuthentic;
 }
 
-// Without data it only asks: 9000 when there is nothing to verify any more, else the tries left.
+// Without data it only asks: 9000 if the PIN is verified, else the tries left.
 VirtualCard::Response VirtualCard::Verify(const Command& command) {
   constexpr uint8_t kPinOfTheApplication = 0x80;
   if (command.p1 != 0 || command.p2 != kPinOfTheApplication) return kWrongParameters;
@@ -362,7 +362,7 @@ VirtualCard::Response VirtualCard::GetResponse(const Command& command) {
   return response;
 }
 
-// The data is what the FCI's 9F38 asks for, in a template 83: a country and a currency.
+// The data is what 9F38 in the FCI asks for, in a template 83: a country and a currency.
 VirtualCard::Response VirtualCard::GetProcessingOptions(const Command& command) {
   constexpr size_t kAskedFor = 4;
   if (command.p1 != 0 || command.p2 != 0) return kWrongParameters;

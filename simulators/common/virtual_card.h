@@ -1,6 +1,6 @@
 #pragma once
 
-// A small contact card with T=0 (ISO/IEC 7816-3 and 7816-4): no hardware is needed to try commands.
+// A small contact card with T=0 (ISO/IEC 7816-3 and 7816-4), to try commands without hardware.
 
 #include <optional>
 #include <random>
@@ -10,27 +10,26 @@
 
 namespace simulator {
 
-// Every new card is the same: the files of NewFiles, the PIN 1234 with three tries, and the same
+// All new cards are equal: the files of NewFiles, the PIN 1234 with three tries, and the same
 // sequence of challenges.
 //
-// It answers as a card with T=0 does. A command APDU has a header of four octets and then nothing,
-// P3 = Le, P3 = Lc with that many octets, or these and Le; other forms get 6700. A response to a
-// command that brought data waits for GET RESPONSE (61xx); any other command drops it. Reading with
-// Le 00 gives all there is, and too large an Le is corrected (6Cxx).
+// The card answers as T=0 requires. A command APDU is a header of four octets, followed by nothing,
+// by P3 = Le, by P3 = Lc and that many octets, or by these and Le. Other forms get 6700. The
+// response to a command with data waits for GET RESPONSE (61xx); any other command drops it. Le 00
+// reads all there is; too large an Le gets 6Cxx with the right one.
 //
 // The issuer authenticates with EXTERNAL AUTHENTICATE: the last challenge, encrypted with the
-// card's authentication key. It then writes with UPDATE BINARY in class 04, where four octets of a
-// MAC stand behind the data. The MAC goes over header, Lc (which counts the MAC as well) and data,
-// and has the last challenge as its starting value. Either command takes a challenge of eight
-// octets and uses it up, be it right or wrong; a wrong MAC ends the authentication.
+// card's authentication key. It then writes with UPDATE BINARY in class 04, with four octets of a
+// MAC behind the data. The MAC covers header, Lc (which counts the MAC too) and data; its first
+// chaining value is the last challenge. Each of the two commands needs a challenge of eight octets
+// and uses it up, right or wrong. A wrong MAC ends the authentication.
 class VirtualCard : public SmartCard {
  public:
   VirtualCard();
 
   Octets Atr() const override;
 
-  // Forgets what was selected, verified or waiting. What was written stays, and so does the number
-  // of tries.
+  // Forgets what was selected, verified or waiting. Written data and the number of tries stay.
   void Reset() override;
 
   // At most 258 octets.
@@ -63,13 +62,13 @@ class VirtualCard : public SmartCard {
   ElementaryFile& CurrentFile() { return files_[directory_].files[*file_]; }
 
   std::vector<DedicatedFile> files_;
-  size_t directory_ = 0;        // current DF, a place in files_
-  std::optional<size_t> file_;  // current EF, a place in that DF
+  size_t directory_ = 0;        // current DF, an index into files_
+  std::optional<size_t> file_;  // current EF, an index into that DF's files
   bool verified_ = false;       // the cardholder, with the PIN
   bool authenticated_ = false;  // the issuer, with its key
-  Octets challenge_;            // empty when it has been used
+  Octets challenge_;            // empty after use
   int triesLeft_;
-  Octets waiting_;  // for GET RESPONSE
+  Octets waiting_;  // the data that GET RESPONSE gives
   std::mt19937 random_;
 };
 
