@@ -6,23 +6,23 @@
 
 namespace host {
 
-// A file that grows at its end alone and that one process at a time writes. Systems differ in it.
+// A file that only grows at its end and that one process at a time writes.
 class AppendFile {
  public:
-  // Opens or makes the file, and keeps what is in it. Waits some seconds for a process that writes
-  // it. Throws Failure (kFileFault).
+  // Opens or creates the file and keeps its content. Waits some seconds while another process
+  // writes it. Throws Failure (kFileFault).
   explicit AppendFile(const std::string& name);
   AppendFile(const AppendFile&) = delete;
   AppendFile& operator=(const AppendFile&) = delete;
   ~AppendFile();
 
-  // Cuts the file to its first octets. Throws Failure (kFileFault).
+  // Keeps the first `size` octets and cuts the rest. Throws Failure (kFileFault).
   void Cut(size_t size);
 
   // Throws Failure (kFileFault).
   void Append(std::string_view text);
 
-  // Has what was appended outlive a power cut. Throws Failure (kFileFault).
+  // What was appended then survives a power cut. Throws Failure (kFileFault).
   void Flush();
 
  private:

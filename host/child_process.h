@@ -6,21 +6,21 @@
 
 namespace host {
 
-// Another process of this program, with a pipe to its standard input and one from its standard
-// output. Ctrl-C does not reach it. Both differ between systems.
+// Another process of this program, with pipes to its standard input and from its standard output.
+// Ctrl-C does not reach it.
 class ChildProcess {
  public:
-  // Throws Failure (kReaderFault) if it can't be started.
+  // Throws Failure (kReaderFault) if it cannot be started.
   explicit ChildProcess(const std::vector<std::string>& arguments);
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
-  // Closes the pipe to it, and waits for its end.
+  // Closes its standard input and waits for its end.
   ~ChildProcess();
 
   int Input() const { return input_; }    // a descriptor to write to
-  int Output() const { return output_; }  // a descriptor to read from, and to close then
+  int Output() const { return output_; }  // a descriptor to read from; the caller closes it
 
-  // Closes the pipe to it, waits for its end, and tells how it ended; empty for exit code 0.
+  // Closes its standard input, waits for its end, and says how it ended; empty for exit code 0.
   std::string WaitForEnd();
 
  private:
@@ -31,8 +31,8 @@ class ChildProcess {
   bool ended_ = false;
 };
 
-// Gives a descriptor of its own for standard output. What anything else in this process writes to
-// standard output goes to standard error from now on.
+// Gives a new descriptor for standard output. From now on, everything else that this process writes
+// to standard output goes to standard error.
 int TakeStandardOutput();
 
 }  // namespace host

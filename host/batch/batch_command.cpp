@@ -28,7 +28,7 @@ void Refuse(bool wrong, const std::string& message) {
   if (wrong) throw Failure(kUsageFault, message);
 }
 
-// Workers have the program's standard input for themselves.
+// A worker gets its orders on standard input, so no file can come from there.
 void CheckCommandLine(const Options& options) {
   const bool stations = !options.batch.jobs.empty();
   Refuse(options.file.empty(), "a script is needed: orvane batch FILE");
@@ -54,7 +54,7 @@ void CheckCommandLine(const Options& options) {
          "a reader");
 }
 
-// A report in the place of another file would destroy it.
+// A report must not overwrite another file of the batch.
 void CheckReport(const Options& options) {
   const auto path = [](const std::string& name) {
     return std::filesystem::path(std::u8string(name.begin(), name.end()));
@@ -123,14 +123,14 @@ class Batch {
     }
   }
 
-  // A card that is in a reader may be one of an earlier run, unless there was none.
+  // True if no row was ever begun: then no card in a reader can be from an earlier run.
   bool IsFresh() {
     const std::vector<RowRecord> records = store_->Records();
     return std::all_of(records.begin(), records.end(),
                        [](const RowRecord& record) { return record.begun.empty(); });
   }
 
-  // Has rows of an earlier run wait again, as far as that is asked for.
+  // Lets rows of an earlier run wait again, or gives them up, as the options ask.
   void Reopen() {
     const std::vector<RowRecord> records = store_->Records();
     const std::vector<size_t> begun = store_->LeftBegun();
@@ -174,7 +174,7 @@ class Batch {
     return supervisor.Run(digest_, fresh);
   }
 
-  // Rows that are begun come to their end also where standard output is gone.
+  // If standard output fails, the rows that are begun still run to their end.
   template <typename Write>
   void Guarded(Supervisor& supervisor, Write write) {
     if (output_) return;

@@ -4,7 +4,7 @@
 
 namespace host {
 
-// Everything that orvane batch does. Gives the exit code.
+// Runs orvane batch. Gives the exit code.
 int RunBatch(const Options& options);
 
 }  // namespace host

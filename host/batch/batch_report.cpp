@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-constexpr size_t kMostOfRate = 50;  // rows that the rate is taken from
+constexpr size_t kMostOfRate = 50;  // the rate is that of the last so many rows
 
 size_t All(const RowCounts& counts) {
   size_t all = 0;
@@ -34,7 +34,7 @@ std::string ShownRate(double perMinute) {
   return text;
 }
 
-// Of the rows that ended last; empty for fewer than two.
+// The rate of the rows that ended last; empty for fewer than two.
 std::string RateOf(const std::vector<RowRecord>& records) {
   std::vector<double> times;
   for (const RowRecord& record : records) {
@@ -138,7 +138,7 @@ void BatchProgress::Show(const RowCounts& counts, const std::vector<Supervisor::
   for (const Supervisor::Reader& reader : readers) {
     text += "  |  " + Printable(reader.name) + ' ' + Printable(reader.doing);
   }
-  // A line that wraps could not be written over.
+  // A line that wraps could not be overwritten.
   const size_t room = OutputWidth() - 1;
   if (text.size() > room) text.resize(room);
   while (!text.empty() && (text.back() & 0x80) != 0) text.pop_back();

@@ -10,19 +10,19 @@
 
 namespace host {
 
-// 3 rows: 2 done, 1 failed
+// For example "3 rows: 2 done, 1 failed".
 std::string Numbers(const RowCounts& counts);
 
-// What is known of a row, in one line.
+// All that is known of a row, in one line.
 std::string DescribeRow(size_t row, const RowRecord& record);
 
-// Counts, rate, the rows that failed and those in the middle.
+// Prints counts, rate, and the rows that failed, were begun or were given up.
 void PrintStatus(std::ostream& out, const std::vector<RowRecord>& records);
 
-// The batch as the page of orvane test shows it, a case a row.
+// The batch as a report for the page of orvane test, one case per row.
 TestReport ReportOf(const std::string& name, const std::vector<RowRecord>& records);
 
-// A line of a terminal that shows how far a batch is.
+// The line of a terminal that shows the progress of a batch.
 class BatchProgress {
  public:
   BatchProgress(std::ostream& out, bool shown) : out_(out), shown_(shown) {}

@@ -10,7 +10,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// The time of the server, which all stations have.
+// The server's time, which is the same for all stations.
 const std::string kNow =
     "to_char(clock_timestamp() AT TIME ZONE 'UTC', 'YYYY-MM-DD\"T\"HH24:MI:SS.MS\"Z\"')";
 constexpr const char* kLocks = "7824";  // the class of the stations' locks
@@ -104,7 +104,7 @@ std::vector<size_t> DatabaseStore::LeftBegun() {
   return rows;
 }
 
-// Another station may have done the same in the meantime, and begun the row.
+// Changes nothing if another station has already done the same and begun the row.
 void DatabaseStore::Put(size_t row, RowState state, const std::string& reason) {
   const auto left = left_.find(row);
   database_.Run("UPDATE orvane_jobs SET state = $2, reason = $3, time = " + kNow +

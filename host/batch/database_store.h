@@ -11,7 +11,7 @@
 namespace host {
 
 // The jobs of a batch in a PostgreSQL database, for several stations. A station holds a lock of the
-// server as long as it is connected: a row that was begun by one without its lock is left.
+// server while it is connected. So a begun row whose station holds no lock is abandoned work.
 class DatabaseStore : public JobStore {
  public:
   // Throws Failure: kFileFault, and kScriptFault for a batch of another script.
@@ -26,7 +26,7 @@ class DatabaseStore : public JobStore {
   std::optional<Job> Begin(const std::string& reader, const std::string& atr) override;
   std::string Identify(size_t row, const std::string& card) override;
   void End(size_t row, RowState state, const std::string& reason) override;
-  void Flush() override {}  // the server has flushed what it has confirmed
+  void Flush() override {}  // the server has flushed what it confirms
 
   static std::vector<RowRecord> RecordsIn(Postgres& database);
 
@@ -34,10 +34,10 @@ class DatabaseStore : public JobStore {
   Postgres database_;
   std::vector<std::string> columns_;
   std::string station_;
-  std::map<size_t, std::string> left_;  // the stations that have left these rows begun
+  std::map<size_t, std::string> left_;  // rows left begun, and their stations
 };
 
-// Makes the tables in a database that has none of them. Throws Failure (kFileFault).
+// Creates and fills the tables in a database that has none of them. Throws Failure (kFileFault).
 void LoadJobs(const std::string& address, const std::string& scriptDigest, const Table& table);
 
 }  // namespace host

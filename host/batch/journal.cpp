@@ -23,7 +23,7 @@ constexpr std::string_view kBeginning = "{\"row\":";  // of every line
 
 std::string Checksum(std::string_view text) { return Sha256(text).substr(0, kChecksumDigits); }
 
-// None if the line is damaged.
+// Empty if the line is damaged.
 std::optional<Json> ReadLine(std::string_view line) {
   constexpr size_t kTail = kBeforeChecksum.size() + kChecksumDigits + kBehindChecksum.size();
   if (line.size() < kTail) return std::nullopt;
@@ -74,7 +74,7 @@ Journal ReadJournal(const std::string& file) {
   Journal journal;
   for (size_t number = 1; journal.whole < text.size(); ++number) {
     const size_t end = text.find('\n', journal.whole);
-    // A power cut may also leave zeros in the place of what was being written.
+    // After a power cut zeros may stand in the place of the octets that were being written.
     if (end == text.npos || text[journal.whole] == '\0') break;
     const auto line = std::string_view(text).substr(journal.whole, end - journal.whole);
     try {

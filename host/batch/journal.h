@@ -9,41 +9,40 @@
 
 namespace host {
 
-// What a journal belongs to.
+// The batch that a journal belongs to.
 struct BatchIdentity {
   std::string script, table;  // digests
   size_t rows = 0;
 };
 
-// A line of a journal: a row's new state, or what has become known of a row that is begun.
+// A line of a journal: a row's new state, or news of a begun row.
 struct JournalEntry {
   size_t row = 0;
   RowState state = RowState::kWaiting;
-  std::string time = {}, reader = {}, atr = {}, card = {}, reason = {};  // empty: not told
+  std::string time = {}, reader = {}, atr = {}, card = {}, reason = {};  // empty: no news
 };
 
-// A journal is a text to which lines are added, each of them a JSON object. The first line also has
-// what the journal belongs to. The last member of each is the checksum, the first digits of the
-// SHA-256 of what stands before it in the line.
+// A journal is a text that only grows, one JSON object per line. The first line also names the
+// batch. The last member of each line is its checksum: the first digits of the SHA-256 of the line
+// up to there.
 struct Journal {
-  std::optional<BatchIdentity> batch;  // none: nothing is in it
+  std::optional<BatchIdentity> batch;  // none: the journal is empty
   std::vector<JournalEntry> entries;
-  // How many octets are whole lines. A line without an end is one whose writing was cut off: what
-  // it tells never counted.
+  // The number of octets in whole lines. A line without its end was cut off while it was written;
+  // its news never counted.
   size_t whole = 0;
 };
 
-// A file that is not there is an empty journal. Throws Failure (kFileFault) also for a line that is
-// damaged.
+// A missing file is an empty journal. Throws Failure (kFileFault), also for a damaged line.
 Journal ReadJournal(const std::string& file);
 
-// With the line feed behind it.
+// The line with its line feed.
 std::string JournalLine(const JournalEntry& entry, const BatchIdentity* batch = nullptr);
 
-// The rows behind all entries.
+// The rows after all entries.
 std::vector<RowRecord> RecordsOf(const Journal& journal);
 
-// Changes a record as the entry says.
+// Applies an entry to a record.
 void Apply(const JournalEntry& entry, RowRecord& record);
 
 }  // namespace host

@@ -12,11 +12,11 @@
 
 namespace host {
 
-// A table, and a journal of what became of its rows.
+// The jobs of a batch in a table, and a journal of their states.
 class JournalStore : public JobStore {
  public:
-  // Makes the journal, or goes on with one that is there. Throws Failure: kFileFault, and
-  // kScriptFault for a journal of another script or table.
+  // Creates the journal, or continues an existing one. Throws Failure: kFileFault, and kScriptFault
+  // for a journal of another script or table.
   JournalStore(const Table& table, const std::string& scriptDigest, const std::string& file);
 
   const std::vector<std::string>& Columns() const override { return table_.columns; }
@@ -37,7 +37,7 @@ class JournalStore : public JobStore {
   std::vector<RowRecord> records_;
   RowCounts counts_;
   std::set<size_t> waiting_;
-  std::map<std::string, size_t> cards_;  // the rows that they belong to
+  std::map<std::string, size_t> cards_;  // the row of each card
   bool flushed_ = true;
 };
 

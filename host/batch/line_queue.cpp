@@ -35,7 +35,7 @@ void LineQueue::Read(int descriptor, size_t from) {
 std::optional<LineQueue::Line> LineQueue::Next(std::chrono::milliseconds patience) {
   std::unique_lock lock(shared_->mutex);
   const auto has = [this] { return !shared_->lines.empty(); };
-  // A look that waits for nothing takes no call of the system.
+  // Without patience this makes no system call.
   if (!has() && (patience.count() == 0 || !shared_->news.wait_for(lock, patience, has))) {
     return std::nullopt;
   }

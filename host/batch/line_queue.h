@@ -12,22 +12,22 @@
 
 namespace host {
 
-// Lines that come through pipes, in the order in which they come.
+// Lines from several pipes, in the order of their arrival.
 class LineQueue {
  public:
   struct Line {
-    size_t from;                      // as Read was told
+    size_t from;                      // as given to Read
     std::optional<std::string> text;  // none at the pipe's end
   };
 
-  // Reads a descriptor up to its end, in a thread of its own, and closes it.
+  // Reads a descriptor to its end, in a thread of its own, and closes it.
   void Read(int descriptor, size_t from);
 
-  // Waits for the next line; none if it takes longer.
+  // Waits for the next line; none after this time.
   std::optional<Line> Next(std::chrono::milliseconds patience);
 
  private:
-  // The threads outlive the queue.
+  // Shared with the threads, which outlive the queue.
   struct Shared {
     std::mutex mutex;
     std::condition_variable news;
@@ -38,7 +38,7 @@ class LineQueue {
   std::shared_ptr<Shared> shared_ = std::make_shared<Shared>();
 };
 
-// False if nobody reads it.
+// False if the reading end is closed.
 bool WriteLine(int descriptor, std::string_view text);
 
 }  // namespace host

@@ -8,7 +8,7 @@
 namespace host {
 namespace {
 
-// libpq's functions, which are the same since its version 5.
+// libpq's functions; they are the same since its version 5.
 struct Library {
   void* module = nullptr;
   void* (*connect)(const char*) = nullptr;
@@ -60,7 +60,7 @@ const Library& Libpq() {
 [[noreturn]] void Fail(const void* connection) {
   std::string text = Libpq().message(connection);
   while (text.ends_with('\n')) text.pop_back();
-  std::replace(text.begin(), text.end(), '\t', ' ');  // before a hint, which has a line of its own
+  std::replace(text.begin(), text.end(), '\t', ' ');  // a hint follows on its own line
   throw Failure(kFileFault, "the database: " + text);
 }
 

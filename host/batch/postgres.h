@@ -6,20 +6,20 @@
 
 namespace host {
 
-// A connection to a PostgreSQL server, by libpq, which is loaded where it is there. Everything
-// throws Failure (kFileFault).
+// A connection to a PostgreSQL server through libpq, which is loaded at run time. All functions
+// throw Failure (kFileFault).
 class Postgres {
  public:
-  // Texts; none for null.
+  // The values as texts; none means null.
   using Row = std::vector<std::optional<std::string>>;
 
-  // As libpq takes it: postgresql://user@host/database or a list of keyword=value.
+  // The address in libpq's forms: postgresql://user@host/database, or a list of keyword=value.
   explicit Postgres(const std::string& address);
   Postgres(const Postgres&) = delete;
   Postgres& operator=(const Postgres&) = delete;
   ~Postgres();
 
-  // Runs one statement with $1, $2, ... and gives the rows that it gives.
+  // Runs one statement with the values of $1, $2, ... and gives its rows.
   std::vector<Row> Run(const std::string& statement, const Row& values = {});
 
  private:

@@ -34,7 +34,7 @@ int Supervisor::Run(const std::string& scriptDigest, bool fresh) {
   for (const auto& worker : workers_) WriteLine(worker->process->Input(), begin.dump());
   const auto alive = [](const auto& worker) { return !worker->ended; };
   while (std::any_of(workers_.begin(), workers_.end(), alive)) {
-    // What has come together is flushed together.
+    // One flush serves all lines that have come so far.
     std::optional<LineQueue::Line> line = lines_.Next(kBetweenLooks);
     for (; line; line = lines_.Next(std::chrono::milliseconds(0))) Take(*line);
     HeedInterrupts();
@@ -109,8 +109,8 @@ void Supervisor::Died(Worker& worker) {
   hooks_.ended(row, RowState::kBegun, reason);
 }
 
-// A worker with a card gets the next row. Where none waits it is kept as long as one that is worked
-// on may come back.
+// Gives the next row to each worker with a card. If no row waits, a worker is kept as long as a row
+// is worked on: that row may come back.
 void Supervisor::HandOut() {
   bool none = false;
   for (const auto& worker : workers_) {

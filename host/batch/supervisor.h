@@ -13,17 +13,17 @@
 
 namespace host {
 
-// Runs the workers of a batch, one a reader, and is the only one who writes to the store.
+// Runs the workers of a batch, one per reader. Only the supervisor writes to the store.
 class Supervisor {
  public:
   struct Reader {
     std::string name;
     std::string doing;          // for people
-    std::optional<size_t> row;  // that it works on
+    std::optional<size_t> row;  // the row that it works on
   };
   struct Hooks {
-    std::function<void(const std::string&)> tell;          // a line for people
-    std::function<void(const std::vector<Reader>&)> show;  // some times a second
+    std::function<void(const std::string&)> tell;          // prints a line for people
+    std::function<void(const std::vector<Reader>&)> show;  // called a few times a second
     std::function<void(size_t row, RowState, const std::string& reason)> ended;
   };
 
@@ -32,12 +32,12 @@ class Supervisor {
   // Starts a worker process with these arguments.
   void Start(const std::string& reader, const std::vector<std::string>& arguments);
 
-  // Runs until no row waits and none is worked on, or all workers have ended. Gives the exit code:
-  // 0; 4 or 5 after trouble of a worker; 130 after Ctrl-C. Throws Failure (kFileFault) if the store
-  // can't be written; the workers halt then.
+  // Runs until no row waits and none is worked on, or until all workers have ended. Gives the exit
+  // code: 0; 4 or 5 after a worker's trouble; 130 after Ctrl-C. Throws Failure (kFileFault) if the
+  // store cannot be written; then the workers halt.
   int Run(const std::string& scriptDigest, bool fresh);
 
-  // Has no more rows begun.
+  // Begins no more rows.
   void Finish();
 
  private:
@@ -62,7 +62,7 @@ class Supervisor {
   JobStore& store_;
   Hooks hooks_;
   std::vector<std::unique_ptr<Worker>> workers_;
-  std::vector<std::pair<Worker*, std::string>> answers_;  // once the store is flushed
+  std::vector<std::pair<Worker*, std::string>> answers_;  // sent when the store is flushed
   LineQueue lines_;
   int interrupts_ = 0;
   int code_ = 0;

@@ -8,9 +8,9 @@
 
 namespace host {
 
-// Throws ScriptFailure with what is wrong with rows, in the order of the table: values that are
-// missing where the script reads them, the same key twice, and what orvane check finds in the
-// script with the row's values. An empty key is the first column.
+// Throws ScriptFailure with the faults of the rows, in the table's order: missing values that the
+// script reads, a key that occurs twice, and the errors that orvane check finds in the script with
+// the row's values. An empty `key` means the first column.
 void CheckTable(const Table& table, const Script& script, const Options& options,
                 const std::string& key);
 

@@ -38,7 +38,7 @@ constexpr milliseconds kBetweenLooks{200};
 constexpr milliseconds kForever{1'000'000'000};
 constexpr std::string_view kCardName = "%CARD_ID";
 
-// The supervisor, as a worker sees it.
+// The supervisor from a worker's point of view.
 class Orders {
  public:
   Orders() : output_(TakeStandardOutput()) { lines_.Read(0, 0); }
@@ -48,7 +48,7 @@ class Orders {
     if (!WriteLine(output_, text)) stops_ = halts_ = true;
   }
 
-  // The answer to what was told; none if the worker has to stop. A row comes to its end first.
+  // Waits for the answer to a message; none if the worker must stop. In a row only a halt stops it.
   std::optional<Json> Await(bool inRow) {
     while (!halts_ && (inRow || !stops_)) {
       if (std::optional<Json> answer = Next(kForever)) return answer;
@@ -56,7 +56,7 @@ class Orders {
     return std::nullopt;
   }
 
-  // Both take note of what has come, and expect no answer.
+  // Both read what has come. They must not be called while an answer is expected.
   bool Stops(milliseconds patience = milliseconds(0)) {
     if (!stops_) Next(patience);
     return stops_;
@@ -84,7 +84,7 @@ class Orders {
   bool halts_ = false;
 };
 
-// Ends a row without a verdict on it.
+// Ends a row without a result.
 struct Halted {};
 struct Refused {
   std::string why;
@@ -97,7 +97,7 @@ std::string FreshSerialNumber() {
   return digits;
 }
 
-// All that lives as long as one card is worked on.
+// Everything that lives as long as the work on one card.
 class CardWork {
  public:
   CardWork(const Options& options, std::vector<ExchangeListener*> listeners)
@@ -111,7 +111,7 @@ class CardWork {
 
   std::string Reader() const { return Printable(options_.reader); }
 
-  // The ATR; none if no card answers, with the reason.
+  // The ATR. If no card answers, none, and `why` is the reason.
   std::optional<std::string> Look(std::string& why) {
     try {
       session_.ResetCard();
@@ -132,8 +132,8 @@ class CardWork {
     if (options_.simulate) FeedSimulator(readers_.CurrentKind(), FreshSerialNumber());
   }
 
-  // Shows what the row does in a file of --log-dir, if there is one, behind what earlier tries have
-  // shown there.
+  // Opens the row's log in the folder of --log-dir, if there is one, behind the log of earlier
+  // tries.
   void OpenLog(size_t row) {
     const std::string& folder = options_.batch.logFolder;
     if (folder.empty()) return;
@@ -151,7 +151,7 @@ class CardWork {
     if (!written || !log_) FailLog();
   }
 
-  // Goes through the script. Throws Failure, Halted and Refused.
+  // Runs the script. Throws Failure, Halted and Refused.
   void Run(const Script& script, const std::vector<std::pair<std::string, std::string>>& variables,
            Orders& orders) {
     trace_.Heading(Reader());
@@ -200,7 +200,7 @@ class CardWork {
   Readers readers_;
   Secrets secrets_;
   std::ofstream log_;
-  std::ostream out_;  // shows nothing until there is a log
+  std::ostream out_;  // shows nothing until a log is open
   Trace trace_;
   Session session_;
 };
@@ -256,7 +256,7 @@ class Worker {
 
   void Waits(const std::string& what) { orders_.Tell({{"tell", "waits"}, {"for", what}}); }
 
-  // False if the worker has to stop.
+  // False if the worker must stop.
   bool WorkOn(CardWork& card) {
     const std::optional<std::string> atr = AwaitCard(card);
     if (!atr) return false;
@@ -283,7 +283,7 @@ class Worker {
     return std::nullopt;
   }
 
-  // False if the worker has to stop.
+  // False if the worker must stop.
   bool AwaitNoCard(CardWork& card) {
     if (options_.simulate || options_.batch.noWait) return true;
     const auto begin = steady_clock::now();
@@ -299,8 +299,8 @@ class Worker {
     return true;
   }
 
-  // PC/SC counts cards, so that none slips in between two looks. Other readers are asked for an
-  // answer to reset.
+  // PC/SC counts card movements, so a change between two looks is noticed. A card in another reader
+  // is there as long as it gives an ATR.
   bool IsStillThere(CardWork& card) const {
     const std::optional<CardMovements> now = card.Movements();
     if (now) return now->present && (!movements_ || *now == *movements_);
@@ -316,7 +316,7 @@ class Worker {
     return variables;
   }
 
-  // False if the worker has to stop.
+  // False if the worker must stop.
   bool WorkOnRow(CardWork& card, size_t row, const Json& values) {
     const auto end = [&](RowState state, const std::string& reason) {
       orders_.Tell({{"tell", "end"}, {"state", NameOf(state)}, {"reason", reason}});
@@ -335,7 +335,7 @@ class Worker {
       return false;
     } catch (const Refused& refused) {
       end(RowState::kWaiting, refused.why);
-      // What does not wait would have the same card again, or one that is named so too.
+      // Without waiting, the next card would be the same one again, or have the same name.
       if (options_.batch.noWait || options_.simulate) throw Failure(kReaderFault, refused.why);
     } catch (const Failure& failure) {
       end(RowState::kFailed, failure.what());
@@ -347,13 +347,13 @@ class Worker {
 
   const Options& options_;
   Orders orders_;
-  // These outlive the readers.
+  // These must outlive the readers.
   std::unique_ptr<Replay> replay_;
   std::unique_ptr<SessionRecorder> recorder_;
   Script script_;
   std::vector<std::pair<std::string, std::string>> definitions_;
   std::vector<std::string> columns_;
-  std::optional<CardMovements> movements_;  // when the last row began
+  std::optional<CardMovements> movements_;  // at the beginning of the last row
 };
 
 }  // namespace

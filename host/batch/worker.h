@@ -6,8 +6,8 @@
 
 namespace host {
 
-// The process of one reader, which the supervisor starts. It takes lines from standard input and
-// gives lines on standard output, each a JSON object:
+// The process of one reader, which the supervisor starts. It reads lines from standard input and
+// writes lines to standard output, each a JSON object:
 //
 //   supervisor                      worker
 //   begin script columns fresh      opens its reader
@@ -20,7 +20,7 @@ namespace host {
 //   stop, halt                      at any time: take no more rows; go no further in this one
 //                                   trouble code reason
 //
-// The end of its input is a halt. A command goes to a card between row and end alone, and never
+// The end of its input means halt. Commands go to a card only between row and end, and never
 // between card and go. Gives the exit code.
 int RunWorker(const Options& options);
 
