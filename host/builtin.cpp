@@ -78,7 +78,8 @@ constexpr Builtin kBuiltins[] = {
 
 bool IsHexadecimal(ArgumentKind kind) { return kind == kHex || kind == kKey || kind == kDigits; }
 
-// Blanks before it, a sign, and digits, as the library reads a number; blanks behind it do no harm.
+// Accepts what the library reads as a number: blanks, a sign, digits. Blanks behind it are
+// harmless.
 bool IsNumber(std::string_view text) {
   constexpr std::string_view kBlanks = " \t";
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -87,7 +88,7 @@ bool IsNumber(std::string_view text) {
   return IsDecimal(text);
 }
 
-// Without what does not count in it.
+// The number in upper case, without blanks and leading zeros.
 std::string Number(std::string_view digits) {
   const std::string number = UpperCase(WithoutBlanks(digits));
   return number.substr(std::min(number.find_first_not_of('0'), number.size()));

@@ -24,14 +24,14 @@ bool IsNoSlot(const Value& value) {
                      [](char c) { return c != Value::kUnknown && !IsHexDigit(c); });
 }
 
-// What is wrong with a value that a pattern takes; empty if nothing is known.
+// True if a value is known and is not whole octets in hexadecimal.
 bool MakesNoPattern(const Value& value) {
   const std::string digits = WithoutBlanks(value.begin);
   return value.IsExact() &&
          (digits.size() % 2 != 0 || !std::all_of(digits.begin(), digits.end(), IsHexDigit));
 }
 
-// The pattern's status word, where no card gives it; empty else.
+// The pattern's status word if no card gives it; else empty.
 std::string ImpossibleStatusWord(const Expectation::Pattern& pattern) {
   constexpr size_t kDigits = 4;
   const Expectation::Part& last = pattern.back();
@@ -54,7 +54,7 @@ class Checker::Work {
       findings_.BeginLine(line);
       findings_.Report(Severity::kError, fault.Place(), line.size(), FirstLine(fault));
       GuessEffect(line);
-    } catch (const Failure& fault) {  // of an expectation
+    } catch (const Failure& fault) {  // from an expectation
       findings_.BeginLine(line);
       findings_.Report(Severity::kError, line.find(';'), line.size(), FirstLine(fault));
     }
@@ -101,10 +101,11 @@ class Checker::Work {
     }
   }
 
-  // Behind @stop() nothing is stored, and so nothing is known of variables.
+  // After @stop() nothing is stored, so the variables are not known.
   KnownVariables* Variables() { return stop_ == 0 ? &variables_ : nullptr; }
 
-  // A line that can't be read: what it would have stored or brought is not missed below it.
+  // Assumes that a line that cannot be read stores a variable and brings an answer, so that the
+  // lines below it are not reported for it.
   void GuessEffect(std::string_view line) {
     belowCommand_ = true;
     const size_t begin = line.find_first_not_of(" \t");
@@ -219,7 +220,7 @@ class Checker::Work {
     }
   }
 
-  // Behind "or" a pattern is looked at only where the ones before it are not met.
+  // A pattern behind "or" is only compared if the patterns before it do not match.
   void CheckExpected(const std::string& name, size_t at, bool first) {
     if (stop_ != 0) return;
     const size_t end = at + name.size();

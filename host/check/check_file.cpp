@@ -52,7 +52,7 @@ Circumstances CircumstancesOf(const Options& options) {
     circumstances.kind = !reader.empty()    ? ReadReaderAddress(reader, options.kind).kind
                          : options.simulate ? static_cast<int32_t>(ReaderKindPcsc)
                                             : options.kind;
-  } catch (const Failure&) {  // it is told when the reader is opened
+  } catch (const Failure&) {  // reported when the reader is opened
   }
   return circumstances;
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kHeaderDigits = 8;
 
-// What Lc says and how much stands behind it, where they disagree; empty else.
+// The value of Lc and the length of what follows, if they disagree; else empty.
 std::string FaultInLength(const Value& text, const CardCommand& command) {
   const std::string digits = WithoutBlanks(text.begin);
   if (digits.size() < kHeaderDigits + 4 || (text.whole && command.lengthFits)) return "";
@@ -28,12 +28,12 @@ std::string FaultInLength(const Value& text, const CardCommand& command) {
          std::to_string(behind) + (behind == 1 ? " stands" : " stand") + " behind it";
 }
 
-// Throws Failure for a command that can't be sent. Gives what is odd about one that can.
+// Throws Failure for a command that cannot be sent. For one that can, gives what is odd about it.
 std::string LookAt(const Value& text, std::optional<int32_t> kind) {
   std::string digits = WithoutBlanks(text.begin);
   std::replace(digits.begin(), digits.end(), Value::kUnknown, '0');
   const bool apdu = kind && FramingOf(*kind) == Framing::kApdu;
-  // One whose end is not known is judged by what is too much of it.
+  // If the end of the text is not known, only a length that is too large counts as a fault.
   if (!text.whole && digits.size() < kHeaderDigits) return "";
   if (!text.whole) digits.resize(digits.size() / 2 * 2);
   const CardCommand command = ReadCommand(digits, apdu ? Framing::kApdu : Framing::kRaw);
@@ -54,7 +54,7 @@ std::string FirstLine(const Failure& failure) {
 
 void CheckCommandText(Findings& findings, const Statement& statement, const Value& text,
                       std::optional<int32_t> kind) {
-  if (!text.IsExact() && !text.digits) return;  // there may be blanks in it
+  if (!text.IsExact() && !text.digits) return;  // may contain blanks
   const Words all = {0, statement.end - 1};
   try {
     const std::string odd = LookAt(text, kind);

@@ -9,12 +9,12 @@
 
 namespace host {
 
-// What has been found in the lines up to the current one.
+// The faults found in the lines so far.
 class Findings {
  public:
   explicit Findings(bool warns) : warns_(warns) {}
 
-  // Goes on to the next line, which has to live as long as something is reported of it.
+  // Begins the next line. The line must live as long as faults of it are reported.
   void BeginLine(std::string_view line);
   size_t Line() const { return line_; }
   std::string_view Text() const { return text_; }

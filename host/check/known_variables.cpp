@@ -44,7 +44,7 @@ void KnownVariables::End() {
   for (auto& [name, variable] : variables_) Drop(variable);
 }
 
-// Its value goes unread.
+// Reports a value that nothing has read.
 void KnownVariables::Drop(Variable& variable) {
   if (variable.unused) findings_.Add(*variable.unused);
   variable.unused.reset();

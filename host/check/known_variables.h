@@ -15,14 +15,14 @@ class KnownVariables {
  public:
   explicit KnownVariables(Findings& findings) : findings_(findings) {}
 
-  // What comes from outside, or from the card.
+  // Sets a value that comes from outside or from the card.
   void Define(std::string_view name, const Value& value);
   void DefineAnswer();  // %RESP and %SW
-  // A value that the script stores, at this place of the current line.
+  // Sets a value that the script stores at this place of the current line.
   void Assign(std::string_view name, const Value& value, size_t begin, size_t end);
 
-  // The value of a variable that the current line reads at this place. One that is not defined is
-  // reported, once.
+  // The value of a variable that the current line reads at this place. An undefined variable is
+  // reported once.
   Value Read(const std::string& name, size_t begin, size_t end);
 
   // Reports the values that nothing has read.
@@ -31,13 +31,13 @@ class KnownVariables {
  private:
   struct Variable {
     Value value;
-    std::optional<Diagnostic> unused;  // what to say if nothing reads the value
+    std::optional<Diagnostic> unused;  // the report if nothing reads the value
   };
 
   void Drop(Variable& variable);
 
   Findings& findings_;
-  std::unordered_map<std::string, Variable> variables_;  // by names in upper case
+  std::unordered_map<std::string, Variable> variables_;  // by name in upper case
 };
 
 }  // namespace host

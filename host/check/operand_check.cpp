@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-// What is wrong with a value as a whole whose characters are right; empty if nothing is known.
+// What is wrong with a whole value whose characters are right; empty if nothing is known.
 std::string FaultInWhole(const Parameter& parameter, const Value& value) {
   constexpr size_t kShortestKey = 16;
   const bool octets = parameter.kind == ArgumentKind::kHex || parameter.kind == ArgumentKind::kKey;
@@ -36,7 +36,7 @@ std::vector<Value> OperandCheck::FollowArguments() {
   return Arguments(*FindBuiltin(statement_.TextOf(statement_.words[0])), sound);
 }
 
-// From the next word on up to one that no operand begins with.
+// Follows the operands from the next word to the first word that begins none.
 OperandCheck::Result OperandCheck::Operands(const Wanted* wanted) {
   Result result = {Exactly(""), true};
   while (at_ < statement_.end) {
@@ -72,7 +72,7 @@ Value OperandCheck::Invoke() {
   return sound ? ValueOf(builtin, values) : AnyText();
 }
 
-// Stands on the keyword before, behind the closing parenthesis after.
+// Before the call the position is at the keyword, afterwards behind the closing parenthesis.
 std::vector<Value> OperandCheck::Arguments(const Builtin& builtin, bool& sound) {
   const std::string keyword = statement_.TextOf(statement_.words[at_]);
   std::vector<Value> values;
@@ -95,7 +95,7 @@ std::vector<Value> OperandCheck::Arguments(const Builtin& builtin, bool& sound) 
   return values;
 }
 
-// False if there is a wrong one among those that are known.
+// False if a known character is wrong.
 bool OperandCheck::CheckCharacters(Words words, const Value& value, const Wanted& wanted) {
   std::string known = value.begin;
   std::replace(known.begin(), known.end(), Value::kUnknown, '0');

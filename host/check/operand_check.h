@@ -10,27 +10,27 @@
 
 namespace host {
 
-// What operands have to be, and what they are called together, as in "the key of @des".
+// What operands must be, and their common name, as in "the key of @des".
 struct Wanted {
   const Parameter& parameter;
   std::string name;
 };
 
-// Follows the operands of one statement, and reports what is wrong with them.
+// Follows the operands of one statement and reports their faults.
 class OperandCheck {
  public:
-  // Without variables nothing is known of them.
+  // Without variables, the value of every variable is unknown.
   OperandCheck(const Statement& statement, Findings& findings, KnownVariables* variables)
       : statement_(statement), findings_(findings), variables_(variables) {}
 
   struct Result {
     Value value;
-    bool sound;  // nothing has been reported of it
+    bool sound;  // no fault of it was reported
   };
 
-  // All that the statement evaluates.
+  // Follows everything that the statement evaluates.
   Result Follow(const Wanted* wanted);
-  // The arguments of the built-in for the host that the statement is.
+  // The arguments of the statement's built-in for the host.
   std::vector<Value> FollowArguments();
 
  private:
@@ -44,10 +44,10 @@ class OperandCheck {
   const Statement& statement_;
   Findings& findings_;
   KnownVariables* variables_;
-  size_t at_ = 0;  // the word that comes next
+  size_t at_ = 0;  // the next word
 };
 
-// Of a value's faults: sure, or a guess about the crypto module.
+// The severity of a value's faults: certain, or a guess about the crypto module.
 Severity SeverityFor(const Value& value);
 
 }  // namespace host

@@ -24,7 +24,7 @@ bool IsDigitsAlone(const Value& value) {
                      [](char c) { return c == Value::kUnknown || IsUpperDigit(c); });
 }
 
-// What a value costs stays bounded.
+// Limits the memory of a value.
 Value Bounded(Value value) {
   if (value.begin.size() <= kLongestKnown) return value;
   value.digits = IsDigitsAlone(value);
@@ -34,7 +34,7 @@ Value Bounded(Value value) {
   return value;
 }
 
-// A number that the library reads as it stands; a negative one counts as 0.
+// The number that the library reads from this text; a negative one counts as 0.
 std::optional<size_t> NumberOf(const Value& value) {
   if (!value.IsExact()) return std::nullopt;
   const size_t sign = value.begin.find_first_of("+-");
@@ -43,7 +43,7 @@ std::optional<size_t> NumberOf(const Value& value) {
   size_t number = 0;
   const char* const end = value.begin.data() + value.begin.size();
   const auto read = std::from_chars(value.begin.data() + first, end, number);
-  constexpr size_t kMost = INT32_MAX;  // larger ones count as this one
+  constexpr size_t kMost = INT32_MAX;  // larger ones count as this
   return read.ec == std::errc::result_out_of_range ? kMost : std::min(number, kMost);
 }
 
