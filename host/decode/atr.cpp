@@ -106,11 +106,11 @@ std::string ContactC6(unsigned octet) {
 
 std::string NotUsedAnyMore(unsigned) { return "programming voltage, not used any more"; }
 
-// What an interface character says: of groups 1 and 2 by the group, of later ones by the protocol,
-// where it is the first one of its letter.
+// The meaning of an interface character. Groups 1 and 2 are known by their number. In later groups
+// the protocol decides, and the character must be the first one of its letter.
 struct Character {
   char letter;
-  unsigned group;  // 3 stands for later ones
+  unsigned group;  // 3 stands for all later ones
   unsigned protocol;
   std::string (*meaning)(unsigned octet);
 };
@@ -170,7 +170,7 @@ class AtrReader {
     return true;
   }
 
-  // Group by group: TA to TD of a group are announced in the TD before it.
+  // The TD of one group announces TA to TD of the next.
   bool ReadInterface() {
     for (unsigned group = 1; present_ != 0; ++group) {
       const unsigned announced = std::exchange(present_, 0);
@@ -209,7 +209,7 @@ class AtrReader {
     return "reserved for T=" + Number(protocol_);
   }
 
-  // True if none of this letter came for this protocol in the groups from the third on.
+  // True for the first character of this letter and protocol from the third group on. Notes it.
   bool First(char letter) {
     const auto key = std::pair(letter, protocol_);
     if (std::find(seen_.begin(), seen_.end(), key) != seen_.end()) return false;
@@ -267,10 +267,10 @@ class AtrReader {
   std::string_view all_;
   OctetReader rest_;
   Decoding decoding_;
-  unsigned historical_ = 0;  // how many
-  unsigned present_ = 0;     // bits of the characters that the next group has
+  unsigned historical_ = 0;  // their number
+  unsigned present_ = 0;     // one bit for each character of the next group
   unsigned protocol_ = 0;    // of the last TD
-  bool checked_ = false;     // a protocol other than T=0 was told of
+  bool checked_ = false;     // the card offers a protocol other than T=0
   std::vector<std::pair<char, unsigned>> seen_;
 };
 

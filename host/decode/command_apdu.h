@@ -4,8 +4,8 @@
 
 namespace host {
 
-// A command APDU as ISO/IEC 7816-4 has it; the digits are whole octets. Throws Failure
-// (kScriptFault) for more than can be sent.
+// Decodes a command APDU by ISO/IEC 7816-4. The digits are whole octets. Throws Failure
+// (kScriptFault) if there are more than can be sent.
 Decoding DecodeCommandApdu(std::string_view digits);
 
 }  // namespace host

@@ -35,8 +35,8 @@ constexpr Decoder kDecoders[] = {
     {"atr", DecodeAtr}, {"dol", DecodeDol}, {"afl", DecodeAfl},       {"aip", DecodeAip},
     {"tvr", DecodeTvr}, {"cvm", DecodeCvm}, {"sw", DecodeStatusWord}, {"apdu", DecodeCommandApdu}};
 
-// A tag of one octet in 80 to BF means something else in each template. These are the templates of
-// payment cards; none stands around an object that is read alone.
+// A tag of one octet from 80 to BF has another meaning in each template. These are the templates of
+// payment cards; the empty one is for an object that is read alone.
 constexpr std::string_view kPaymentTemplates[] = {"", "70", "77"};
 
 struct KnownValue {
@@ -53,7 +53,7 @@ std::string Padded(std::string text, size_t width) {
   return text;
 }
 
-// Octets that are too many for a column stand in rows of their own below.
+// Octets that are too many for a column get rows of their own below.
 std::vector<std::string> Lines(const std::vector<Field>& fields) {
   constexpr size_t kColumnOctets = 5;
   constexpr size_t kOctets = 3 * kColumnOctets + 1;

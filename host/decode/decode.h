@@ -9,15 +9,16 @@
 
 namespace host {
 
-// The kinds of data that can be decoded, as the command line names them.
+// The kinds of data that can be decoded, under their names on the command line.
 std::vector<std::string> DecodedKinds();
 
-// Prints data of a kind, given as hexadecimal text with or without white space, field by field.
-// Throws Failure (kScriptFault) for what is wrong with it, after printing what could be read.
+// Prints data of a kind field by field. The data is hexadecimal text with or without white space.
+// Throws Failure (kScriptFault) if the data is wrong, after printing what could be read.
 void PrintDecoded(std::ostream& out, std::string_view kind, std::string_view text);
 
-// The lines of the value of a data object, by its tag and that of the object around it (empty if
-// there is none); none if nothing is known of such a value, or if it is not as it should be.
+// The lines for the value of a data object. `parent` is the tag of the object around it; empty if
+// there is none. Gives no lines if the meaning of such a value is not known or the value is
+// malformed.
 std::vector<std::string> ValueLines(std::string_view tag, std::string_view parent,
                                     std::string_view value);
 

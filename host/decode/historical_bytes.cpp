@@ -57,7 +57,7 @@ std::string LifeCycle(unsigned status) {
   return status > 0xF ? "proprietary life cycle status" : "reserved life cycle status";
 }
 
-// A life cycle status, a status word, or the one and then the other.
+// Adds a life cycle status, a status word, or both in this order.
 void AddStatus(Decoding& decoding, std::string_view digits) {
   if (digits.size() != 4) {
     decoding.fields.push_back(
@@ -125,7 +125,7 @@ void AddCompactTlv(Decoding& decoding, OctetReader rest) {
 }  // namespace
 
 void AddHistoricalBytes(Decoding& decoding, std::string_view digits) {
-  constexpr size_t kStatus = 6;  // digits of the status indicator that ends category 00
+  constexpr size_t kStatus = 6;  // the digits of the status indicator that ends category 00
   const std::string_view category = digits.substr(0, 2);
   const auto add = [&](const std::string& meaning) {
     decoding.fields.push_back({"  category", category, meaning});

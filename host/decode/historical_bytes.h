@@ -4,7 +4,7 @@
 
 namespace host {
 
-// Adds what the historical bytes of an answer to reset say by ISO/IEC 7816-4: one at least.
+// Adds the meaning of an answer to reset's historical bytes (ISO/IEC 7816-4); at least one byte.
 void AddHistoricalBytes(Decoding& decoding, std::string_view digits);
 
 }  // namespace host

@@ -4,7 +4,7 @@
 
 namespace host {
 
-// Data objects of EMV book 3, given as whole octets.
+// Decode data objects of EMV book 3. The digits are whole octets.
 
 Decoding DecodeDol(std::string_view digits);  // data object list
 Decoding DecodeAfl(std::string_view digits);  // application file locator

@@ -17,8 +17,8 @@ constexpr std::string_view kEmvAndGp = "EMV book 3 and GlobalPlatform";
 constexpr std::string_view kGp = "GlobalPlatform";
 constexpr std::string_view kGpAndCards = "GlobalPlatform and ISO/IEC 7816";
 
-// In the order of their texts, for the search. A tag of 80 to BF has the meaning of the template
-// that it stands in.
+// Sorted by tag, for the search. The meaning of a tag from 80 to BF depends on the template around
+// it.
 constexpr ListedTag kTags[] = {
     {"2F00", "List of applications", kGp},
     {"41", "Country code and national data", kCards6},

@@ -22,7 +22,7 @@ std::vector<Proposal> ProposeReaders(std::string_view word, const std::vector<st
   return proposals;
 }
 
-// A call with what opens its arguments, or with both where it has none.
+// A call with its opening parenthesis, or with both if it takes no arguments.
 std::string Typed(const Entry& entry) {
   if (entry.name[0] != '@') return std::string(entry.name);
   const bool bare = entry.usage.ends_with("()");
@@ -55,7 +55,7 @@ std::vector<Proposal> ProposeWords(std::string_view before,
     const std::string_view typed = opensLine ? before : word;
     if (opensLine && (begin > entry.name.size() || before.empty())) continue;
     if (!Begins(entry.name, typed)) continue;
-    // What has been typed up to the word's beginning stands already.
+    // The line up to the word's beginning is typed already.
     proposals.push_back({Typed(entry).substr(opensLine ? begin : 0), &entry});
     known.insert(UpperCase(entry.name));
   }

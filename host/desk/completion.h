@@ -9,29 +9,29 @@
 
 namespace host {
 
-// What ends a word of a line that is being typed.
+// The characters that end a word in a line that is being typed.
 inline constexpr std::string_view kWordBreaks = " \t(),=";
 
-// A word that may stand where one types.
+// A word that may come next.
 struct Proposal {
   std::string text;
-  const Entry* entry;  // null if there is nothing to tell of it
+  const Entry* entry;  // null if there is no help for it
 };
 
-// Where the word that is being typed begins: the octet of the line up to the cursor.
+// The octet at which the word that is being typed begins, in the line up to the cursor.
 size_t WordBegin(std::string_view before);
 
-// The words of scripts that go on from the line up to the cursor: commands, variables (names with
-// their %, in any order), and in the parentheses of @OPENREADER what readers gives, without its
-// blanks. Upper and lower case are the same.
+// The script words that may continue the line up to the cursor: commands, variables (names with
+// their %, in any order), and inside @OPENREADER's parentheses the names from `readers`, without
+// their blanks. Case does not count.
 std::vector<Proposal> ProposeWords(std::string_view before,
                                    const std::vector<std::string>& variables,
                                    const std::function<std::vector<std::string>()>& readers);
 
-// True if a word may go on as the text does, in any case.
+// True if the text begins with the word, in any case.
 bool Begins(std::string_view text, std::string_view word);
 
-// The addresses of the readers that can be asked for their names, as @OPENREADER takes them.
+// The PC/SC and BSIT readers that are there, in the form that @OPENREADER takes.
 std::vector<std::string> ReaderProposals();
 
 }  // namespace host

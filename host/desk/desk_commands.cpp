@@ -28,7 +28,7 @@ std::string TextOf(const fs::path& path) {
   return {text.begin(), text.end()};
 }
 
-// Cuts the first word off.
+// Removes the first word from the text and gives it.
 std::string_view TakeWord(std::string_view& text) {
   const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
   text.remove_prefix(word.size());
@@ -37,7 +37,7 @@ std::string_view TakeWord(std::string_view& text) {
   return word;
 }
 
-// Operands of the language, which hexadecimal digits are as well.
+// The value of operands of the language; hexadecimal digits are such an operand too.
 std::string ValueIn(Desk& desk, std::string_view operands) {
   const Statement statement = ReadStatement(operands);
   if (!statement.Sends()) throw Failure(kUsageFault, "this is no value");
@@ -134,7 +134,7 @@ constexpr DeskCommand kCommands[] = {
      }},
 };
 
-// The files and folders that a path may go on as.
+// The files and folders that complete a path.
 std::vector<std::string> CompletePath(std::string_view typed) {
   const size_t name = typed.find_last_of("/\\") + 1;
   const std::string_view folder = typed.substr(0, name);

@@ -18,17 +18,17 @@ struct Desk {
   std::set<std::string> variables = {};  // their names, with % and in upper case
 };
 
-// Carries out a line that begins with a colon. True if a value that is there has turned out to be
+// Runs a line that begins with a colon. True if a value that is already stored turns out to be
 // secret. Throws Failure.
 bool RunDeskCommand(Desk& desk, std::string_view line);
 
-// Notes what a statement has done, so that :vars and :save know of it. It has been run.
+// Notes for :vars and :save what a statement has done. The statement has been run.
 void NoteDone(Desk& desk, const Statement& statement);
 
-// The help for a word; throws Failure (kUsageFault) if there is none.
+// Prints the help for a word. Throws Failure (kUsageFault) if there is none.
 void ExplainWord(std::string_view word);
 
-// The words that the line up to the cursor may go on with, in the place of its last one.
+// The words that may replace the last word of the line up to the cursor.
 std::vector<std::string> CompleteLine(const Desk& desk, std::string_view before);
 
 }  // namespace host

@@ -18,7 +18,7 @@ std::vector<std::string> StoredLines() try {
   TextInput input(*file);
   while (const std::optional<std::string> line = input.NextLine()) lines.push_back(*line);
   return lines;
-} catch (const Failure&) {  // there is none yet
+} catch (const Failure&) {  // no file yet
   return {};
 }
 

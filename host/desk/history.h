@@ -5,17 +5,16 @@
 
 namespace host {
 
-// The lines that a person typed, for recall by the arrow keys, in this session and in later ones,
-// where there is line editing that takes lines. Whoever calls leaves out what is hidden.
+// The lines that a person typed, for recall by the arrow keys in this session and later ones. Keeps
+// nothing where the line editing takes no lines. The caller leaves out hidden lines.
 class History {
  public:
   History();
 
   void Add(const std::string& line);
-  // Takes back the lines of this session: one of them has turned out to be secret.
+  // Removes this session's lines: one of them has turned out to be secret.
   void Forget();
-  // Adds them to the file, which nobody else reads. A file that can't be written is no reason to
-  // fail.
+  // Adds the lines to the file, which only the owner can read. A failed write is ignored.
   void Save() const;
 
  private:

@@ -26,8 +26,8 @@ constexpr std::string_view kHelp =
   help WORD tells more, as in help @des or help :save; quit
 )text";
 
-// In a script such a line is a command to the card. Here it is what one types to look at a value,
-// and a value that was meant to be looked at must not reach a card.
+// In a script such a line is a command to the card. Here people type it to look at a value, which
+// must not go to a card.
 bool OnlyLooks(const Statement& statement) {
   return statement.Sends() && statement.words[0].kind != WordKind::kLiteral;
 }
@@ -48,7 +48,7 @@ class Shell {
   Shell& operator=(const Shell&) = delete;
   ~Shell() { CompleteWith(nullptr); }
 
-  // False if it is the last line.
+  // False if it was the last line.
   bool Run(const std::string& line) {
     if (line == "quit" || line == "exit") return false;
     constexpr std::string_view kHelpOn = "help ";
@@ -78,7 +78,7 @@ class Shell {
     const Statement statement =
         ReadStatement(send ? std::string(kSend.size(), ' ') + line.substr(kSend.size()) : line);
     const bool looks = !send && OnlyLooks(statement);
-    // A remembered line comes back to the screen.
+    // A recalled line shows on the screen again.
     session.StartOver();
     if (!looks && session.Learn(statement)) Forget();
     if (!line.empty() && !session.Hides(statement)) Remember(line);
@@ -102,7 +102,7 @@ class Shell {
   Workplace& workplace_;
   TypedScript typed_;
   Desk desk_;
-  std::unique_ptr<History> history_;  // of a person
+  std::unique_ptr<History> history_;  // only for a person
 };
 
 }  // namespace

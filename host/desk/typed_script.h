@@ -10,18 +10,17 @@
 
 namespace host {
 
-// What a person has typed and what the card has answered, kept as a script.
+// A person's statements and the card's answers, kept as a script.
 class TypedScript : public ExchangeListener {
  public:
-  // Before a line is run.
+  // Call it before each line.
   void Begin() { exchange_ = {}; }
-  // The statement of the line, which has been run and has done what it should; hidden if the trace
-  // hid it.
+  // Adds the line's statement, which has run successfully. `hidden` is true if the trace hid it.
   void Add(const Statement& statement, bool hidden);
 
-  // The script, its lines with line feeds. Each command has the status word that it brought as an
-  // expectation below it. With the values that the session began with it is known what is secret:
-  // a line that spells out a secret is a comment, with ** for it, unless they are shown.
+  // The script, each line with a line feed. Below each command its status word stands as an
+  // expectation. The session's initial definitions help to find the secrets: a line that spells one
+  // out becomes a comment with ** in its place, unless secrets are shown.
   std::string Text(const std::vector<std::pair<std::string, std::string>>& definitions,
                    bool showSecrets) const;
 

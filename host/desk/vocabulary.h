@@ -5,19 +5,19 @@
 
 namespace host {
 
-// What is worth a sentence at the desk: a command of the language, a variable that the card fills,
-// a word that opens a line.
+// A word that the shell explains: a command of the language, a variable that the card fills, or a
+// word that begins a line.
 struct Entry {
-  std::string_view name;   // as it is typed, such as @strmid, %RESP or :vars
-  std::string_view usage;  // the name with what belongs to it
+  std::string_view name;   // as typed, such as @strmid, %RESP or :vars
+  std::string_view usage;  // the name and its arguments
   std::string_view help;
 };
 
-std::span<const Entry> ScriptWords();  // of scripts, in the order in which they are listed
-std::span<const Entry> ShellWords();   // what orvane shell takes besides
+std::span<const Entry> ScriptWords();  // of scripts, in the order of their list
+std::span<const Entry> ShellWords();   // only in orvane shell
 
-// An entry of either by its name, in any case; its first sign may be missing. Null if there is
-// none.
+// The entry of this name from either list, in any case; its first sign may be missing. Null if
+// there is none.
 const Entry* FindEntry(std::string_view name);
 
 }  // namespace host
