@@ -9,35 +9,35 @@
 
 namespace host {
 
-// What a command's octets are: most readers take APDUs (ISO/IEC 7816-4), a payment HSM
-// takes whatever its protocol says.
+// How a command's octets are read. Most readers take APDUs (ISO/IEC 7816-4); a payment HSM takes
+// octets of its own protocol.
 enum class Framing { kApdu, kRaw };
 
 Framing FramingOf(int32_t kind);  // of a reader's kind
 
-// A command that may be sent, and the parts of an APDU. In raw octets all behind the first four
-// stands as data.
+// A command that may be sent, and the parts of an APDU. In raw octets, everything behind the first
+// four is data.
 struct CardCommand : recordings::CommandParts {
-  std::string digits;  // upper-case hexadecimal, two an octet, nothing else
+  std::string digits;  // upper-case hexadecimal, two digits an octet, nothing else
   Framing framing = Framing::kApdu;
   size_t Octets() const { return digits.size() / 2; }
-  // The digits of the octets from begin to end.
+  // The digits of the octets from begin up to end.
   std::string_view Part(size_t begin, size_t end) const;
 };
 
-// Takes hexadecimal text, blanks allowed, as a command. Throws Failure (kScriptFault) unless it is
-// whole octets, at least a header's four (kRaw: one) and at most 4,096, which is what the library
-// takes. The message quotes nothing of the text.
+// Reads hexadecimal text, blanks allowed, as a command. Throws Failure (kScriptFault) unless it is
+// whole octets, at least a header's four (kRaw: one) and at most 4,096, the library's limit. The
+// message quotes nothing of the text.
 CardCommand ReadCommand(std::string_view text, Framing framing);
 
 // The most octets that the library sends.
 inline constexpr size_t kMostCommandOctets = 4096;
 
-// False for the instructions whose responses have no data field by ISO/IEC 7816-4, in a plain
-// interindustry class and without Le.
+// False for instructions whose responses have no data field by ISO/IEC 7816-4, if the class is
+// plain interindustry and there is no Le.
 bool MayBringData(const CardCommand& command);
 
-// True where the data field carries a PIN or a key.
+// True if the data field carries a PIN or a key.
 bool CarriesSecret(const CardCommand& command);
 using recordings::CarriesSecret;
 

@@ -9,18 +9,17 @@
 
 namespace host {
 
-// The variables that the command line brings, their names with the % of scripts: of --vars, --env
-// and -D in this order, so that a later one goes before an earlier one. Throws Failure (kFileFault)
-// for a file that can't be read, ScriptFailure for a line that is wrong, Failure (kUsageFault) for
-// what the environment does not have. No message quotes a value.
+// The variables of the command line, names with their %: those of --vars, --env and -D, in this
+// order; the last definition of a name counts. Throws Failure (kFileFault) for a file that cannot
+// be read, ScriptFailure for a wrong line, Failure (kUsageFault) for a name that the environment
+// lacks. No message quotes a value.
 std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
 
-// Stores them, and tells of them what holds secrets.
+// Stores them, and reports to `secrets` those that hold secrets.
 void StoreDefinitions(const std::vector<std::pair<std::string, std::string>>& definitions,
                       Secrets& secrets);
 
-// What is wrong with the text of a definition, NAME=VALUE, or with its name alone; empty if
-// nothing.
+// What is wrong with a definition, NAME=VALUE, or with a name alone; empty if nothing is.
 std::string CheckDefinition(const std::string& text);
 std::string CheckName(const std::string& name);
 

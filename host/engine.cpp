@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t kPiece = 511;
 
-// Where a value waits to be read in pieces.
+// The variable from which a long value is read in pieces.
 constexpr const char* kWaiting = "%ORVANE.VALUE";
 constexpr const char* kPieceName = "ORVANE.PIECE";
 
@@ -31,7 +31,7 @@ size_t LengthOf(const std::string& variable) {
   return length;
 }
 
-// The value's beginning, up to 64 KiB, in its own case.
+// The value's beginning, up to 64 KiB, with its letters' case.
 std::string ReadVariable(const std::string& variable) {
   const size_t length = std::min(LengthOf(variable), kLongestValue);
   std::string value;
@@ -47,7 +47,7 @@ std::string ReadVariable(const std::string& variable) {
   return value;
 }
 
-// Makes operands a variable's value, and gives what is handed over of it, up to kPiece.
+// Stores the value of operands in a variable and gives its beginning, up to kPiece.
 std::string Keep(std::string_view operands) {
   Result result = RunText(std::string(kWaiting) + " = " + std::string(operands));
   if (result.code != KindAssignment) throw Failure(kScriptFault, "out of memory");
@@ -66,13 +66,13 @@ std::string ReadLongExpression(const Statement& statement) {
 
 }  // namespace
 
-// The library counts a failed command as one without a value, and goes on with what stands behind
-// the place where it failed. @compare, though, hands over the text of an operand that fails: with a
-// mark in front it can't be mistaken for its "0".
+// The library treats a failed command as one without a value and goes on behind the failure. But
+// @compare hands over the text of a failing operand. With a mark before the operand, that text
+// cannot be mistaken for @compare's "0".
 bool Fails(std::string_view call, std::string& message) {
   const Result result = RunText("@compare(~ " + std::string(call) + ",~,2)");
   message = result.text.substr(result.text.starts_with('~') ? 1 : 0);
-  // A command without a message leaves what the operand before it gave.
+  // A command without a message repeats the text of the operand before it.
   if (message == "~") message.clear();
   return result.code != KindCompare || result.text != "0";
 }

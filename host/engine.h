@@ -14,23 +14,23 @@ struct Result {
   std::string text;
 };
 
-// True if a call fails, with the message that it leaves. Its operands are known to be defined.
-// Nothing is stored or asked of the host.
+// True if a call fails; `message` is then the library's. The variables of its operands exist.
+// Stores nothing and asks nothing of the host.
 bool Fails(std::string_view call, std::string& message);
 
-// Runs a statement whose operands are known to be sound. The text of an expression and of an
-// assignment to a %NAME is whole, though the library hands over 511 characters at most. Throws
-// Failure (kScriptFault) also if the text is too long: that of an expression above 64 KiB, of a
-// command for the host above 511.
+// Runs a statement whose operands have been checked. The text of an expression or of an assignment
+// to a %NAME is complete, beyond the library's 511 characters. Throws Failure (kScriptFault), also
+// for a text that is too long: above 64 KiB for an expression, above 511 for a command for the
+// host.
 Result Run(const Statement& statement);
 
-// The value of operands in their own case, at most so many characters of it. The operands are known
-// to be sound.
+// The value of operands with its letters' case, cut to kLongestValue characters. The operands have
+// been checked.
 std::string Evaluate(std::string_view operands);
 
 inline constexpr size_t kLongestValue = 65536;
 
-// Stores a value; name begins with the % of scripts.
+// Stores a value. The name includes its %.
 void SetVariable(const std::string& name, const std::string& value);
 
 }  // namespace host

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kWord = "expect";
 constexpr std::string_view kBlanks = " \t";
 constexpr size_t kStatusWordDigits = 4;
-constexpr size_t kOctetsAround = 10;  // that are shown on either side of a place
+constexpr size_t kOctetsAround = 10;  // shown on each side of a place
 
 using Part = Expectation::Part;
 using Kind = Expectation::Part::Kind;
@@ -101,7 +101,7 @@ class Reader {
   Expectation expectation_;
 };
 
-// A pattern with its variables' values: digits, X, and for each gap one *.
+// A pattern with its variables' values in place: digits, X, and one * for each gap.
 std::string Resolve(const Expectation::Pattern& pattern,
                     const std::map<std::string, std::string>& values) {
   std::string digits;
@@ -129,7 +129,7 @@ std::string Resolve(const Expectation::Pattern& pattern,
 
 bool Fits(char wanted, char given) { return wanted == 'X' || wanted == given; }
 
-// How many digits fit from the beginning of both on.
+// The number of digits that match from the beginning of both.
 size_t CountFitting(std::string_view wanted, std::string_view given) {
   size_t count = 0;
   while (count < wanted.size() && count < given.size() && Fits(wanted[count], given[count])) {
@@ -138,13 +138,14 @@ size_t CountFitting(std::string_view wanted, std::string_view given) {
   return count;
 }
 
-// Where a response and a pattern part, in digits of each; whole octets before it fit.
+// The place of the first difference, in digits of response and pattern; whole octets before it
+// match.
 struct Place {
   size_t wanted;
   size_t given;
 };
 
-// Follows a pattern of gaps through a text: what stands between two gaps is taken where it first
+// Matches a pattern with gaps. The text between two gaps is matched at the first place where it
 // fits.
 class Matcher {
  public:
@@ -216,7 +217,7 @@ bool IsStatusWord(size_t place, const Response& response) {
   return place == response.data.size() && !response.statusWord.empty();
 }
 
-// The octets of a pattern or a response, and which of them a place is.
+// The octets of a pattern or a response, and the index of the one at a place.
 struct Octets {
   std::vector<std::string> shown;
   size_t at = 0;
@@ -233,7 +234,7 @@ Octets TakeApart(std::string_view digits, size_t place) {
   return octets;
 }
 
-// The octets around the place, with so many columns before it.
+// The octets around the place, moved so far right that `before` columns come before it.
 std::string Around(const Octets& octets, size_t before) {
   const size_t shown = std::min(octets.at, kOctetsAround);
   const size_t begin = octets.at - shown;

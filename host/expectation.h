@@ -11,9 +11,9 @@
 
 namespace host {
 
-// What a card's response should be, its status word last: hexadecimal digits, X for any digit, ..
-// for any octets, none included, and variables; several such patterns with "or" between them. A
-// pattern of a status word alone says nothing about the data before it.
+// The expected response of a card, status word last: hexadecimal digits, X for any digit, .. for
+// any number of octets (also none), and variables. Several patterns may be joined with "or". A
+// pattern of only a status word accepts any data.
 struct Expectation {
   struct Part {
     enum class Kind { kDigits, kGap, kVariable } kind;
@@ -21,32 +21,32 @@ struct Expectation {
   };
   using Pattern = std::vector<Part>;
 
-  std::vector<Pattern> patterns;  // one at least; any of them will do
+  std::vector<Pattern> patterns;  // at least one; one match is enough
 };
 
-// Where the pattern begins in a comment that tells an expectation, "; expect 9000"; none in any
-// other line.
+// Where the pattern begins in a comment that states an expectation, such as "; expect 9000"; none
+// in any other line.
 std::optional<size_t> FindExpectation(std::string_view line);
 
-// What is wrong with an expectation that stands elsewhere than below a command.
+// The failure for an expectation that is not below a command.
 Failure NoCommandAbove();
 
-// Reads the text from there on. Throws Failure (kScriptFault) with the place marked.
+// Reads the text from `begin` on. Throws Failure (kScriptFault) with the place marked.
 Expectation ReadExpectation(std::string_view text, size_t begin = 0);
 
 // The names of its variables.
 std::vector<std::string> VariablesOf(const Expectation& expectation);
 
-// What is wrong with the pattern of the command line; empty if nothing is.
+// What is wrong with the command line's pattern; empty if nothing is.
 std::string CheckPattern(const std::string& text);
 
-// The comment that tells it, with ** for its digits.
+// The comment that states this expectation, with ** for its digits.
 std::string MaskExpectation(const Expectation& expectation);
 
-// How a response parts from what was expected: octets of both around the place, and a mark below
-// it, as lines that begin with a line feed. Empty if the response is as expected. Of several
-// patterns it is the one that the response follows furthest. The values are those of its variables.
-// Throws Failure (kScriptFault) where one makes no pattern.
+// How a response differs from what was expected: the octets of both around the place, with a mark
+// below, as lines that begin with a line feed. Empty if the response matches. Of several patterns,
+// the one that matches furthest is compared. Takes the current values of the variables. Throws
+// Failure (kScriptFault) if a value is no pattern.
 std::string PartingFrom(const Expectation& expectation, const Response& response,
                         const std::map<std::string, std::string>& values);
 

@@ -16,7 +16,7 @@ enum ExitCode {
   kInterrupted = 130,
 };
 
-// What ends a run: one message for the user, and the exit code that goes with it.
+// Ends a run: one message for the user, and the exit code.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
@@ -26,14 +26,14 @@ class Failure : public std::runtime_error {
   ExitCode code_;
 };
 
-// A Failure of a script, whose message begins with FILE:LINE.
+// A failure in a script. Its message begins with FILE:LINE.
 class ScriptFailure : public Failure {
  public:
   using Failure::Failure;
 };
 
-// Prints a failure on standard error, a line of the message a line, with what is not printable as
-// Printable has it. Nothing else prints one.
+// Prints a failure on standard error, line by line, each as Printable shows it. Failures are
+// printed nowhere else.
 void PrintFailure(const Failure& failure);
 
 }  // namespace host

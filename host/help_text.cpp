@@ -10,9 +10,9 @@ namespace host {
 namespace {
 
 constexpr size_t kWidth = 79;
-constexpr size_t kFull = 55;  // a shorter line is the last one of its paragraph
+constexpr size_t kFull = 55;  // a shorter line ends its paragraph
 
-// Where a line's text stands, or its second column.
+// The column of a line's text, or of its second column if it has one.
 size_t HangOf(const std::string& line) {
   const size_t indent = std::min(line.find_first_not_of(' '), line.size());
   const size_t gap = line.find("  ", indent);
@@ -45,7 +45,7 @@ class HelpFormatter : public CLI::Formatter {
 std::string FitScreen(const std::string& text) {
   std::istringstream in(text);
   std::string out, paragraph;
-  size_t last = 0;  // the length of its last line
+  size_t last = 0;  // the length of the line before
   for (std::string line; std::getline(in, line); last = line.size()) {
     const size_t indent = std::min(line.find_first_not_of(' '), line.size());
     const bool goesOn = !line.empty() && last > kFull && indent == HangOf(paragraph) &&

@@ -9,11 +9,11 @@ class FormatterBase;
 
 namespace host {
 
-// The text with lines that fit a screen of 80 columns. Lines of one paragraph flow into each other;
-// a line goes on below its second column, if it has one.
+// The text, wrapped for a screen of 80 columns. The lines of one paragraph are joined. A line with
+// two columns continues below its second one.
 std::string FitScreen(const std::string& text);
 
-// The command line's own help, in such lines.
+// Formats the command line's help in such lines.
 std::shared_ptr<CLI::FormatterBase> MakeHelpFormatter();
 
 }  // namespace host

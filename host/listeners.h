@@ -11,8 +11,8 @@
 
 namespace host {
 
-// What records a session and what replays one, as far as the options ask for either. It outlives
-// the readers.
+// The recorder and the replay of a session, if the options ask for them. It must outlive the
+// readers.
 class Listeners {
  public:
   explicit Listeners(const Options& options)
@@ -23,17 +23,17 @@ class Listeners {
     if (replay_) listeners.push_back(replay_.get());
   }
 
-  // Throws Failure (kUsageFault) if something records already.
+  // Throws Failure (kUsageFault) if there is a recorder already.
   ExchangeListener* Record(const std::string& file, bool showSecrets) {
     if (recorder_) throw Failure(kUsageFault, "the session is recorded already");
     recorder_ = std::make_unique<SessionRecorder>(file, showSecrets);
     return recorder_.get();
   }
 
-  // True if a command was not the recorded one.
+  // True if a command differed from the recorded one.
   bool Differ() const { return replay_ && replay_->Differs(); }
 
-  // To be called when all readers are closed: throws Failure if the recording is not whole.
+  // Call it when all readers are closed. Throws Failure if the recording is incomplete.
   void Finish() {
     if (recorder_) recorder_->Finish();
   }

@@ -39,7 +39,7 @@ void RunFile(const Options& options) {
   workplace.Finish();
 }
 
-// With the lines of standard input in the place of -.
+// The commands, with the lines of standard input in the place of "-".
 std::vector<std::string> CommandsOf(const Options& options) {
   std::vector<std::string> commands;
   for (const std::string& command : options.commands) {
@@ -59,7 +59,7 @@ std::vector<std::string> CommandsOf(const Options& options) {
 void SendCommands(const Options& options) {
   const std::vector<std::string> commands = CommandsOf(options);
   Workplace workplace(options);
-  // All of them are read before the first one is sent.
+  // Checks all commands before the first one is sent.
   for (const std::string& command : commands) workplace.Check(command);
   workplace.Work().ResetCard();
   for (const std::string& command : commands) {
@@ -84,7 +84,7 @@ void ShowReaders(const Options& options) {
   PrintReaders(std::cout, options.listedKind, options.ports);
 }
 
-// The arguments one behind the other or, if there is none, standard input.
+// The arguments joined; if there are none, standard input.
 std::string DataOf(const Options& options) {
   std::string text;
   for (const std::string& part : options.data) text += part;
@@ -136,7 +136,7 @@ int Work(std::vector<std::string> arguments) {
   try {
     CheckArguments(arguments);
     options.arguments = arguments;
-    std::reverse(arguments.begin(), arguments.end());  // as this function wants them
+    std::reverse(arguments.begin(), arguments.end());  // parse takes them in reverse order
     app.parse(std::move(arguments));
     return Carry(app, options);
   } catch (const CLI::Success& request) {

@@ -5,7 +5,7 @@
 
 namespace host {
 
-// Runs the program with its arguments, in UTF-8, without its own name. Gives the exit code.
+// Runs the program. The arguments are in UTF-8, without the program's name. Gives the exit code.
 int Main(std::vector<std::string> arguments);
 
 }  // namespace host

@@ -10,10 +10,10 @@
 namespace host {
 namespace {
 
-// Looks at operands one by one, so that a fault is found where it was typed.
+// Checks operands one by one, so that a fault is reported at the place where it was typed.
 class Reader {
  public:
-  // what names the operands, as in "the key of @des".
+  // `what` names the operands, as in "the key of @des".
   Reader(const Statement& statement, const Parameter& parameter, std::string what, bool hide)
       : statement_(statement), parameter_(parameter), what_(std::move(what)), hide_(hide) {}
 
@@ -23,8 +23,8 @@ class Reader {
     });
   }
 
-  // Gives the value, which has no wrong character. Where it has one, the operand that brings it in
-  // is looked for.
+  // Gives the value if no character is wrong. Otherwise finds and reports the operand that brings
+  // the wrong one.
   std::string CheckCharacters(Words words) const {
     std::string value = ValueOf(words);
     if (value.size() < kLongestValue && !FindWrongCharacter(parameter_, value)) return value;
@@ -46,7 +46,7 @@ class Reader {
  private:
   static constexpr size_t kQuoted = 40;
 
-  // Those that stand in no built-in.
+  // Visits the operands outside of built-ins.
   template <typename Visit>
   void ForEachOperand(Words words, Visit visit) const {
     size_t depth = 0;
@@ -128,7 +128,7 @@ class CheckedInvocation {
     if (values.size() == arguments_.size()) CheckTogether(values);
   }
 
-  // Gives the values. A text is never wrong, and is left out of them.
+  // Gives the values. Texts are always right and are left out.
   std::vector<std::string> CheckValues() const {
     std::vector<std::string> values;
     for (size_t number = 0; number < arguments_.size(); ++number) {

@@ -15,7 +15,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Numbers of the protocol.
+// The protocol's numbers.
 enum DiagnosticSeverity { kErrorSeverity = 1, kWarningSeverity = 2 };
 enum CompletionKind { kFunction = 3, kVariable = 6, kValue = 12, kKeyword = 14 };
 constexpr int kNamespaceSymbol = 3;
@@ -26,7 +26,7 @@ Json RangeOf(const Document& document, size_t line, size_t begin, size_t end) {
           {"end", {{"line", line}, {"character", UnitsBefore(text, end)}}}};
 }
 
-// The word around a place, a variable or a call; empty if there is none.
+// The word around a place, if it is a variable or a call; else empty.
 struct WordAt {
   size_t begin = 0;
   size_t end = 0;
@@ -53,7 +53,7 @@ int KindOf(const Proposal& proposal) {
   }
 }
 
-// What is known of a command shows what its octets are.
+// Shows the octets of a command, as far as its value is known.
 std::string DescribeCommand(const Value& value) {
   constexpr size_t kHeaderDigits = 8;
   std::string digits = WithoutBlanks(UpperCase(value.begin));

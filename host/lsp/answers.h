@@ -9,8 +9,8 @@
 
 namespace host {
 
-// What an editor asks of a script, in the shapes of the Language Server Protocol. A place is a line
-// and an octet of it, counted from 0; one that is not there gets null or nothing.
+// Answers to an editor's questions, in the forms of the Language Server Protocol. A place is a line
+// and an octet of that line, both counted from 0. A place outside the script gets null or nothing.
 struct Place {
   size_t line;
   size_t octet;
@@ -19,7 +19,7 @@ struct Place {
 nlohmann::json DiagnosticsOf(const Document& document, const Circumstances& circumstances);
 nlohmann::json CompletionAt(const Document& document, Place place,
                             const Circumstances& circumstances);
-// Of what the command line brings no value is shown.
+// Shows no value that comes from the command line.
 nlohmann::json HoverAt(const Document& document, Place place, const Circumstances& circumstances);
 nlohmann::json DefinitionAt(const Document& document, Place place, const std::string& uri);
 nlohmann::json OutlineOf(const Document& document);

@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-// Of a character of UTF-8 by its first octet. The others have none.
+// The UTF-16 units of a character, counted at its first octet. Its other octets have none.
 size_t UnitsOf(char octet) {
   constexpr unsigned char kFourOctets = 0xF0;
   if (!BeginsCharacter(octet)) return 0;

@@ -17,10 +17,10 @@ class Document {
 
   const std::vector<std::string>& Lines() const { return lines_; }
 
-  // The statement of a line; none if it is malformed or not there.
+  // The statement of a line; none if it is malformed or there is no such line.
   std::optional<Statement> Read(size_t line) const;
 
-  // The line that stores a variable last before this one; none if there is none.
+  // The last line before this one that stores the variable; none if there is none.
   std::optional<size_t> AssignmentBefore(size_t line, std::string_view variable) const;
 
   // The names with % that the lines before this one store, each once.
@@ -30,10 +30,10 @@ class Document {
   std::vector<std::string> lines_;
 };
 
-// The variable that a line stores, as it is typed; empty if it stores none that a script can read.
+// The variable that a line stores, as typed; empty if it stores none that a script can read.
 std::string_view StoredVariable(std::string_view line);
 
-// Editors count in units of UTF-16.
+// Converts between octets and UTF-16 units, in which editors count.
 size_t UnitsBefore(std::string_view line, size_t octet);
 size_t OctetAt(std::string_view line, size_t unit);
 

@@ -17,8 +17,8 @@ namespace {
 constexpr size_t kLongestMessage = 64 << 20;
 constexpr size_t kLongestLine = 4096;  // of a header
 
-// The length that a header's line tells; none if it is another line or tells none. Behind a message
-// that was longer than its header said, the name stands somewhere in the line.
+// The length in a header's line; none if the line has none. After a message that was longer than
+// its header said, the field's name may be anywhere in the line.
 std::optional<size_t> LengthIn(std::string_view line) {
   constexpr std::string_view kName = "CONTENT-LENGTH:";
   const size_t name = UpperCase(line).rfind(kName);
@@ -47,7 +47,7 @@ bool MessageStream::ReadMore() {
   return count > 0;
 }
 
-// Without its end. What is too long for a header comes in parts.
+// The line without its end. A line too long for a header comes in parts.
 std::optional<std::string> MessageStream::NextLine() {
   size_t end = octets_.find('\n');
   while (end == octets_.npos && octets_.size() < kLongestLine) {

@@ -7,14 +7,14 @@
 namespace host {
 
 // The messages of the Language Server Protocol on standard input and output: a header with
-// Content-Length, an empty line, and so many octets.
+// Content-Length, an empty line, and that many octets.
 class MessageStream {
  public:
-  // Makes standard output ready for octets.
+  // Switches standard output to octets.
   MessageStream();
 
-  // The next message; none at the end of input. An empty one stands for a header without a length
-  // that can be followed: the next header is looked for behind it. Throws Failure (kFileFault).
+  // The next message; none at the end of input. Empty for a header without a usable length: the
+  // search for the next header goes on behind it. Throws Failure (kFileFault).
   std::optional<std::string> Next();
 
   // Throws Failure (kFileFault).
@@ -24,7 +24,7 @@ class MessageStream {
   bool ReadMore();
   std::optional<std::string> NextLine();
 
-  std::string octets_;  // not taken yet
+  std::string octets_;  // read but not taken yet
 };
 
 }  // namespace host

@@ -51,7 +51,7 @@ class Server {
   }
 
  private:
-  // False behind the last message.
+  // False after the last message.
   bool Take(const std::string& text) {
     const Json message = Json::parse(text, nullptr, false);
     if (message.is_discarded()) {
@@ -60,7 +60,7 @@ class Server {
     }
     const bool response = message.is_object() && !message.contains("method") &&
                           (message.contains("result") || message.contains("error"));
-    if (response) return true;  // to what nobody asked
+    if (response) return true;  // to no request of ours
     const Json id = IdOf(message);
     if (!message.is_object() || !message.contains("method") || !message["method"].is_string()) {
       SendFault(id, {kInvalidRequest, "this is no request"});

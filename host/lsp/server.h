@@ -4,8 +4,8 @@
 
 namespace host {
 
-// Serves an editor on standard input and output, as the Language Server Protocol has it. Gives the
-// exit code: 0 if the editor asked for the end as it should, else 1. Throws Failure (kFileFault).
+// Serves an editor on standard input and output by the Language Server Protocol. Gives the exit
+// code: 0 if the editor ended the session properly, else 1. Throws Failure (kFileFault).
 int ServeEditor(const Circumstances& circumstances);
 
 }  // namespace host
