@@ -13,7 +13,7 @@ namespace {
 
 struct Kind {
   std::string_view name, shortName, library;
-  std::string_view example, marker;  // of a reader's name, and what stands in every one
+  std::string_view example, marker;  // a reader's name, and the part that all names have
 };
 
 const std::map<int32_t, Kind>& Kinds() {

@@ -20,15 +20,14 @@ bool KnowsItsReaders(int32_t kind) {
   return kind == ReaderKindTyUsb || kind == ReaderKindPcsc || kind == ReaderKindBsit;
 }
 
-// Opening hands the library one less than the number of a TY key, which is listed by the library's
-// index.
+// The library lists a TY key by its index, but Orvane's open passes it one less than the number.
 std::string Address(int32_t kind, const std::string& listed) {
   if (kind != ReaderKindTyUsb) return Printable(listed);
   return "USB" + std::to_string(std::stoi(listed.substr(3)) + 1) + "  listed as " + listed;
 }
 
 size_t PrintKind(std::ostream& out, int32_t kind, int32_t ports) {
-  // The names that the library lists for payment HSMs open nothing.
+  // The names that the library lists for payment HSMs cannot be opened.
   const std::vector<std::string> names =
       kind == ReaderKindTcp ? std::vector<std::string>{"ADDRESS:PORT"} : ListReaders(kind, ports);
   for (const std::string& name : names) {
@@ -70,7 +69,7 @@ void PrintModules(std::ostream& out) {
   PrintModule(out, "cryptography", kCrypto, LocateModule(kCrypto, Lookup::kInOwnFolders));
   for (const int32_t each : ReaderKinds()) {
     const std::string_view library = KindLibrary(each);
-    if (library.empty() || each == ReaderKindS5009Ats) continue;  // the same as S5009's
+    if (library.empty() || each == ReaderKindS5009Ats) continue;  // has S5009's library
     PrintModule(out, KindName(each), library, LocateModule(library, KindLookup(each)));
   }
 }

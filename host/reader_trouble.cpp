@@ -66,7 +66,7 @@ Function* Find(void* module, const char* name) {
   return reinterpret_cast<Function*>(ModuleFunction(module, name));
 }
 
-// A module that lacks functions is no trouble where nothing but trouble is looked for.
+// If only looking for trouble, a module that lacks functions is none.
 Code Connect(void* module, Handle context, const char* reader, Then then) {
   const auto connect = Find<Code(Handle, const char*, uint32_t, uint32_t, Handle*, uint32_t*)>(
       module, "SCardConnectA");
@@ -86,7 +86,7 @@ Code Connect(void* module, Handle context, const char* reader, Then then) {
   return code;
 }
 
-// As the interface has it.
+// In the interface's layout.
 struct ReaderState {
   const char* name;
   void* user = nullptr;
@@ -115,8 +115,8 @@ std::string Ask(const std::string& reader, Then then) {
   return Describe(code);
 }
 
-// What PC/SC itself has against a card in this reader, since the library keeps PC/SC's codes to
-// itself; empty if the card answers. With an empty name it asks for the service alone.
+// What PC/SC reports about the card in this reader; empty if the card answers. Orvane's library
+// does not pass PC/SC's codes on. An empty name asks for the service alone.
 std::string PcscTrouble(const std::string& reader) { return Ask(reader, Then::kLeave); }
 
 // True for a decimal number from low to high, without a sign.

@@ -8,35 +8,35 @@
 
 namespace host {
 
-// Throws Failure (kReaderFault) where the library would not find out that the address of an
-// payment HSM is no numbers-and-dots IPv4 address with a port, or take it for another.
+// Throws Failure (kReaderFault) unless a payment HSM's address is an IPv4 address in numbers and
+// dots with a port. The library would not report such an address, or would misread it.
 void CheckMachine(const ReaderAddress& address);
 
-// The name that PC/SC has for a reader of its kind; empty if it has none.
+// The name under which PC/SC knows a reader of its kind; empty if it has none.
 std::string PcscName(const ReaderAddress& address);
 
-// The PC/SC readers that there are, or why there is none.
+// The names of the PC/SC readers, or why there are none.
 std::string PcscReaders();
 
-// Why a reader did not open; a sentence without its full stop.
+// Why a reader did not open: a sentence without its full stop.
 std::string WhyNotOpened(const ReaderAddress& address);
 
-// What is wrong with the card of a reader that is open; empty if that can't be told.
+// What is wrong with the card in an open reader; empty if that is not known.
 std::string CardTrouble(const ReaderAddress& address);
 
-// How often cards have come into a PC/SC reader and gone, as far as PC/SC counts them, and whether
-// one is there.
+// How often cards have entered or left a PC/SC reader, as far as PC/SC counts it, and whether one
+// is there now.
 struct CardMovements {
   uint32_t count;
   bool present;
   bool operator==(const CardMovements&) const = default;
 };
-// None where that can't be told, as of a reader of another kind. Nothing goes to the card.
+// None if that is not known, as for readers of other kinds. Sends nothing to the card.
 std::optional<CardMovements> AskForMovements(const ReaderAddress& address);
 
-// Takes the power from the card in this reader and gives it back, which nothing in the library
-// does. Gives what was in the way: a sentence without its full stop; empty if nothing was. A
-// connection that the library has to the card is of no use behind it.
+// Switches the power of the card in this reader off and on, which Orvane's library cannot do. Gives
+// what went wrong, a sentence without its full stop; empty on success. The library's open
+// connections to the card are useless afterwards.
 std::string PowerOffAndOn(const std::string& reader);
 
 }  // namespace host

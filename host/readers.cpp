@@ -21,14 +21,14 @@ constexpr int32_t kMostListed = 64;
 constexpr int32_t kNoKind = -1;
 constexpr const char* kSimulatedReader = "3:Simulated Reader 0";
 
-// The library looks for this module beside itself alone, so that no simulator can be put in its
-// place: listing has it loaded, whichever it is.
+// The library looks for this module in its own folder alone, so no simulator can be loaded in its
+// place. Listing makes the library load it, whichever it is.
 bool WdIsSimulated() {
   ListReaders(ReaderKindWd, 0);
   return LoadedModuleExports("wdcrwx", "SimulatorRestart");
 }
 
-// That of the installation where none stands beside the program.
+// Beside the program, or else in the installation.
 std::filesystem::path SimulatorFile(int32_t kind) {
   const std::string file = ModuleFileName(KindLibrary(kind));
   auto beside = ProgramFolder() / "simulators" / file;
@@ -44,7 +44,7 @@ std::optional<std::string> ReadAtr() {
 
 }  // namespace
 
-// The one of WD stands beside the library.
+// WD's simulator is not loaded here: it stands beside the library.
 void LoadSimulator(int32_t kind) {
   if (KindLibrary(kind).empty() || kind == ReaderKindWd) return;
   const std::filesystem::path module = SimulatorFile(kind);
@@ -73,7 +73,7 @@ void FeedSimulator(int32_t kind, const std::string& serialNumber) {
 }
 
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
-  // Room for what any kind may write: the ports and one USB reader, or 16, or the limit.
+  // Room for the most that any kind writes: the ports and one USB reader, or 16, or the limit.
   std::vector<ReaderInfo> list(static_cast<size_t>(std::max(ports + 1, kMostListed)));
   const int32_t limit = static_cast<int32_t>(list.size());
   const int32_t count = GetReaderList(kind, list.data(), ports, limit);
@@ -142,7 +142,7 @@ ReaderAddress Readers::Open(std::string_view text) {
   return OpenAddress(text);
 }
 
-// A script may close and open a reader and go on where its card was.
+// Once per reader: a script may close and open a reader and go on with its card.
 void Readers::ColdResetOnce(const ReaderAddress& address) {
   if (!coldReset_) return;
   if (address.kind != ReaderKindPcsc) {
@@ -186,8 +186,8 @@ ReaderAddress Readers::OpenAddress(std::string_view text) {
   return address;
 }
 
-// Where a reader of the kind is in place, its link to the PC/SC service may be one that the
-// service's restart has made useless: a kind that does not exist does away with it.
+// After a restart of the PC/SC service, the driver's old connection to it is useless. Opening a
+// kind that does not exist drops that driver.
 bool Readers::Connect(const ReaderAddress& address, bool again) {
   const auto open = [&] {
     return (address.port ? OpenReader(*address.port, address.kind, kBaudRate)
@@ -226,7 +226,7 @@ Readers::Place& Readers::Use() {
 
 void Readers::ChooseSlot(const std::string& slot) {
   Place& place = Use();
-  // The library takes a single digit for the high half: "1" would be slot 16.
+  // The library reads a single digit as the high half: "1" would be slot 16.
   if (slot.size() != 2 || !IsHexDigit(slot[0]) || !IsHexDigit(slot[1])) {
     throw Failure(kScriptFault, "a slot is two hexadecimal digits, such as 00 or 0C, not \"" +
                                     Printable(slot) + "\"");

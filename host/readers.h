@@ -15,25 +15,25 @@
 
 namespace host {
 
-// Puts a simulator in the place of the kind's vendor library, if it has one: loads it from the
-// folder simulators beside the program, or of the installed layout. Throws Failure (kReaderFault)
-// if there is none.
+// Puts a simulator in the place of the kind's vendor library, if it has one. Loads it from the
+// folder simulators beside the program or in the installation. Throws Failure (kReaderFault) if
+// there is none.
 void LoadSimulator(int32_t kind);
 
-// Puts a fresh card with this serial number, 16 digits, into the readers of the kind's simulator,
-// or the recording at its first command again. LoadSimulator has loaded it.
+// Puts a fresh card with this serial number of 16 digits into the readers of the kind's simulator,
+// or the recording at its first command again. LoadSimulator must have loaded it.
 void FeedSimulator(int32_t kind, const std::string& serialNumber);
 
-// The readers of one kind, offering this many ports where ports can't be asked for.
+// The readers of one kind. If its ports cannot be found out, gives this many.
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
 
 // The sixteen readers of the library, as scripts use them. Every failure is thrown as Failure
-// (kReaderFault). What is open is closed at the end.
+// (kReaderFault). The destructor closes all open readers.
 class Readers {
  public:
-  // defaultKind is for addresses without one. simulate loads a kind's simulator before a
-  // reader of it is opened. defaultReader is what OpenDefault opens otherwise; it may be empty.
-  // coldReset takes the power from a card and gives it back before its reader is opened for the
+  // defaultKind is for addresses without a kind. simulate loads a kind's simulator before one of
+  // its readers is opened. defaultReader is the one that OpenDefault opens without simulate; it may
+  // be empty. coldReset switches a card's power off and on before its reader is opened for the
   // first time.
   Readers(int32_t defaultKind, bool simulate, std::string defaultReader, bool coldReset = false)
       : defaultKind_(defaultKind),
@@ -46,42 +46,42 @@ class Readers {
 
   void CloseAll();
 
-  // True once a reader has been named or the default one has opened.
+  // True after a reader was named or the default one has opened.
   bool Used() const { return used_; }
   size_t Number() const { return current_; }  // of the current reader
   bool IsOpen() const { return places_[current_] && places_[current_]->open; }
-  // Loads all simulators, if simulate says so.
+  // Loads all simulators, if simulate is set.
   void PrepareLists() const;
 
-  // True if a simulator stands behind the current reader.
+  // True if the current reader is simulated.
   bool Simulated() const;
-  // Of the current reader; of none, that of the one that OpenDefault would open.
+  // Of the current reader; if none was opened, of the one that OpenDefault would open.
   Framing CurrentFraming() const;
 
   void Select(std::string_view number);
-  // Opens the current reader, and gives what it opened.
+  // Opens the current reader and gives the address that it opened.
   ReaderAddress Open(std::string_view text);
-  // Opens the reader that is meant where none is named: a simulated one if simulate says so, else
-  // the default one, else the only PC/SC reader that there is.
+  // Opens the reader for a script that names none: a simulated one if simulate is set, else the
+  // default one, else the only PC/SC reader.
   ReaderAddress OpenDefault();
   void ChooseSlot(const std::string& slot);
-  // The ATR. A PC/SC reader that gives none is opened afresh and asked once more: another program
+  // Gives the ATR. If a PC/SC reader gives none, opens it again and retries once: another program
   // may have reset its card, or the service may have restarted.
   std::string ResetCard();
-  // Makes sure that the command can be sent at all.
+  // Throws if the command cannot be sent at all.
   void Check(const CardCommand& command);
-  // Without a response the connection to a payment HSM is closed, so that a response that
-  // comes late is not taken for the next command's; the next use opens it afresh.
+  // If a payment HSM gives no response, closes the connection, so that a late response is not taken
+  // for the next command's. The next use opens it again.
   Response Send(const CardCommand& command);
-  // Of the current reader; of none, that of the one that OpenDefault would open.
+  // Of the current reader; if none was opened, of the one that OpenDefault would open.
   int32_t CurrentKind() const;
 
  private:
-  // A reader that has been opened. Where it is not open now, its next use opens it afresh.
+  // A reader that was opened. If it is closed now, its next use opens it again.
   struct Place {
     ReaderAddress address;
     bool open = true;
-    std::string slot;  // empty: none was chosen
+    std::string slot;  // empty: none chosen
   };
 
   void ColdResetOnce(const ReaderAddress& address);
@@ -95,7 +95,7 @@ class Readers {
   bool simulate_;
   bool coldReset_;
   std::string defaultReader_;
-  std::set<std::string> coldResets_;  // the readers whose cards have had theirs
+  std::set<std::string> coldResets_;  // the readers whose cards had one
   bool used_ = false;
   size_t current_ = 0;
   std::array<std::optional<Place>, 16> places_;

@@ -23,7 +23,7 @@ Function* SimulatorFunction(void* simulator, const char* name) {
   return reinterpret_cast<Function*>(ModuleFunction(simulator, name));
 }
 
-// The octets in groups, as the trace has them, and a * for each digit that is hidden.
+// The octets in groups, in the trace's form; hidden digits are *.
 std::string Shown(const std::string& digits, bool hidden) {
   if (!hidden) return SpacedOctets(digits);
   return SpacedOctets(recordings::WithoutData(digits, recordings::FindParts(digits)));

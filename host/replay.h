@@ -11,14 +11,14 @@
 
 namespace host {
 
-// Throws ScriptFailure for a file that is no recording, kFileFault for one that can't be read.
+// Throws ScriptFailure for a file that is no recording, kFileFault for one that cannot be read.
 recordings::Recording ReadRecordingFile(const std::string& file);
 
-// Puts a recording in the place of the simulators' card, and throws Failure (kExpectationFailed)
-// behind the first command that is not as recorded. There is one of these at a time.
+// Puts a recording in the place of the simulators' card. Throws Failure (kExpectationFailed) after
+// the first command that differs from the recording. Only one may exist at a time.
 class Replay : public ExchangeListener {
  public:
-  // Throws as ReadRecordingFile, also for a recording of something else than cards.
+  // Throws like ReadRecordingFile, also for a recording without cards.
   Replay(const std::string& file, bool anyOrder);
   Replay(const Replay&) = delete;
   Replay& operator=(const Replay&) = delete;
@@ -28,27 +28,27 @@ class Replay : public ExchangeListener {
   void CardReset(size_t, const std::optional<std::string>&, const Timing&) override {}
   void Exchanged(const CardExchange& exchange) override;
 
-  // True from the first command on that is not as recorded.
+  // True from the first command on that differs from the recording.
   bool Differs() const { return differs_; }
 
-  // Has the simulator of a kind of reader replay it, unless that has been done.
+  // Makes a kind's simulator replay the recording, unless it does so already.
   void BeginIn(int32_t kind, void* simulator);
 
  private:
-  using Differed = int64_t();  // as SimulatorDiffered of simulator.h
+  using Differed = int64_t();  // see SimulatorDiffered in simulator.h
 
   std::string file_;
   bool anyOrder_;
   recordings::Recording recording_;
-  std::map<int32_t, Differed*> simulators_;  // by kinds
+  std::map<int32_t, Differed*> simulators_;  // by kind
   size_t commands_ = 0;
   bool differs_ = false;
 };
 
-// Has the simulator of a kind of reader replay what is to be replayed, if anything is.
+// Makes a kind's simulator replay the recording, if there is one.
 void ReplayIn(int32_t kind, void* simulator);
 
-// Null where neither --replay nor, on simulators, the environment's ORVANE_CARD names a recording.
+// Null unless readers are simulated and --replay or ORVANE_CARD names a recording.
 std::unique_ptr<Replay> ReplayFor(const Options& options);
 
 }  // namespace host

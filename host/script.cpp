@@ -57,7 +57,7 @@ bool LookAtScript(const Script& script, Session& session) {
     return true;
   });
   if (sound) return learned;
-  // What the message has to hide is known now.
+  // All secrets are known now, so the message can hide them.
   size_t assignments = 0;
   script.ForEach([&](const Statement& statement, size_t) {
     session.LookAt(statement, assignments);

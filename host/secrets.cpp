@@ -15,14 +15,14 @@ constexpr std::array<std::string_view, 5> kTellingNames = {"PIN", "PUK", "KEY", 
 constexpr std::array<const char*, 2> kAnswer = {"%RESP", "%SW"};
 constexpr size_t kHeaderDigits = 10;  // with Lc
 constexpr size_t kLongest = 2 * kMostCommandOctets;
-constexpr size_t kLongestNumber = 3;  // what is longer can be a PIN
+constexpr size_t kLongestNumber = 3;  // a longer one may be a PIN
 
-// Where a word stands.
+// What the position of a word means for it.
 struct Place {
   bool key = false;
   bool serialNumber = false;
   bool number = false;
-  bool hidden = false;  // does not show in the value
+  bool hidden = false;  // its text is not seen in the value
 };
 
 struct OpenInvocation {
@@ -40,7 +40,7 @@ struct OpenInvocation {
   }
 };
 
-// The places of the words from first to the end of the operands or of the argument that it is in.
+// The places of the words from first to the end of the operands, or of the argument around it.
 std::vector<Place> PlacesFrom(const Statement& statement, size_t first) {
   std::vector<Place> places;
   std::vector<OpenInvocation> open;
@@ -62,7 +62,7 @@ std::vector<Place> PlacesFrom(const Statement& statement, size_t first) {
   return places;
 }
 
-// The index behind an operand: a word, or a built-in to its closing parenthesis.
+// The index behind an operand: a word, or a built-in up to its closing parenthesis.
 size_t Behind(const Statement& statement, size_t operand) {
   if (operand >= statement.end || statement.words[operand].kind != WordKind::kBuiltin) {
     return operand + 1;
@@ -95,7 +95,7 @@ bool IsTelling(std::string_view upperName) {
                      [&](std::string_view word) { return upperName.find(word) != upperName.npos; });
 }
 
-// The end of the first count characters in the source text that are no blanks.
+// The position behind the first count non-blank characters of the source text.
 size_t SkipCharacters(std::string_view source, size_t count) {
   size_t at = 0;
   for (; at < source.size() && count > 0; ++at) {
@@ -104,8 +104,8 @@ size_t SkipCharacters(std::string_view source, size_t count) {
   return at;
 }
 
-// True for a text of this length that begins as a command that carries secrets, some of its data
-// included. What begins as a tag might as well is one only if Lc fits.
+// True if a text of this length begins as a command that carries secrets and has some of its data.
+// A text that may as well begin with a tag counts only if its Lc fits.
 bool CarriesSecretData(std::string_view beginning, size_t length, bool isCommand) {
   if (beginning.size() < 4 || length <= kHeaderDigits ||
       !std::all_of(beginning.begin(), beginning.begin() + 4, IsHexDigit) ||
@@ -128,8 +128,8 @@ bool CarriesSecretData(std::string_view beginning, size_t length, bool isCommand
 struct Secrets::Known {
   std::string beginning;
   Number length = kNone;
-  size_t end;   // behind the last word that is known
-  size_t data;  // the first one that may stand behind a command's header
+  size_t end;   // behind the last known word
+  size_t data;  // the first word that may be behind a command's header
 
   bool IsSecret(bool isCommand) const { return CarriesSecretData(beginning, length, isCommand); }
 };
@@ -169,8 +169,8 @@ bool Secrets::IsSecret(std::string_view name) const {
   return value != kNone && (values_[value].sent || values_[value].made);
 }
 
-// True if the statement's value is made from a secret; with hiddenToo, also if one is spelled out
-// where it does not show in the value.
+// True if the statement's value is made from a secret. With hiddenToo, also if a secret is spelled
+// out where the value does not show it.
 bool Secrets::Involves(const Statement& statement, bool hiddenToo) const {
   const std::vector<Place> places = PlacesFrom(statement, statement.value);
   for (size_t i = 0; i < places.size(); ++i) {
@@ -201,7 +201,7 @@ Secrets::Number Secrets::EndOfSources(Number value) const {
                                     : static_cast<Number>(sources_.size());
 }
 
-// Each value is marked once, whatever leads to it.
+// Marks each value once, however many ways lead to it.
 void Secrets::Mark(Number value) {
   std::vector<Number> open = {value};
   while (!open.empty()) {

@@ -12,72 +12,71 @@
 
 namespace host {
 
-// Knows which values hold PINs and keys, so that no digit of one is shown. A value is secret
+// Knows which values hold PINs and keys, so that no digit of them is shown. A value is secret
 //  - if its variable's name says so (PIN, PUK, KEY, PASSWORD, SECRET),
-//  - if it begins as a command that carries secrets, data included,
+//  - if it begins as a command that carries secrets and has some of its data,
 //  - if the script sends it as data of such a command, gives it as a key to one of the library's
-//    commands, or makes such a value from it, however many variables stand between,
-//  - if it was made from a secret one, other than by a command whose result gives nothing away (a
+//    commands, or makes such a value from it, through any number of variables,
+//  - if it was made from a secret value, except by a command whose result reveals nothing (a
 //    length, a MAC, a public-key encryption).
-// Behind what only the card's answers tell, a command is taken for one that carries secrets.
+// If a command's beginning depends on the card's answers, it is taken to carry secrets.
 class Secrets {
  public:
-  // Whether everything that Learn looks at is going to run, or parts of it may be passed over. A
-  // variable holds the value from before then, and is as secret as any that may stand in it.
+  // kStraight: everything that Learn looks at will run. kInParts: parts of it may be left out. A
+  // variable may then still hold its earlier value, and is as secret as any value that it may hold.
   enum class Flow { kStraight, kInParts };
 
   explicit Secrets(Flow flow = Flow::kStraight) : flow_(flow) {}
 
-  // Takes note of a variable that statements find.
+  // Notes a variable that exists before the statements run.
   void Define(std::string_view name, std::string_view value);
 
-  // Looks ahead at a statement, behind those that it has looked at and that have not run yet: a
-  // value is made by an assignment, and goes into those that read the variable up to the next one.
-  // True if a value that is there already turns out to be secret.
+  // Looks ahead at a statement, after those that it has looked at and that have not run yet. An
+  // assignment makes a value, which goes into the statements that read the variable up to its next
+  // assignment. True if an existing value turns out to be secret.
   bool Learn(const Statement& statement);
 
-  // Of what Learn has looked at, nothing more is going to run.
+  // Nothing more of what Learn has looked at will run.
   void StartOver() { next_ = firstAhead_ = static_cast<Number>(values_.size()); }
 
-  // An assignment that Learn has looked at is not made.
+  // An assignment that Learn has looked at is left out.
   void PassOver() { ++next_; }
 
-  // Follows an assignment that has been made, in the order of Learn.
+  // Follows an assignment that was made. The order is that of Learn.
   void Follow(const Statement& assignment, std::string_view value);
 
-  // Follows a command that has been sent: %RESP and %SW hold what the card gave, which is no
-  // secret.
+  // Follows a command that was sent: %RESP and %SW hold the card's answer, which is no secret.
   void FollowAnswer();
 
-  // True if the statement reads a secret, stores one, or spells one out. It is the one that Follow
-  // waits for, or another one that stores nothing; with a number, it stands that many assignments
-  // further on in what Learn has looked at.
+  // True if the statement reads a secret, stores one, or spells one out. The statement is the one
+  // that Follow waits for, or one that stores nothing; with assignmentsBefore, the one that many
+  // assignments further on in what Learn has looked at.
   bool Touches(const Statement& statement, size_t assignmentsBefore = 0) const;
 
-  // True for a value that begins as a command that carries secrets, some of its data included.
+  // True for a value that begins as a command that carries secrets and has some of its data.
   static bool BeginsAsSecret(std::string_view value);
 
  private:
-  static constexpr size_t kForeseen = 16;  // with Lc in its longest form, and the first octet
-  using Number = uint32_t;                 // of a value, in the order in which they are made
+  static constexpr size_t kForeseen = 16;  // header, the longest Lc, the first octet of data
+  using Number = uint32_t;  // the number of a value; they are numbered as they are made
   static constexpr Number kNone = UINT32_MAX;
 
   struct Value {
-    // Its first digits, in upper case, as far as they are known, and a zero byte.
+    // Its first digits in upper case, as far as they are known, then a zero byte.
     std::array<char, kForeseen + 1> beginning = {};
     Number length = kNone;  // kNone: not known
-    Number sources = 0;     // where the values that it is made from begin in sources_
-    Number rest = 0;        // and those behind the operand whose text is not known
-    Number head = kNone;    // that operand's value
-    Number before = kNone;  // what the variable still holds where the assignment is passed over
-    bool sent = false;      // secret, and what it is made from is
+    Number sources = 0;     // where the numbers of its sources begin in sources_
+    Number rest = 0;        // where those behind the first unknown operand begin
+    Number head = kNone;    // the value of that operand
+    Number before = kNone;  // the earlier value, which stays if the assignment is left out
+    bool sent = false;      // secret, and so are its sources
     bool made = false;      // made from a secret
     bool headSeen = false;
   };
 
   struct Variable {
     Number now = kNone;
-    Number ahead = kNone;  // as Learn goes on; below firstAhead_ it is of another Learn
+    Number ahead = kNone;  // the value that Learn has reached; outdated below firstAhead_
   };
 
   // What is known of the operands from one word on.
@@ -105,8 +104,8 @@ class Secrets {
   size_t marked_ = 0;
 };
 
-// The statement with ** in place of its literals, but for numbers and flags, and for the first
-// digits of an expression, of which visibleDigits stay.
+// The statement with ** for its literals. Numbers and flags stay, and so do the first visibleDigits
+// digits of an expression.
 std::string MaskLiterals(const Statement& statement, size_t visibleDigits);
 
 }  // namespace host
