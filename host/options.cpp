@@ -15,7 +15,7 @@
 namespace host {
 namespace {
 
-#ifndef INSTALLED_EXAMPLES  // from the program's folder, if there is an installation
+#ifndef INSTALLED_EXAMPLES  // the path from the program's folder, in an installation
 #define INSTALLED_EXAMPLES "examples"
 #endif
 
@@ -81,7 +81,7 @@ constexpr const char* kShortFooter =
     "\norvane --help tells how readers are named, what is hidden, where messages are explained, "
     "and the exit codes.";
 
-// The script to begin with, in a checkout's build or in the installation that the program is of.
+// The command to try first, with the example of the build's checkout or of the installation.
 std::string TryIt() try {
   const std::filesystem::path program = ProgramFolder();
   for (const std::filesystem::path& folder :
@@ -93,7 +93,7 @@ std::string TryIt() try {
     return "\nTry it\n  orvane run --simulate \"" + std::string(name.begin(), name.end()) + "\"\n";
   }
   return "";
-} catch (const Failure&) {  // the system does not tell where the program stands
+} catch (const Failure&) {  // the system does not say where the program is
   return "";
 }
 
@@ -102,11 +102,11 @@ std::string DescribeVersion() {
   text << "orvane " ORVANE_VERSION "\n" << SystemName() << "\n\n";
   PrintModules(text);
   std::string lines = text.str();
-  lines.pop_back();  // its last line end is added
+  lines.pop_back();  // the parser adds the last line end
   return lines;
 }
 
-// Puts the kind's number in the place of its name.
+// Replaces a kind's name by its number.
 std::string ReadKind(std::string& text) {
   const std::optional<int32_t> kind = FindKind(text);
   if (!kind) return NoSuchKind(text).what();
@@ -262,7 +262,7 @@ void DescribeBatch(CLI::App& batch, Options& options) {
       ->type_name("FOLDER");
   batch.add_option("--html", options.html, "Write a report for people, a page that stands alone")
       ->type_name("FILE");
-  batch.add_option("--worker", options.batch.worker)->group("");  // for the program itself
+  batch.add_option("--worker", options.batch.worker)->group("");  // for the program's own use
   batch.footer(
       "\nExit code: 0 if all rows are done or abandoned; 1 if one has failed; 2 if rows that were "
       "begun need\n--retry-begun or --skip-begun; 3 if script or table is wrong, or the journal is "
@@ -297,10 +297,10 @@ bool WantsColour(const Options& options) {
 
 void DescribeOptions(CLI::App& app, Options& options) {
   app.name("orvane");
-  app.formatter(MakeHelpFormatter());      // which the subcommands inherit
+  app.formatter(MakeHelpFormatter());      // the subcommands inherit it
   app.allow_windows_style_options(false);  // a path may begin with a slash
   app.description("Runs card scripts and APDUs against smart-card readers.");
-  app.footer(kShortFooter);  // what the subcommands inherit
+  app.footer(kShortFooter);  // the subcommands inherit it
   app.require_subcommand(1);
   app.set_version_flag("--version", DescribeVersion,
                        "Show the version, the system and the modules that are found");

@@ -13,24 +13,24 @@ class App;
 
 namespace host {
 
-// What it says for a batch alone.
+// The options of orvane batch alone.
 struct BatchOptions {
   std::vector<std::string> readers;
-  std::string table, key, journal;  // files; a column, empty for the first one
+  std::string table, key, journal;  // files; key is a column, empty for the first one
   std::string jobs;                 // a database in their place
-  bool load = false;                // fill it
+  bool load = false;                // fill the database
   std::string logFolder;            // empty for none
   bool status = false;
   bool retryBegun = false, skipBegun = false, retryFailed = false;
   int timeout = 0;  // seconds, 0 for none
   bool noWait = false;
-  size_t worker = 0;  // whose reader it has, from 1; 0: it is no worker
+  size_t worker = 0;  // the reader that this worker has, from 1; 0: no worker
 };
 
-// What the command line says.
+// The contents of the command line.
 struct Options {
   BatchOptions batch;
-  std::vector<std::string> arguments;  // all of them
+  std::vector<std::string> arguments;  // the whole command line
   std::string file;                    // run, trace
   std::vector<std::string> tests;      // test; files
   std::string only;                    // test; a part of a case's name
@@ -68,14 +68,13 @@ struct Options {
   bool tlv = false;
 };
 
-// Whether standard output is to be coloured.
+// True if standard output should be coloured.
 bool WantsColour(const Options& options);
 
 // Adds all subcommands and options, with their help, to the parser.
 void DescribeOptions(CLI::App& app, Options& options);
 
-// Throws Failure (kScriptFault) for octets in brackets, which the parser would take for a list of
-// its own.
+// Throws Failure (kScriptFault) for octets in brackets, which the parser would read as a list.
 void CheckArguments(const std::vector<std::string>& arguments);
 
 }  // namespace host

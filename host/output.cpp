@@ -13,7 +13,7 @@
 
 namespace host {
 
-// Keeps text until it is flushed, or until there is a line end and this many octets.
+// Keeps text until it is flushed, or until it has a line end and this many octets.
 class DescriptorBuffer : public std::streambuf {
  public:
   DescriptorBuffer(std::ostream& stream, int descriptor, std::string name, size_t kept)
@@ -57,7 +57,7 @@ class DescriptorBuffer : public std::streambuf {
 
   [[noreturn]] void Fail() {
     text_.clear();
-    std::cerr.tie(nullptr);  // flushing a bad stream throws
+    std::cerr.tie(nullptr);  // flushing a bad stream would throw
     throw Failure(kFileFault,
                   "can't write " + name_ + ": " + std::generic_category().message(errno));
   }

@@ -6,10 +6,10 @@ namespace host {
 
 class DescriptorBuffer;
 
-// While it lives, std::cout and std::cerr write UTF-8 to standard output and standard error, whole
-// lines at a time. Standard output that can't be written ends what the program does: the stream
-// throws Failure (kFileFault) then, at the latest when it is flushed, and is bad from there on.
-// Standard error alone turns bad.
+// While it lives, std::cout and std::cerr write UTF-8 to standard output and standard error, in
+// whole lines. If standard output cannot be written, the program ends: the stream throws Failure
+// (kFileFault), at the latest when it is flushed, and stays bad. If standard error cannot be
+// written, its stream only turns bad.
 class StandardStreams {
  public:
   StandardStreams();

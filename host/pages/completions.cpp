@@ -18,7 +18,7 @@ std::vector<std::string> NamesOf(const CLI::App& app) {
   return names;
 }
 
-// Its subcommands, options and the choices of positional arguments.
+// The command's subcommands, options and choices of positional arguments.
 std::string WordsOf(const CLI::App& command) {
   std::vector<std::string> words = NamesOf(command);
   for (const Argument& argument : ArgumentsOf(command)) {
@@ -29,7 +29,7 @@ std::string WordsOf(const CLI::App& command) {
   return Joined(words, " ");
 }
 
-// Text in single quotes of a shell, where zsh takes [ ] and : for its own.
+// Text for a shell's single quotes; [ ] and : are escaped, since zsh interprets them.
 std::string Plain(const std::string& text) {
   std::string plain;
   for (const char c : text) {

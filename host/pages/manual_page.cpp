@@ -18,7 +18,7 @@ std::string Escaped(const std::string& text) {
       escaped += c;
     }
   }
-  // A line that begins with one of these is a request.
+  // A line that begins with one of these would be a request.
   if (escaped.starts_with('.') || escaped.starts_with('\'')) escaped.insert(0, "\\&");
   return escaped;
 }
@@ -47,18 +47,18 @@ void AddCommand(std::ostream& out, const CLI::App& command, const std::string& n
   }
   std::istringstream footer(command.get_footer());
   for (std::string line; std::getline(footer, line);) {
-    if (line.starts_with("orvane --help")) continue;  // it is below
+    if (line.starts_with("orvane --help")) continue;  // it stands below
     out << (line.empty() ? ".PP" : Escaped(line)) << '\n';
   }
 }
 
-// The sections of the footer: a title, and lines that are set in by two blanks. Numbers in front of
-// them are items.
+// The sections of the footer: a title, and lines indented by two blanks. Numbers in front of lines
+// make them items.
 void AddSections(std::ostream& out, const std::string& footer) {
   constexpr size_t kIndent = 2;
   std::istringstream in(footer);
   for (std::string line; std::getline(in, line);) {
-    if (line == "Try it") break;  // it tells of this machine
+    if (line == "Try it") break;  // depends on this machine
     if (line.empty()) continue;
     if (line[0] != ' ') {
       out << ".SH " << Escaped(UpperCase(line)) << '\n';
@@ -80,7 +80,7 @@ void AddSections(std::ostream& out, const std::string& footer) {
 std::string ManualPage(const CLI::App& app) {
   std::ostringstream out;
   std::string summary = app.get_description();
-  summary.pop_back();  // its full stop
+  summary.pop_back();  // the full stop
   summary[0] = 'r';
   out << ".TH ORVANE 1 \"\" \"orvane " ORVANE_VERSION "\" \"User Commands\"\n"
       << ".SH NAME\norvane \\- " << Escaped(summary) << "\n.SH SYNOPSIS\n.B orvane\n"

@@ -6,7 +6,7 @@
 namespace host {
 namespace {
 
-// What a table's cell takes for markup.
+// Escapes what a table's cell would take for markup.
 std::string Escaped(const std::string& text) {
   std::string escaped;
   for (const char c : text) {

@@ -10,16 +10,16 @@ class Option;
 
 namespace host {
 
-// What a person installs beside the program, made from the description of its command line.
+// The files that are installed beside the program, made from the description of its command line.
 std::string ManualPage(const CLI::App& app);
 std::string OptionsPage(const CLI::App& app);  // Markdown
 std::string BashCompletion(const CLI::App& app);
 std::string ZshCompletion(const CLI::App& app);
 
-// An option or a positional argument, as these want it.
+// An option or a positional argument, in the form that these files need.
 struct Argument {
   std::vector<std::string> names;  // with their hyphens; none for a positional one
-  std::string value;               // what stands behind it, such as FILE; empty for a flag
+  std::string value;               // what follows it, such as FILE; empty for a flag
   std::vector<std::string> choices;
   std::string help;
 };

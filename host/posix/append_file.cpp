@@ -18,7 +18,7 @@ namespace {
 constexpr int kTries = 50;
 constexpr unsigned kBetweenTries = 100'000;  // microseconds
 
-// So that the file's name outlives a power cut as well.
+// Makes the file's name survive a power cut too.
 void FlushFolder(const std::string& name) {
   const auto folder = std::filesystem::path(name).parent_path();
   const int descriptor =
@@ -30,8 +30,8 @@ void FlushFolder(const std::string& name) {
 
 }  // namespace
 
-// The descriptor goes to worker processes, and the lock with it: as long as one of them is left
-// over from a process that was killed, nobody else has the file.
+// Worker processes inherit the descriptor and with it the lock. So nobody else gets the file while
+// a worker of a killed process is still running.
 AppendFile::AppendFile(const std::string& name)
     : name_(name), descriptor_(open(name.c_str(), O_RDWR | O_CREAT | O_APPEND, 0666)) {
   if (descriptor_ < 0) Fail("open");

@@ -22,9 +22,9 @@ void NoteInterrupts(int count) {
   most = count;
   struct sigaction action {};
   action.sa_handler = Note;
-  action.sa_flags = SA_RESTART;  // the libraries of readers know nothing of interrupted calls
+  action.sa_flags = SA_RESTART;  // readers' libraries do not expect interrupted calls
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
-  // The write that goes past a limit of file sizes, or to nobody, tells of it.
+  // A write beyond a file size limit, or to a closed pipe, reports its own failure.
   for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
 }
 

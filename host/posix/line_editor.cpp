@@ -38,8 +38,8 @@ void HandleInterrupts(int flags) {
   sigaction(SIGINT, &action, nullptr);
 }
 
-// While it lives, Ctrl-C lets a read fail with EINTR. Once one has lived, the first Ctrl-C outside
-// changes nothing, and the second one ends the program.
+// While it lives, Ctrl-C makes a read fail with EINTR. After the first one has lived, a first
+// Ctrl-C outside does nothing and a second one ends the program.
 class InterruptibleRead {
  public:
   InterruptibleRead() {
@@ -48,7 +48,7 @@ class InterruptibleRead {
     HandleInterrupts(0);
   }
   ~InterruptibleRead() {
-    HandleInterrupts(SA_RESTART);  // the libraries of readers know nothing of interrupted calls
+    HandleInterrupts(SA_RESTART);  // readers' libraries do not expect interrupted calls
     interrupted = 0;
     reading = 0;
   }
@@ -56,7 +56,7 @@ class InterruptibleRead {
   InterruptibleRead& operator=(const InterruptibleRead&) = delete;
 };
 
-// Where a person sees what is typed, even if standard output goes elsewhere.
+// The terminal on which the person types, even if standard output goes elsewhere.
 std::FILE* TerminalStream() {
   static std::FILE* const stream = OutputIsTerminal() ? stdout : std::fopen(ttyname(0), "w");
   return stream != nullptr ? stream : stderr;
@@ -67,8 +67,8 @@ int ReadOctet() {
   return read(STDIN_FILENO, &octet, 1) == 1 ? octet : EOF;
 }
 
-// One character of UTF-8, as libedit keeps it; EOF at the end of input and after Ctrl-C, where
-// libedit's own function reads on.
+// One character of UTF-8 in libedit's form; EOF at the end of input and after Ctrl-C. libedit's own
+// function would read on after Ctrl-C.
 int ReadCharacter(FILE*) {
   int code = ReadOctet();
   const int octets = std::countl_one(static_cast<unsigned char>(code));
@@ -82,14 +82,14 @@ int ReadCharacter(FILE*) {
   return code;
 }
 
-// Line editing, where libedit is installed. It is loaded when a person types: linked, it and the
-// three libraries that it needs would take a fifth of the time of a single command.
+// Line editing, if libedit is installed. It is loaded only when a person types: linking it and its
+// three libraries would cost a fifth of the time of a single command.
 struct LineEditor {
   char* (*readLine)(const char*) = nullptr;
   int (*addHistory)(const char*) = nullptr;
   void (*clearHistory)() = nullptr;
   char** line = nullptr;
-  int* completed = nullptr;  // not 0: libedit's own completion of files is not wanted
+  int* completed = nullptr;  // not 0: no completion of files by libedit
 };
 
 Completer completer;
@@ -98,8 +98,8 @@ const LineEditor& Editor();
 
 char* Copied(const std::string& text) { return strdup(text.c_str()); }
 
-// What libedit is to put in the place of the word, and behind it the words to choose from, all of
-// which it frees; null for none. The place of the word's end is counted in characters.
+// Gives libedit the replacement for the word, followed by the words to choose from; null for none.
+// libedit frees them all. `end` is the position of the word's end, in characters.
 char** Complete(const char* typed, int, int end) try {
   const LineEditor& editor = Editor();
   if (editor.completed == nullptr || editor.line == nullptr) return nullptr;
@@ -123,7 +123,7 @@ char** Complete(const char* typed, int, int end) try {
   list[0] = Copied(common);
   if (words.size() > 1) std::transform(words.begin(), words.end(), list + 1, Copied);
   return list;
-} catch (const std::exception&) {  // libedit could not pass it on
+} catch (const std::exception&) {  // must not pass through libedit
   return nullptr;
 }
 

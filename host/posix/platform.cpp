@@ -60,7 +60,7 @@ void* LoadModule(const std::filesystem::path& file) {
 
 std::string ModuleFileName(std::string_view name) { return "lib" + std::string(name) + ".so"; }
 
-// As the process has loaded it; without links if they are followed.
+// The folder of the library as the process has loaded it, or with links followed.
 static std::filesystem::path LibraryFolder(bool followLinks) {
   Dl_info library{};
   dladdr(dlsym(RTLD_DEFAULT, "RunScript"), &library);
@@ -93,7 +93,7 @@ FoundModule FindModule(std::string_view name, Lookup lookup) {
   return {nullptr, message};
 }
 
-// The module is loaded in a process of its own.
+// Loads the module in a process of its own.
 std::string LocateModule(std::string_view name, Lookup lookup) {
   constexpr unsigned kPatience = 5;  // seconds
   std::array<int, 2> ends{};
@@ -139,7 +139,7 @@ std::string FromLibrary(std::string_view name) { return std::string(name); }
 void OpenStandardDescriptors() {
   for (int descriptor = 0; descriptor < 3; ++descriptor) {
     if (fcntl(descriptor, F_GETFD) >= 0) continue;
-    // Takes the lowest number that is free: this one.
+    // open takes the lowest free number, which is this one.
     open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY);
   }
 }
