@@ -51,7 +51,7 @@ class FileReader {
     return number;
   }
 
-  // The part of a text that a field of that size holds.
+  // The part of a text that fits a field of this size.
   std::string Text(size_t room) {
     bool wide = false;
     uint64_t count = Number(1);
@@ -77,7 +77,7 @@ class FileReader {
     return octets;
   }
 
-  // From UTF-16, little-endian.
+  // Converts from UTF-16, little-endian.
   std::string Utf8(const std::string& octets) const {
     std::u16string units;
     for (size_t i = 0; i < octets.size(); i += 2) {
@@ -116,7 +116,7 @@ std::string Trimmed(std::string_view text) {
   return std::string(text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin));
 }
 
-// What can't be stored whole is not stored.
+// Refuses an entry that cannot be stored whole.
 void CheckEntry(const TagEntry& entry) {
   const auto check = [](std::string_view text, size_t room, const std::string& what) {
     if (text.size() < room) return;
@@ -147,7 +147,7 @@ TagdictData RecordOf(const TagEntry& entry) {
   throw Failure(kExpectationFailed, "the dictionary has no tag " + Printable(tag));
 }
 
-// What a change leaves under upper-case tags: an entry or none.
+// The state after a change, by upper-case tag: an entry, or none if it was removed.
 using Contents = std::map<std::string, std::optional<TagEntry>>;
 
 Contents ByTag(const std::vector<TagEntry>& entries) {
@@ -156,7 +156,7 @@ Contents ByTag(const std::vector<TagEntry>& entries) {
   return contents;
 }
 
-// In whatever case the tag stands, and however often.
+// Deletes every entry of this tag, in whatever case it is written.
 void Delete(const std::string& tag) {
   TagdictData record;
   while (FindTagdictData(tag.c_str(), &record) != 0) DeleteTagdictData(record.tag);
@@ -168,7 +168,7 @@ void Put(const TagEntry& entry) {
   if (AddTagdictData(&record) == 0) throw std::bad_alloc();
 }
 
-// The library does not tell whether it could write.
+// Reads the file again, since the library does not report a failed write.
 void Save(const Contents& expected) {
   FlushTagdict();
   const Contents stored = ByTag(ReadDictionary());
@@ -196,7 +196,7 @@ std::vector<TagEntry> ReadDictionary() {
   std::ifstream in(kDictionaryFile, std::ios::binary);
   if (!in) FailUnreadable();
   FileReader reader(in);
-  if (reader.AtEnd()) return {};  // made, but never written to
+  if (reader.AtEnd()) return {};  // created, but never written
   return ReadEntries(reader);
 }
 
@@ -246,7 +246,7 @@ void RemoveTag(std::string_view tag) {
 size_t ImportTags(const std::vector<TagEntry>& entries) {
   for (const TagEntry& entry : entries) CheckEntry(entry);
   const FolderLock lock;
-  ReadDictionary();  // one that is damaged stays as it is
+  ReadDictionary();  // throws for a damaged one, which stays as it is
   Contents expected;
   for (const TagEntry& entry : entries) {
     Put(entry);

@@ -10,7 +10,7 @@ namespace host {
 
 constexpr const char* kDictionaryFile = "dictdata.bin";
 
-// What a record of the tag dictionary says, in UTF-8.
+// A record of the tag dictionary, in UTF-8.
 struct TagEntry {
   std::string tag;
   std::string name;
@@ -20,29 +20,29 @@ struct TagEntry {
 };
 
 // The dictionary of the current folder, in its order; empty if there is no file. Throws Failure
-// (kFileFault) if it can't be read, or if it does not hold just as many records as it says. The
-// library takes what it finds in such a file, and its functions have no room for the size of a list
-// that may change meanwhile: this reads once.
+// (kFileFault) if it cannot be read, or does not hold exactly the number of records that it states.
+// It reads the file itself, once: the library accepts any such file, and its functions cannot pass
+// the size of a list that may change between two calls.
 std::vector<TagEntry> ReadDictionary();
 
-// The dictionary of the current directory. Everything that goes wrong is thrown as Failure, with
-// the file as it was. Of several programs that change it at once, one waits for the other.
+// Work on the dictionary of the current folder. Every fault is thrown as Failure, with the file as
+// it was. If several programs change it at once, they wait for each other.
 
 void PrintTags(std::ostream& out);
 
-// From the dictionary, else from the program's own list of tags, and which of the two it is.
+// Prints a tag from the dictionary, or else from the program's own list, and says which it was.
 void PrintTag(std::ostream& out, std::string_view tag);
 
-// An entry that is there already stays, unless it is to be replaced.
+// Adds an entry. An existing one stays, unless `replace` is set.
 void AddTag(const TagEntry& entry, bool replace);
 
 void RemoveTag(std::string_view tag);
 
-// Adds or replaces all entries of a list and gives their number.
+// Adds or replaces all entries of a list. Gives their number.
 size_t ImportTags(const std::vector<TagEntry>& entries);
 
-// Reads a list from a file or, for "-", standard input: a line an entry, TAG NAME or
-// TAG NAME | TEXT; empty lines and lines that begin with # say nothing.
+// Reads a list from a file or, for "-", standard input. Each line is an entry: TAG NAME or TAG NAME
+// | TEXT. Empty lines and lines that begin with # are skipped.
 std::vector<TagEntry> ReadTagList(const std::string& file);
 
 }  // namespace host

@@ -8,13 +8,13 @@
 namespace host {
 namespace {
 
-// What turns the writing direction or breaks a line where the text holds no line end.
+// True for control characters and those that change the writing direction or break lines.
 bool SteersTerminal(char32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x2028 && c <= 0x202E) ||
          (c >= 0x2066 && c <= 0x2069);
 }
 
-// The octets of the printable UTF-8 character that the text begins with; 0 if it begins with none.
+// The octets of the printable UTF-8 character at the text's beginning; 0 if there is none.
 size_t PrintableLength(std::string_view text) {
   constexpr std::array<char32_t, 5> kLowest = {0, 0, 0x80, 0x800, 0x10000};
   const auto first = static_cast<unsigned char>(text[0]);
@@ -60,7 +60,7 @@ std::string WithoutBlanks(std::string_view text) {
 
 std::string Printable(std::string_view text) {
   std::string shown;
-  size_t begin = 0;  // of what is not copied yet
+  size_t begin = 0;  // of the part that is not copied yet
   for (size_t at = 0; at < text.size();) {
     const bool plain = text[at] >= ' ' && text[at] <= '~';
     const size_t length = plain ? 1 : PrintableLength(text.substr(at));

@@ -74,7 +74,7 @@ bool TextInput::ReadMore() {
   return true;
 }
 
-// Leaves the encoding unknown while the octets may be the beginning of a mark.
+// The encoding stays unknown while the octets may still be the beginning of a byte order mark.
 void TextInput::TakeMark() {
   struct Mark {
     std::string_view octets;

@@ -6,9 +6,9 @@
 
 namespace host {
 
-// Text from a file or, for the name "-", from standard input, as UTF-8. A mark in front of it is
-// taken off; after one of UTF-16 the text is converted. Other octets stay as they are. Whatever
-// can't be opened, read or converted, and a zero byte, is thrown as Failure (kFileFault).
+// Text from a file or, for the name "-", from standard input, as UTF-8. A byte order mark is
+// removed; after one of UTF-16 the text is converted. Other octets stay. Throws Failure
+// (kFileFault) if the input cannot be opened, read or converted, or has a zero byte.
 class TextInput {
  public:
   explicit TextInput(const std::string& file);
@@ -16,13 +16,13 @@ class TextInput {
   TextInput& operator=(const TextInput&) = delete;
   ~TextInput();
 
-  // As messages show it.
+  // The name in messages.
   const std::string& Name() const { return name_; }
 
-  // The next line without its end, LF or CR LF; none at the end. Reads no further than it must.
+  // The next line without its end, LF or CR LF; none at the end. Reads no more than it needs.
   std::optional<std::string> NextLine();
 
-  // All that is left.
+  // All text that is left.
   std::string Rest();
 
  private:
@@ -44,8 +44,8 @@ class TextInput {
   size_t taken_ = 0;  // of text_
 };
 
-// The hexadecimal digits of a text, without its white space. Throws Failure (kScriptFault) if there
-// is none, or any other character.
+// The hexadecimal digits of a text, without white space. Throws Failure (kScriptFault) if there are
+// none, or for any other character.
 std::string DigitsIn(std::string_view text);
 
 }  // namespace host

@@ -14,7 +14,7 @@ namespace host {
 namespace {
 
 constexpr size_t kMostTagOctets = 4;
-constexpr size_t kMostLengthOctets = 4;  // behind the first one
+constexpr size_t kMostLengthOctets = 4;  // after the first one
 
 unsigned OctetAt(std::string_view digits, size_t at) { return HexValue(digits.substr(2 * at, 2)); }
 
@@ -42,7 +42,7 @@ class Reader {
     }
   }
 
-  // The element that begins here, and the place of its value or of what is behind it.
+  // Reads the element at this position, and moves to its value or behind it.
   void ReadElement() {
     const size_t begin = at_;
     const unsigned first = Octet(at_);
@@ -96,7 +96,7 @@ class Reader {
   std::string_view digits_;
   const std::function<void(const TlvElement&)>& take_;
   size_t at_ = 0;             // in octets, like all places here
-  std::vector<size_t> ends_;  // of the data and of the elements around this place
+  std::vector<size_t> ends_;  // the ends of the data and of the elements around this position
   std::vector<std::string_view> parents_ = {""};  // their tags
   std::string fault_;
 };

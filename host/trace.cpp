@@ -13,9 +13,9 @@ namespace {
 
 constexpr int kLineWidth = 4;
 constexpr int kLabelWidth = 5;
-constexpr std::string_view kIndent = "      ";  // the line number and the gap behind it
+constexpr std::string_view kIndent = "      ";  // the line number and the gap after it
 
-// Header, length field, data and Le, set apart. Data that needs rows of its own is left out.
+// Header, length field, data and Le, separated. Leaves out data that needs rows of its own.
 std::string Grouped(const CardCommand& command, bool hideData) {
   const size_t data = command.dataEnd - command.dataBegin;
   std::string text = SpacedOctets(command.Part(0, std::min<size_t>(4, command.dataBegin)));

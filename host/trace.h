@@ -11,16 +11,15 @@
 
 namespace host {
 
-// Shows what happens, for a reader who knows cards. It is told what must be hidden; it decides
-// nothing itself.
+// Shows what happens, for people who know cards. The caller says what must be hidden.
 class Trace {
  public:
   struct Settings {
-    bool colour = false;  // with colour sequences
-    bool tlv = false;     // with the elements of answers that are BER-TLV data
+    bool colour = false;  // use colour sequences
+    bool tlv = false;     // show the elements of BER-TLV data in answers
   };
 
-  // A stream without a buffer shows nothing. What is shown may wait in the stream up to Flush.
+  // A stream without a buffer shows nothing. Until Flush, output may wait in the stream.
   Trace(std::ostream& out, Settings settings) : out_(out), settings_(settings) {}
   virtual ~Trace() = default;
   Trace(const Trace&) = delete;
@@ -28,14 +27,14 @@ class Trace {
 
   virtual void Reader(const std::string& reader, bool simulated);
   void Heading(std::string_view text);
-  // With its line number where it has one.
+  // Shows the line number too, if there is one.
   virtual void Statement(std::optional<size_t> line, std::string_view statement);
   virtual void Value(std::string_view value);
-  virtual void Atr(std::string_view digits);  // nothing for a reader without one
+  virtual void Atr(std::string_view digits);  // shows nothing if the reader has none
   void Command(const CardCommand& command, bool hideData);
-  // A note stands below the status word.
+  // The note appears below the status word.
   void Response(const host::Response& response, std::string_view note);
-  // Whether an expectation held, and what it compared.
+  // Shows whether an expectation held, and what it compared.
   virtual void Judgement(std::string_view text, bool held);
   void Summary(size_t commands, size_t expectations, bool done);  // flushes
   void Flush() { out_.flush(); }

@@ -6,14 +6,14 @@
 
 namespace host {
 
-// A trace that also keeps what it shows, as steps of a case.
+// A trace that also keeps what it shows, as the steps of a case.
 class CaseRecorder : public Trace, public ExchangeListener {
  public:
   // Without keepsSteps it only counts.
   CaseRecorder(std::ostream& out, Settings settings, bool keepsSteps)
       : Trace(out, settings), keepsSteps_(keepsSteps) {}
 
-  // What comes goes into this case from now on. It has to outlive the recorder or be replaced.
+  // From now on, steps go into this case. The case must outlive the recorder or be replaced.
   void Enter(TestCase& entered) { case_ = &entered; }
 
   const std::set<std::string>& Readers() const { return readers_; }

@@ -45,7 +45,7 @@ const char* NameOf(Standing standing) {
 
 double Milliseconds(Duration duration) { return static_cast<double>(duration.count()) / 1e6; }
 
-// The report as the page's script reads it.
+// The report in the form that the page's script reads.
 class PageData {
  public:
   Json Make(const TestReport& report) {
@@ -119,7 +119,7 @@ class PageData {
   std::map<std::string, std::string> tags_;
 };
 
-// No text in it ends the element that it stands in.
+// JSON in which no text can end the script element around it.
 std::string ForScript(const Json& data) {
   std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
   for (size_t at = 0; (at = text.find('<', at)) != text.npos;) text.replace(at, 1, "\\u003c");

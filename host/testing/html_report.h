@@ -6,7 +6,7 @@
 
 namespace host {
 
-// The report as a page for people, with everything that it shows in it: no network is needed.
+// The report as a page for people. The page contains all it needs, so it works without a network.
 std::string HtmlReport(const TestReport& report);
 
 }  // namespace host

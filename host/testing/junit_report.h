@@ -6,8 +6,8 @@
 
 namespace host {
 
-// The report in the XML form that CI servers read: a test suite a file, a test case a case. Failed
-// expectations are failures, what broke a case off is an error, what did not run is skipped.
+// The report in the XML form that CI servers read: a test suite per file, a test case per case. A
+// failed expectation is a failure, a broken-off case an error, a case that did not run skipped.
 std::string JunitReport(const TestReport& report);
 
 }  // namespace host

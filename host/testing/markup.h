@@ -5,11 +5,11 @@
 
 namespace host {
 
-// Each line of the text as Printable has it.
+// Applies Printable to each line of the text.
 std::string PrintableLines(const std::string& text);
 
-// The text, its line ends left, as XML and HTML take it between tags and in attributes. Characters
-// that they have no way to write stand as octets.
+// Escapes a text for XML and HTML, between tags and in attributes. Line ends stay. Characters that
+// these cannot write become octets.
 std::string Markup(const std::string& text);
 
 }  // namespace host

@@ -5,14 +5,14 @@
 
 namespace host {
 
-// A file for a report, which is emptied before the run: nobody takes an older report for this
-// run's, and what can't be written is known before a command goes to a card.
+// A file for a report. It is emptied before the run, so that nobody takes an older report for this
+// run's, and a failure to write shows before a command goes to a card.
 class ReportFile {
  public:
   // Throws Failure (kFileFault).
   explicit ReportFile(const std::string& name);
 
-  // Writes the whole report. Throws Failure (kFileFault), and leaves the file empty then.
+  // Writes the whole report. Throws Failure (kFileFault); the file is then empty.
   void Write(const std::string& report);
 
  private:

@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-// A # would begin a directive.
+// Escapes #, which would begin a directive.
 std::string Described(const std::string& text) {
   std::string escaped;
   for (const char c : Printable(text)) {
@@ -17,7 +17,7 @@ std::string Described(const std::string& text) {
   return escaped;
 }
 
-// In YAML's double quotes. Printable has left nothing that they can't hold.
+// Text in YAML's double quotes. After Printable it holds nothing that they cannot.
 std::string Quoted(const std::string& text) {
   std::string quoted = "\"";
   for (const char c : Printable(text)) {

@@ -6,12 +6,12 @@
 
 namespace host {
 
-// Writes test runs line by line, as the Test Anything Protocol, version 13, has it.
+// Writes test runs line by line, in the Test Anything Protocol, version 13.
 class TapReport {
  public:
   TapReport(std::ostream& out, size_t cases);
 
-  // What came of the next case.
+  // Writes the outcome of the next case.
   void Add(const TestFile& file, const TestCase& done);
 
  private:

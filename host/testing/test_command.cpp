@@ -32,7 +32,7 @@ std::filesystem::path Place(const std::string& file) {
   return std::filesystem::weakly_canonical(path, error);
 }
 
-// A report in the place of a script would destroy it.
+// A report must not overwrite a script.
 void CheckFiles(const Options& options) {
   if (std::count(options.tests.begin(), options.tests.end(), "-") > 1) {
     throw Failure(kUsageFault, "standard input can be read once");
@@ -53,7 +53,7 @@ void CheckFiles(const Options& options) {
   }
 }
 
-// Everything that `orvane test` does, in its order.
+// A run of `orvane test`, in the order of its steps.
 class TestSession {
  public:
   explicit TestSession(const Options& options)
@@ -81,7 +81,7 @@ class TestSession {
     if (options_.tap) tap_.emplace(std::cout, cases);
     try {
       RunFiles();
-    } catch (const Failure&) {  // standard output is gone, and the reports may still be read
+    } catch (const Failure&) {  // standard output is gone, but the reports can still be written
       WriteReports();
       throw;
     }
@@ -166,7 +166,7 @@ class TestSession {
     if (tap_) tap_->Add(file, done);
   }
 
-  // Gives why one can't be written; the other one is.
+  // Writes each report even if another fails. Gives the failures.
   std::vector<Failure> WriteReports() {
     std::vector<Failure> failures;
     const auto write = [&](std::optional<ReportFile>& file, auto make) {

@@ -11,25 +11,25 @@
 
 namespace host {
 
-// The cases of a script, none of which has run: each heading opens one, and statements before the
-// first heading are one of their own. Those whose names lack the text, in either case, are passed
-// over; what stands before the first heading is if all others are.
+// The cases of a script, none of which has run. Each heading begins a case; statements before the
+// first heading are a case too. Cases whose names do not contain the text (in either case) are
+// passed over. The case before the first heading is passed over only if all others are.
 std::vector<TestCase> CasesOf(const Script& script, const std::string& only);
 
 // Runs the cases of one file.
 class TestRun {
  public:
   struct Hooks {
-    std::function<void()> prepare;                  // what the first case does first
-    std::function<void(const TestCase&)> caseDone;  // also of those that do not run
+    std::function<void()> prepare;                  // runs before the first case
+    std::function<void(const TestCase&)> caseDone;  // also called for cases that do not run
     std::function<bool()> interrupted;
-    std::function<bool()> cardIsGone;  // a replayed one, which has nothing more to say
+    std::function<bool()> cardIsGone;  // true once a replay differs from its recording
   };
 
   TestRun(const Script& script, TestFile& file, Session& session, CaseRecorder& recorder,
           bool failFast, Hooks hooks);
 
-  // False if no other file should run either. Throws Failure (kFileFault) alone.
+  // False if no further file should run. Throws only Failure (kFileFault).
   bool Run();
 
  private:
@@ -47,12 +47,12 @@ class TestRun {
   CaseRecorder& recorder_;
   bool failFast_;
   Hooks hooks_;
-  size_t next_ = 0;           // case
-  TestCase* case_ = nullptr;  // the one that runs
+  size_t next_ = 0;           // the index of the next case
+  TestCase* case_ = nullptr;  // the running one
   bool prepared_ = false;
-  bool over_ = false;  // nothing more of the case runs
+  bool over_ = false;  // the rest of the case does not run
   Ending ending_ = Ending::kNone;
-  std::string why_;  // the cases behind do not run
+  std::string why_;  // why the remaining cases do not run
   std::chrono::steady_clock::time_point start_;
 };
 

@@ -8,11 +8,11 @@
 namespace host {
 namespace {
 
-constexpr size_t kLongestName = 64;  // what is longer moves its row's numbers
+constexpr size_t kLongestName = 64;  // a longer one moves its row's numbers
 
 struct Appearance {
   const char* word;
-  const char* colour;  // of a terminal
+  const char* colour;  // the terminal's colour sequence
 };
 
 Appearance AppearanceOf(CaseState state) {

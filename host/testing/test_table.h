@@ -8,15 +8,15 @@
 
 namespace host {
 
-// One line on a terminal that tells how far a run is: it stays where it is until it is cleared.
+// A line on a terminal that shows the progress of a run, and stays until it is cleared.
 class ProgressLine {
  public:
-  // A line that is not shown does nothing.
+  // If `shown` is false, it does nothing.
   ProgressLine(std::ostream& out, bool shown, size_t cases)
       : out_(out), shown_(shown), cases_(cases) {}
 
   void Count(const TestCase& done);
-  // Shows it anew, at most ten times a second.
+  // Redraws the line, at most ten times a second.
   void Show();
   void Clear();
 
@@ -28,13 +28,13 @@ class ProgressLine {
   size_t cases_;
   size_t done_ = 0;
   size_t failed_ = 0;
-  size_t width_ = 0;  // of what stands there
+  size_t width_ = 0;  // of the text on the line
   Clock::time_point start_ = Clock::now();
   Clock::time_point next_ = start_;
 };
 
-// Prints what came of a run: its cases, what failed and why, and the numbers. With failuresAlone
-// nothing but what failed.
+// Prints the outcome of a run: its cases, the failures with their reasons, and the numbers. With
+// failuresAlone only the failures.
 void PrintTable(std::ostream& out, const TestReport& report, bool colour, bool failuresAlone);
 
 }  // namespace host

@@ -8,7 +8,7 @@
 namespace host {
 namespace {
 
-// Packets that name their dissector themselves: DLT_WIRESHARK_UPPER_PDU, and its tags.
+// In these packets the data names its own dissector: DLT_WIRESHARK_UPPER_PDU, and its tags.
 constexpr uint32_t kLinkType = 252;
 constexpr uint32_t kLongestPacket = 262144;
 enum Tag : uint16_t { kEnd = 0, kDissector = 12, kDirection = 35 };
@@ -36,7 +36,7 @@ std::string OctetsFrom(std::string_view digits) {
   return octets;
 }
 
-// Microseconds since 1970 of 2026-11-23T13:22:20.123456Z; 0 for another text.
+// The microseconds since 1970 of a time such as 2026-11-23T13:22:20.123456Z; 0 for another text.
 int64_t ReadTime(std::string_view text) {
   constexpr std::string_view kForm = "0000-00-00T00:00:00.000000Z";
   const auto number = [&](size_t at, size_t digits) {
@@ -82,7 +82,7 @@ class Capture {
     const int64_t time = begun_ + at;
     Append(text_, static_cast<uint32_t>(time / 1'000'000), 4, false);
     Append(text_, static_cast<uint32_t>(time % 1'000'000), 4, false);
-    for (int length = 0; length < 2; ++length) {  // kept, and on the wire
+    for (int length = 0; length < 2; ++length) {  // the stored length, and the one on the wire
       Append(text_, static_cast<uint32_t>(packet.size()), 4, false);
     }
     text_ += packet;

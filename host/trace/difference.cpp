@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr size_t kShownBefore = 8;  // octets, before the first one that differs
+constexpr size_t kShownBefore = 8;  // octets before the first difference
 constexpr size_t kShownAtOnce = 24;
 
 std::vector<const RecordedEvent*> ExchangesOf(const Recording& recording) {
@@ -41,7 +41,7 @@ std::string Shown(const RecordedEvent& exchange, bool showSecrets) {
   return name.empty() ? text : text + "   " + name;
 }
 
-// The octets around the first one that differs.
+// The octets around the first difference.
 std::string Around(const std::string& digits, size_t octet) {
   const size_t begin = octet > kShownBefore ? octet - kShownBefore : 0;
   if (begin >= digits.size() / 2) return "...";
@@ -97,7 +97,7 @@ class Comparison {
     out_ << "another ATR\n  " << SpacedOctets(left) << "\n  " << SpacedOctets(right) << '\n';
   }
 
-  // Hidden digits are the same as any.
+  // A hidden digit equals any digit.
   static bool Same(const RecordedEvent& left, const RecordedEvent& right) {
     return recordings::Matches(left, right.command) || recordings::Matches(right, left.command);
   }

@@ -11,13 +11,13 @@ using recordings::EventType;
 using recordings::RecordedEvent;
 using recordings::Recording;
 
-// A recorded command as the program's own; hidden digits are 0.
+// A recorded command as a CardCommand; hidden digits are 0.
 CardCommand CommandOf(const RecordedEvent& exchange);
 
-// True if the data may not be shown, or can't be.
+// True if the data must not be shown, or is hidden in the recording.
 bool HidesData(const RecordedEvent& exchange, bool showSecrets);
 
-// Response data and status word.
+// Response data followed by the status word.
 inline std::string OctetsOf(const RecordedEvent& exchange) {
   return exchange.response + exchange.statusWord;
 }

@@ -5,7 +5,7 @@
 namespace host {
 namespace {
 
-// The language's results have no room for more.
+// A result of the language has no room for more.
 constexpr size_t kLongestCommand = 255;
 
 class ScriptWriter {
@@ -38,7 +38,7 @@ class ScriptWriter {
     if (!event.atr.empty()) out_ << "@compare(%ATR, " << event.atr << ", 1)\n";
   }
 
-  // The place of GET RESPONSE, where the library sends it by itself; else the same place.
+  // The index of the GET RESPONSE that the library sends by itself; without one, `at`.
   size_t FollowUp(size_t at) const {
     const std::string& word = events_[at].statusWord;
     if (!word.starts_with("61")) return at;
@@ -51,7 +51,7 @@ class ScriptWriter {
     return at;
   }
 
-  // Gives the place of the last event that it stands for.
+  // Writes one command. Gives the index of the last event that it covers.
   size_t Send(size_t at) {
     const RecordedEvent& event = events_[at];
     const CardCommand command = CommandOf(event);
@@ -80,7 +80,7 @@ class ScriptWriter {
            (le.empty() ? "" : " ") + std::string(le);
   }
 
-  // Of a response that does not end in 9000 the library hands over two octets.
+  // If a response does not end in 9000, the library gives only its first two octets.
   void Expect(const RecordedEvent& event) {
     const std::string octets = OctetsOf(event);
     if (event.statusWord == "9000") {

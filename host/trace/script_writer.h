@@ -6,8 +6,8 @@
 
 namespace host {
 
-// Writes a script that repeats the session with `orvane run`, and expects what was recorded. Data
-// that is hidden is taken from variables.
+// Writes a script that repeats the session with `orvane run` and expects what was recorded. Hidden
+// data comes from variables.
 void WriteScript(std::ostream& out, const NamedRecording& session);
 
 }  // namespace host

@@ -27,7 +27,7 @@ void ShowExchange(const RecordedEvent& event, Trace& trace, bool showSecrets) {
 }  // namespace
 
 void ShowRecording(const Recording& recording, Trace& trace, bool showSecrets, bool times) {
-  std::map<int64_t, std::string> atrs;  // that were shown last, by readers
+  std::map<int64_t, std::string> atrs;  // the ATR shown last, by reader
   for (const RecordedEvent& event : recording.events) {
     const std::string failed = event.failed.empty() ? "" : ", failed: " + Printable(event.failed);
     switch (event.type) {

@@ -5,7 +5,7 @@
 
 namespace host {
 
-// Shows a recording as a run would have shown it, with times if they are asked for.
+// Shows a recording as a run would have shown it; with times on request.
 void ShowRecording(const Recording& recording, Trace& trace, bool showSecrets, bool times);
 
 }  // namespace host

@@ -4,7 +4,7 @@
 
 namespace host {
 
-// What `orvane trace` does. Gives the exit code; throws Failure.
+// Runs `orvane trace`. Gives the exit code; throws Failure.
 int TraceRecording(const Options& options);
 
 }  // namespace host

@@ -5,7 +5,7 @@ const looks = {
   broken: ["!", "broken off"], idle: ["\u25CB", "not run"],
 };
 
-// An element with a class, and texts or elements in it.
+// Makes an element with a class and with texts or elements in it.
 function make(tag, name, ...content) {
   const element = document.createElement(tag);
   if (name) element.className = name;
@@ -65,7 +65,7 @@ const svg = (tag, attributes, ...content) => {
   return element;
 };
 
-// Where there is no room for a bar an exchange, one stands for the slowest of its neighbours.
+// Without room for one bar per exchange, one bar shows the slowest of its neighbours.
 function drawTimes(figure) {
   const width = figure.clientWidth - parseFloat(getComputedStyle(figure).paddingLeft) * 2, height = 104, right = 56;
   const room = Math.max(1, Math.floor((width - right) / 4));
@@ -116,7 +116,7 @@ function commandText(each) {
   return [each.header, each.lengthField].map(octets).concat(data, octets(each.expectedLength)).filter(Boolean).join("  ");
 }
 
-// The list of elements is made when it is opened.
+// The list of elements is made only when it is opened.
 function tree(each) {
   const list = make("ul", "tlv");
   const details = make("details", "", make("summary", "", "TLV"), list);
@@ -155,7 +155,7 @@ function stepBox(step) {
     make("code", step.kind === "statement" ? "" : step.kind in { met: 1, failed: 1 } ? step.kind : "quiet", (marks[step.kind] || "") + text));
 }
 
-// A long case is filled piece by piece, as far as the number of steps at once.
+// Fills a long case in pieces, but at once up to the number of steps in `least`.
 function fill(each, least) {
   const end = Math.max(each.filled + 400, least);
   const piece = document.createDocumentFragment();
@@ -248,7 +248,7 @@ function search() {
   return bar;
 }
 
-// A link to an exchange opens its case.
+// Opens the case of the exchange that a link names.
 function follow() {
   const number = /^#x(\d+)$/.exec(location.hash)?.[1];
   const each = exchanges[number];
