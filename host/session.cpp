@@ -30,7 +30,7 @@ class Stopwatch {
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-// Gives what the work gives, and tells of it and of how long it took, also where it fails.
+// Runs the work and gives its result. Reports the result and the duration, also on failure.
 template <typename Work, typename Tell>
 auto Timed(Work work, Tell tell) {
   std::optional<decltype(work())> result;
@@ -52,7 +52,7 @@ bool Session::Hides(const Statement& statement, std::string_view value) const {
 }
 
 void Session::LookAt(const Statement& statement, size_t assignmentsBefore) const {
-  // What its variables will hold is not known yet, and so not what literals beside them are.
+  // Its variables' future values are not known, so the literals beside them may be secret.
   const bool reads = std::any_of(
       statement.words.begin() + static_cast<std::ptrdiff_t>(statement.value), statement.words.end(),
       [](const Word& w) { return w.kind == WordKind::kVariable; });

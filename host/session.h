@@ -16,46 +16,46 @@
 
 namespace host {
 
-// Carries out statements: runs each in the library's script engine, does the card work it asks for,
-// and stores the outcome as %RESP, %SW and %ATR. Everything that goes wrong is thrown as Failure.
+// Runs statements: each one in the library's script engine, then the card work that it asks for.
+// Stores the outcome as %RESP, %SW and %ATR. Every fault is thrown as Failure.
 class Session {
  public:
   struct Settings {
     bool showSecrets = false;
     bool echoStatements = true;
-    std::vector<ExchangeListener*> listeners = {};  // they outlive the session
+    std::vector<ExchangeListener*> listeners = {};  // they must outlive the session
   };
 
   Session(Readers& readers, Secrets& secrets, Trace& trace, Settings settings)
       : readers_(readers), secrets_(secrets), trace_(trace), settings_(std::move(settings)) {}
 
-  // False if the statement was the script's end.
+  // False if the statement ended the script.
   bool Run(const Statement& statement, std::optional<size_t> line);
 
-  // Refuses a statement of a script that is to be run, as far as what it spells out tells. So many
-  // assignments stand before it.
+  // Checks a statement that will run later, as far as its literals allow; throws if it must be
+  // refused. assignmentsBefore is the number of assignments between the script's beginning and it.
   void LookAt(const Statement& statement, size_t assignmentsBefore) const;
 
   // Shows the value of an expression and sends nothing.
   void Show(const Statement& expression);
-  // Throws Failure (kScriptFault) also where the value is hidden.
+  // Throws Failure (kScriptFault), also if the value must be hidden.
   std::string ValueOf(const Statement& expression) const;
 
-  // Tells one more listener, which outlives the session.
+  // Adds a listener, which must outlive the session.
   void Listen(ExchangeListener* listener) { settings_.listeners.push_back(listener); }
-  // Whether statements are shown before their outcome. Gives what it was before.
+  // Sets whether statements are shown before their outcome. Gives the earlier setting.
   bool EchoStatements(bool echo) { return std::exchange(settings_.echoStatements, echo); }
 
   void Open(std::string_view address, bool hide = false);
   void ResetCard();
-  // Sends a command that no statement gave. Throws Failure (kExpectationFailed) unless the
-  // response's status word fits the pattern, if there is one.
+  // Sends a command that comes from no statement. Throws Failure (kExpectationFailed) if there is a
+  // pattern and the response's status word does not match it.
   void Send(std::string_view digits, std::string_view expected = "");
 
-  // Looks ahead at a statement that is to be run, behind those that it has looked at already. True
-  // if what stands in a variable turns out to be secret.
+  // Looks ahead at a statement that will run, after those that it has looked at. True if the value
+  // of an existing variable turns out to be secret.
   bool Learn(const Statement& statement) { return secrets_.Learn(statement); }
-  // Nothing more of what it has looked at is going to be run.
+  // Nothing more of what it has looked at will run.
   void StartOver() { secrets_.StartOver(); }
 
   // Leaves out a statement that it has looked at.
@@ -63,7 +63,7 @@ class Session {
     if (statement.form == Form::kAssignment) secrets_.PassOver();
   }
 
-  // True if the trace may not show this statement as it stands, or this value of it.
+  // True if the trace must not show this statement as it stands, or this value of it.
   bool Hides(const Statement& statement, std::string_view value = "") const;
 
   void Summarise(bool done);
@@ -86,7 +86,7 @@ class Session {
   Secrets& secrets_;
   Trace& trace_;
   Settings settings_;
-  std::optional<Response> response_;  // to the command that stands directly above
+  std::optional<Response> response_;  // to the command directly above
   size_t commands_ = 0;
   size_t expectations_ = 0;
 };

@@ -12,13 +12,13 @@
 
 namespace host {
 
-// Records a session to a file: PC/SC's calls by the recorder, which it puts in the place of PC/SC's
-// library, and of other readers what the session's own calls sent and got. The file is made when
-// the first reader is opened. Throws Failure (kFileFault) where it can't be written. There is one
-// of these at a time; it outlives the readers.
+// Records a session to a file. For PC/SC it puts the recorder in the place of PC/SC's library; for
+// other readers it records what the session sends and gets. The file is created when the first
+// reader is opened. Throws Failure (kFileFault) if it cannot be written. Only one may exist at a
+// time, and it must outlive the readers.
 class SessionRecorder : public ExchangeListener {
  public:
-  // Throws Failure (kReaderFault) if there is no recorder, or PC/SC's library is loaded already.
+  // Throws Failure (kReaderFault) without a recorder, or if PC/SC's library is loaded already.
   SessionRecorder(const std::string& file, bool showSecrets);
   SessionRecorder(const SessionRecorder&) = delete;
   SessionRecorder& operator=(const SessionRecorder&) = delete;
@@ -31,7 +31,7 @@ class SessionRecorder : public ExchangeListener {
   void Sending(const CardCommand& command, bool hidden) override;
   void Exchanged(const CardExchange& exchange) override;
 
-  // To be called when all readers are closed.
+  // Call it when all readers are closed.
   void Finish() { Opening(); }
 
  private:
@@ -40,14 +40,14 @@ class SessionRecorder : public ExchangeListener {
 
   std::string file_;
   recordings::SessionLog log_;
-  std::array<int64_t, 16> readers_{};  // the recording's numbers; 0 for those of the recorder
+  std::array<int64_t, 16> readers_{};  // the recording's numbers; 0: recorded by the recorder
 };
 
-// Where there is a recorder, has its module be the one that is found under the name of PC/SC's
-// library, although others of that name have been loaded since. Throws Failure (kReaderFault).
+// If the recorder is loaded, makes it again the module that is found under the name of PC/SC's
+// library, after others of that name were loaded. Throws Failure (kReaderFault).
 void PutRecorderFirst();
 
-// Null where neither --record nor the environment's ORVANE_RECORD names a file.
+// Null unless --record or the environment's ORVANE_RECORD names a file.
 std::unique_ptr<SessionRecorder> RecorderFor(const Options& options);
 
 }  // namespace host

@@ -6,7 +6,7 @@
 namespace host {
 namespace {
 
-// The library refuses a built-in nested deeper than this.
+// The library refuses deeper nesting of built-ins.
 constexpr size_t kDeepestNesting = 128;
 
 MalformedStatement Malformed(const std::string& message, size_t place) {
@@ -48,7 +48,7 @@ std::vector<Word> Split(std::string_view text) {
   for (size_t at = 0; at < text.size(); ++at) {
     const char c = text[at];
     const bool blank = c == ' ' || c == '\t';
-    // Only the first = of a statement separates, and only behind a single word.
+    // Only the statement's first = is a separator, and only behind a single word.
     const bool separator = c == '(' || c == ')' || c == ',' || (c == '=' && words.size() <= 1);
     if (blank || separator) add(at);
     if (separator) add(at + 1);
@@ -58,9 +58,9 @@ std::vector<Word> Split(std::string_view text) {
   return words;
 }
 
-// The engine would join a comment that stands behind something to what stands before it. A word
-// that is a mark alone, between an operand and a literal, is one. Behind a built-in for the
-// host there may be one.
+// The engine would join a comment at a line's end to the text before it. A comment is a word that
+// is only a comment mark, between an operand and a literal. Behind a built-in for the host a
+// comment is allowed.
 void CheckComments(std::string_view text, const std::vector<Word>& words) {
   const auto textOf = [&](const Word& word) {
     return text.substr(word.begin, word.end - word.begin);
@@ -83,7 +83,7 @@ void CheckComments(std::string_view text, const std::vector<Word>& words) {
   }
 }
 
-// Behind a statement no host takes an expectation for a comment, or one for the host hides it.
+// In a statement's line no host reads an expectation, and a built-in for the host would hide it.
 void CheckExpectations(std::string_view text) {
   for (size_t at = text.find(';'); at != text.npos; at = text.find(';', at + 1)) {
     if (!FindExpectation(text.substr(at))) continue;
@@ -92,7 +92,7 @@ void CheckExpectations(std::string_view text) {
   }
 }
 
-// What a newcomer's habit makes of a line that is no statement.
+// A hint at the habit behind a line that is no statement; empty if there is none.
 std::string_view HabitIn(std::string_view text) {
   if (text.find('"') == text.npos) return "";
   return "; there are no quotes, and what holds parentheses or commas comes in through a variable";
@@ -139,7 +139,8 @@ class Grammar {
   }
 
  private:
-  // Stands on the keyword before, behind the closing parenthesis after. True for one for the host.
+  // The position moves from the keyword to behind the closing parenthesis. True for a built-in for
+  // the host.
   bool ReadInvocation(size_t depth) {
     const size_t first = at_;
     const std::string keyword(statement_.Source({first, first}));
@@ -179,7 +180,7 @@ class Grammar {
     }
   }
 
-  // Behind a built-in for the host the library evaluates nothing more, and says nothing about it.
+  // Behind a built-in for the host the library silently evaluates nothing more.
   void CheckRest() const {
     const Word& closing = statement_.words[at_ - 1];
     const std::string_view text = statement_.text;
@@ -190,7 +191,7 @@ class Grammar {
         rest);
   }
 
-  // Past the end it gives a kind that an invocation has no use for.
+  // Past the end it gives a kind that never fits in an invocation.
   WordKind KindAt(size_t at) const {
     return at < statement_.words.size() ? statement_.words[at].kind : WordKind::kEquals;
   }

@@ -10,17 +10,17 @@
 
 namespace host {
 
-// What a word of the language is; its first character decides.
+// The kind of a word of the language. Its first character decides.
 enum class WordKind { kVariable, kLiteral, kBuiltin, kComma, kOpen, kClose, kEquals, kDollar };
 
-// Its place in the statement's text. Literals side by side are one word.
+// A word's place in the statement's text. Adjacent literals are one word.
 struct Word {
   WordKind kind;
   size_t begin;
   size_t end;
 };
 
-// Neighbouring words of a statement, by the indices of the first and the last one.
+// Adjacent words of a statement, by the indices of the first and the last one.
 struct Words {
   size_t first;
   size_t last;
@@ -35,36 +35,35 @@ struct Invocation {
 enum class Form {
   kNothing,      // a comment, or nothing but blanks
   kHeading,      // begins with $
-  kExpectation,  // a comment that says what a command should bring
+  kExpectation,  // a comment that states the expected response
   kAssignment,
   kExpression,
 };
 
-// One statement that is sure to be complete. The library runs malformed statements as far as they
-// go and says nothing about it, so that half a command could reach a card; a Statement has every
-// built-in of it spelled right, with its parentheses and its number of arguments, and nothing that
-// the library would pass over.
+// One complete statement. The library silently runs a malformed statement as far as it goes, so
+// half a command could reach a card. A Statement is checked: every built-in is spelled right and
+// has its parentheses and its number of arguments, and the library skips no part of it.
 struct Statement {
   std::string text;
   Form form = Form::kNothing;
   std::vector<Word> words;
-  size_t value = 0;  // index of the first word behind the = of an assignment, else 0
-  size_t end = 0;    // index behind the last word that is evaluated; a comment may stand there
-  std::vector<Invocation> invocations;  // an inner one stands before the outer one
+  size_t value = 0;  // index of the first value word: behind = in an assignment, else 0
+  size_t end = 0;    // index behind the last evaluated word; a comment may follow
+  std::vector<Invocation> invocations;  // inner ones come before outer ones
 
-  // True for what the library's language has nothing to do with.
+  // True if the library has nothing to run.
   bool IsComment() const { return form == Form::kNothing || form == Form::kExpectation; }
-  // Words as they were typed.
+  // Words as typed.
   std::string_view Source(Words range) const;
-  // A word without the blanks in it.
+  // A word without its blanks.
   std::string TextOf(const Word& word) const;
-  // True if it asks the host to act, and has no value.
+  // True if it asks the host to act and has no value.
   bool IsForHost() const { return !invocations.empty() && invocations.back().builtin->forHost; }
   // True if its value is a command to the card.
   bool Sends() const { return form == Form::kExpression && !IsForHost(); }
 };
 
-// What is wrong with a line, and where in it.
+// A fault in a line, with its place.
 class MalformedStatement : public Failure {
  public:
   MalformedStatement(const std::string& message, size_t place)
@@ -75,17 +74,17 @@ class MalformedStatement : public Failure {
   size_t place_;
 };
 
-// Reads one line without its line end. Throws MalformedStatement, or Failure (kScriptFault) for an
-// expectation.
+// Parses one line, without its line end. Throws MalformedStatement, or Failure (kScriptFault) for
+// an expectation.
 Statement ReadStatement(std::string_view line);
 
-// What a heading says.
+// The text of a heading.
 std::string_view HeadingText(const Statement& heading);
 
-// The place in the statement's text of a character of a literal, which has lost its blanks.
+// The place in the statement's text of a character of a literal, counted without blanks.
 size_t PlaceOf(const Statement& statement, const Word& literal, size_t character);
 
-// The words of each of a built-in's arguments.
+// The words of each argument of a built-in.
 std::vector<Words> Arguments(const Statement& statement, const Invocation& invocation);
 
 }  // namespace host

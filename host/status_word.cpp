@@ -62,7 +62,7 @@ constexpr std::array kWords = std::to_array<Meaning>({
     {0x6F00, "no precise diagnosis"},
 });
 
-// What the first byte says where the second one has no meaning of its own.
+// The meaning of the first byte, where the second one has none of its own.
 constexpr std::array kClasses = std::to_array<Meaning>({
     {0x62, "warning: state of non-volatile memory unchanged"},
     {0x63, "warning: state of non-volatile memory may have changed"},
@@ -86,7 +86,7 @@ unsigned ValueOf(std::string_view statusWord) {
   return isOne ? HexValue(statusWord) : 0;
 }
 
-// In these words 00 stands for 256.
+// In these words 00 means 256.
 size_t BytesTold(unsigned value) { return (value & 0xFF) == 0 ? 256 : value & 0xFF; }
 
 }  // namespace

@@ -15,7 +15,7 @@
 
 namespace host {
 
-// What run, shell and apdu have in common: a session on the reader that was asked for.
+// What run, shell and apdu share: a session on the requested reader.
 class Workplace {
  public:
   explicit Workplace(const Options& options, bool echoStatements = true)
@@ -38,12 +38,12 @@ class Workplace {
   const Circumstances& Beginning() const { return beginning_; }
   void Check(const std::string& command) { ReadCommand(command, readers_.CurrentFraming()); }
 
-  // Has to be called before readers are listed: where the readers are simulated, a list asks their
-  // simulators, and no maker's library comes into the process.
+  // Call it before listing readers. If readers are simulated, lists then ask the simulators, and no
+  // maker's library is loaded.
   void PrepareLists() const { readers_.PrepareLists(); }
 
-  // Records from now on. Throws Failure (kUsageFault) if something records already or a reader has
-  // been opened, and as SessionRecorder does.
+  // Begins to record. Throws Failure (kUsageFault) if there is a recorder already or a reader was
+  // opened, and throws like SessionRecorder.
   void Record(const std::string& file, bool showSecrets) {
     if (readers_.Used()) {
       throw Failure(kUsageFault, "a recording begins before the first reader is opened");
@@ -51,7 +51,7 @@ class Workplace {
     session_.Listen(listeners_.Record(file, showSecrets));
   }
 
-  // To be called when all has gone well: throws Failure if the recording is not whole.
+  // Call it after success. Throws Failure if the recording is incomplete.
   void Finish() {
     readers_.CloseAll();
     listeners_.Finish();

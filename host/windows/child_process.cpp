@@ -12,7 +12,7 @@
 namespace host {
 namespace {
 
-// As the C runtime takes arguments apart: backslashes count only before a quote.
+// Quotes for the C runtime's argument parser: backslashes count only before a quote.
 std::wstring Quoted(const std::string& argument) {
   std::string text = "\"";
   size_t slashes = 0;
@@ -55,7 +55,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments) {
   startup.hStdOutput = out.theirs;
   startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
   PROCESS_INFORMATION started{};
-  // Ctrl-C goes to a group of processes.
+  // A process group of its own, so that Ctrl-C does not reach it.
   const BOOL done = CreateProcessW(ProgramFile().c_str(), line.data(), nullptr, nullptr, TRUE,
                                    CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &started);
   const DWORD error = GetLastError();

@@ -23,7 +23,7 @@ namespace {
 
 HANDLE HandleOf(int descriptor) { return reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)); }
 
-// What a console is given back as.
+// The console whose mode must be restored, and that mode.
 std::atomic<HANDLE> changedOutput = nullptr;
 DWORD givenMode = 0;
 
@@ -31,7 +31,7 @@ void GiveBack() {
   if (const HANDLE output = changedOutput.exchange(nullptr)) SetConsoleMode(output, givenMode);
 }
 
-// How many times Ctrl-C is let pass before it ends the program.
+// How many more times Ctrl-C only counts before it ends the program.
 std::atomic<int> interruptsLeft = 0;
 std::atomic<int> interrupts = 0;
 
@@ -55,10 +55,10 @@ bool IsConsole(int descriptor) {
   return GetConsoleMode(HandleOf(descriptor), &mode) != 0;
 }
 
-// What is typed has its line end; a line that begins with Ctrl-Z is the end. EINTR after Ctrl-C, if
-// that doesn't end the program.
+// A typed line comes with its line end; a line that begins with Ctrl-Z is the end. EINTR after
+// Ctrl-C, unless that ends the program.
 std::ptrdiff_t ReadFromConsole(char* area, size_t size) {
-  constexpr size_t kMostOctets = 3;  // of UTF-8, for one unit of UTF-16
+  constexpr size_t kMostOctets = 3;  // UTF-8 octets for one unit of UTF-16
   std::vector<wchar_t> units(size / kMostOctets);
   DWORD count = 0;
   SetLastError(ERROR_SUCCESS);
@@ -142,11 +142,11 @@ std::optional<std::string> EditLine(const std::string& prompt) {
   return line;
 }
 
-void RememberLine(const std::string&) {}  // the console does
+void RememberLine(const std::string&) {}  // the console does it itself
 
-void ForgetLines() {}  // and gives no way to take one back
+void ForgetLines() {}  // the console cannot
 
-void CompleteWith(Completer) {}  // and asks nobody what a line may go on with
+void CompleteWith(Completer) {}  // the console has no completion
 
 std::optional<std::string> HistoryFile() { return std::nullopt; }
 
@@ -160,7 +160,7 @@ void OpenStandardDescriptors() {
     _dup2(null, descriptor);
     _close(null);
   }
-  // Text mode ends at the octet 1A.
+  // In text mode the octet 1A would end the input.
   _setmode(0, _O_BINARY);
 }
 

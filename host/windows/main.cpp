@@ -6,8 +6,8 @@
 #include "host/windows/wide.h"
 
 int wmain(int count, wchar_t** arguments) {
-  // Both take the current folder out of the search for modules: the one for a folder of any
-  // length, the other in Wine too.
+  // Both remove the current folder from the search for modules. The first works for a folder of any
+  // length, the second works in Wine too.
   SetDllDirectoryW(L"");
   SetDllDirectoryW(host::ProgramFolder().c_str());
   std::vector<std::string> texts;

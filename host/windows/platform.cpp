@@ -44,7 +44,7 @@ FoundModule Load(std::string_view name, Lookup lookup, DWORD besides) {
   return {module, std::string(text.begin(), text.end())};
 }
 
-// The same for the same folder, however it is named.
+// The same name for the same folder, whatever its path.
 std::wstring LockName() {
   std::wstring name = L"Orvane tags";
   const HANDLE folder = CreateFileW(L".", FILE_READ_ATTRIBUTES,
@@ -82,7 +82,7 @@ std::string ModuleFileName(std::string_view name) { return std::string(name) + "
 
 FoundModule FindModule(std::string_view name, Lookup lookup) { return Load(name, lookup, 0); }
 
-// None of its code runs.
+// Runs none of the module's code.
 std::string LocateModule(std::string_view name, Lookup lookup) {
   return Load(name, lookup, DONT_RESOLVE_DLL_REFERENCES).message;
 }
@@ -90,7 +90,7 @@ std::string LocateModule(std::string_view name, Lookup lookup) {
 std::string SystemName() {
   RTL_OSVERSIONINFOW version{};
   version.dwOSVersionInfoSize = sizeof version;
-  // What the documented functions tell depends on the program's manifest.
+  // The documented functions' answers depend on the program's manifest.
   const auto get = reinterpret_cast<LONG(WINAPI*)(RTL_OSVERSIONINFOW*)>(
       ModuleFunction(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion"));
   if (get != nullptr) get(&version);
@@ -111,7 +111,7 @@ bool LoadedModuleExports(std::string_view vendor, const char* function) {
 std::string ToLibrary(const std::string& name) {
   const std::wstring wide = ToWide(name);
   const int count = static_cast<int>(wide.size());
-  // UTF-8 as the ANSI code page knows neither best fits nor lost characters.
+  // For UTF-8 the call accepts neither the flag nor the pointer.
   const bool loses = GetACP() != CP_UTF8;
   const DWORD flags = loses ? WC_NO_BEST_FIT_CHARS : 0;
   BOOL lost = FALSE;

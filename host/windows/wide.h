@@ -5,7 +5,7 @@
 
 namespace host {
 
-// Between UTF-8, the program's own text, and UTF-16, the system's. What is malformed becomes
+// Convert between UTF-8, the program's text, and UTF-16, the system's. Malformed text becomes
 // U+FFFD.
 std::wstring ToWide(std::string_view text);
 std::string FromWide(std::wstring_view text);
