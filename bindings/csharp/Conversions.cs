@@ -4,15 +4,14 @@ using System.Text;
 
 namespace Orvane
 {
-    /// <summary>Octets, text, numbers, times and logs. Hexadecimal text of an odd number of digits is
+    /// <summary>Octets, text, numbers, times and logs. Hexadecimal text with an odd number of digits is
     /// refused.</summary>
     public static class Conversions
     {
-        /// <summary>True if a text is made of the digits 0 to 9 alone, and not empty.</summary>
+        /// <summary>True if a text has only the digits 0 to 9, at least one.</summary>
         public static bool IsDecimal(string text) { return HasDigitsAlone(text, 0); }
 
-        /// <summary>True if a text is made of hexadecimal digits alone, without blanks, and not
-        /// empty.</summary>
+        /// <summary>True if a text has only hexadecimal digits, at least one, and no blanks.</summary>
         public static bool IsHex(string text) { return HasDigitsAlone(text, 1); }
 
         private static bool HasDigitsAlone(string text, int hex)
@@ -61,7 +60,7 @@ namespace Orvane
             return number;
         }
 
-        /// <summary>The same of 2, 4, 6 or 8 digits.</summary>
+        /// <summary>The same for 2, 4, 6 or 8 digits.</summary>
         public static int ToNumber(string hex)
         {
             int number = 0;
@@ -89,7 +88,7 @@ namespace Orvane
             return octets.Skip(4 - count).ToArray();
         }
 
-        /// <summary>Escapes all but ASCII letters and digits.</summary>
+        /// <summary>Escapes everything except ASCII letters and digits.</summary>
         public static string UrlEncode(string text)
         {
             byte[] octets = Native.Bytes(text);
@@ -98,7 +97,7 @@ namespace Orvane
             return Native.Text(encoded);
         }
 
-        /// <summary>Undoes UrlEncode, and turns + into a blank. Escapes are not checked.</summary>
+        /// <summary>Reverses UrlEncode and turns + into a blank. Does not check the escapes.</summary>
         public static string UrlDecode(string text)
         {
             byte[] octets = Native.Bytes(text);
@@ -109,7 +108,7 @@ namespace Orvane
             return Encoding.UTF8.GetString(decoded, 0, length);
         }
 
-        /// <summary>The stamp of the present second: the Unix time less 28800.</summary>
+        /// <summary>The stamp of the current second: the Unix time minus 28800.</summary>
         public static uint Stamp()
         {
             uint stamp;
@@ -117,8 +116,7 @@ namespace Orvane
             return stamp;
         }
 
-        /// <summary>The same in decimal, with three digits of milliseconds behind it if they are
-        /// wanted.</summary>
+        /// <summary>The same in decimal, followed by three digits of milliseconds on request.</summary>
         public static string StampText(bool milliseconds = false)
         {
             var text = new byte[15];
@@ -126,7 +124,7 @@ namespace Orvane
             return Native.Text(text);
         }
 
-        /// <summary>The present time, YYYY-MM-DD hh:mm:ss, in UTC.</summary>
+        /// <summary>The current time in UTC, YYYY-MM-DD hh:mm:ss.</summary>
         public static string TimeText()
         {
             var text = new byte[33];
@@ -142,8 +140,8 @@ namespace Orvane
             return Native.Text(text);
         }
 
-        /// <summary>The time of a text of StampText(true), with its milliseconds behind a colon if they are
-        /// wanted.</summary>
+        /// <summary>The time of a text from StampText(true), followed by a colon and the milliseconds on
+        /// request.</summary>
         public static string TimeOfText(string stampText, bool milliseconds = false)
         {
             byte[] stamp = Native.Bytes(stampText);
@@ -153,7 +151,7 @@ namespace Orvane
             return Native.Text(text);
         }
 
-        /// <summary>Appends a text to a file, as it is.</summary>
+        /// <summary>Appends a text to a file. On Windows each line feed becomes CR LF.</summary>
         public static void LogText(string path, string text)
         {
             Native.AsciiLog(Native.Checked(path), Native.Bytes(text));

@@ -2,14 +2,15 @@ using System;
 
 namespace Orvane
 {
-    /// <summary>What every failure is. A status word other than 9000 is an answer, and no failure.</summary>
+    /// <summary>The base of all failures. A status word other than 9000 is an answer, not a
+    /// failure.</summary>
     public class OrvaneException : Exception
     {
         public OrvaneException(string message) : base(message) { }
     }
 
-    /// <summary>A statement that failed, with its code of RunScript, SetVarValue or GetVarValue.
-    /// Statements with the codes 1 to 8 can fail too: the message is then the one that they left.</summary>
+    /// <summary>A failed statement, with its code from RunScript, SetVarValue or GetVarValue. A statement
+    /// with a code from 1 to 8 can fail too: the message is then the one that it left.</summary>
     public class ScriptException : OrvaneException
     {
         public ScriptException(int code, string message) : base(message) { Code = code; }
@@ -23,7 +24,7 @@ namespace Orvane
         public ReaderException(string message) : base(message) { }
     }
 
-    /// <summary>Input that is refused before anything is done with it.</summary>
+    /// <summary>Input that is refused before it is used.</summary>
     public class DataException : OrvaneException
     {
         public DataException(string message) : base(message) { }

@@ -1,14 +1,13 @@
-// The functions of liborvane.so and orvane.dll. What they do stands in orvane.h, function by function;
-// this file says how they are called:
+// The functions of liborvane.so and orvane.dll. orvane.h describes each of them; this file says how they are
+// called:
 //
-//   - A text that is handed over is a string where it is a script or a variable, which go out as
-//     UTF-8, and where it is the name of a reader or a file, which goes out in the system's narrow
-//     character set (the ANSI code page on Windows); a character that this lacks throws. All others
-//     are UTF-8 with a zero behind it, which Bytes() gives.
-//   - A text, octets or a record that come back are a byte[] of the caller's, with the room that
-//     orvane.h asks for: no function is told the size. Text() takes what a script gave up to the
-//     terminator, Name() likewise the name of a reader.
-//   - A single number that comes back is an out parameter.
+//   - An input text is a string if it is a script or a variable, which goes out as UTF-8, or the name of a
+//     reader or a file, which goes out in the system's narrow character set (the ANSI code page on Windows);
+//     a character that this set lacks throws. Every other input text is UTF-8 with a terminating zero, made
+//     by Bytes().
+//   - An output text, octets or a record are a byte[] of the caller with the room that orvane.h asks for: no
+//     function knows the size. Text() reads a script's output up to the terminator, Name() a reader's name.
+//   - A single output number is an out parameter.
 using System;
 using System.Runtime.InteropServices;
 using System.Text;
@@ -56,25 +55,24 @@ namespace Orvane
     [BestFitMapping(false, ThrowOnUnmappableChar = true)]
     internal static class Native
     {
-        // orvane.dll on Windows, liborvane.so on Linux: looked for as the system does, and beside the
-        // program.
+        // orvane.dll on Windows, liborvane.so on Linux: found by the system's search or beside the program.
         private const string Library = "orvane";
         private const CallingConvention C = CallingConvention.Cdecl;
 
-        /// <summary>One thread at a time is in the library: it has no locks of its own.</summary>
+        /// <summary>Only one thread at a time may call the library: it has no locks of its own.</summary>
         internal static readonly object Gate = new object();
 
-        /// <summary>A text as the library takes it: without a zero in it.</summary>
+        /// <summary>Refuses a text with a zero in it, which the library would take for the end.</summary>
         internal static string Checked(string text)
         {
             if (text.IndexOf('\0') >= 0) throw new DataException("a text has a zero octet in it");
             return text;
         }
 
-        /// <summary>UTF-8 with a zero behind it.</summary>
+        /// <summary>UTF-8 with a terminating zero.</summary>
         internal static byte[] Bytes(string text) { return Encoding.UTF8.GetBytes(Checked(text) + '\0'); }
 
-        /// <summary>What was written to a buffer, up to its terminator.</summary>
+        /// <summary>The content of a buffer, up to its terminator.</summary>
         internal static string Text(byte[] buffer)
         {
             int length = Array.IndexOf(buffer, (byte)0);
@@ -113,8 +111,8 @@ namespace Orvane
 
         // ---- Readers ----
 
-        /// <param name="list">Records of 272 octets: max if max is above 0 and the kind honours it, else
-        /// count + 1 or 16, whichever is more.</param>
+        /// <param name="list">Records of 272 octets: max if max is above 0 and limits the kind, else the
+        /// larger of count + 1 and 16.</param>
         [DllImport(Library, CallingConvention = C)]
         internal static extern int GetReaderList(ReaderKind kind, byte[] list, int count, int max);
 
@@ -141,7 +139,7 @@ namespace Orvane
         [DllImport(Library, CallingConvention = C)]
         internal static extern int SendCommand(byte[] cmdHex, int hexLen, byte[] respHex);
 
-        // ---- Conversions: nothing is terminated, so hand over buffers of zeros ----
+        // ---- Conversions: nothing is terminated, so pass buffers of zeros ----
 
         /// <param name="text">Bytes, with a zero at the end.</param>
         /// <param name="output">Three times the length of text.</param>
@@ -226,7 +224,7 @@ namespace Orvane
 
         // ---- Tags ----
 
-        /// <returns>A parser for the three functions below; give it back with the last.</returns>
+        /// <returns>A parser for the three functions below; release it with the last of them.</returns>
         [DllImport(Library, CallingConvention = C)]
         internal static extern IntPtr TagParsing_Init();
 

@@ -6,7 +6,7 @@ using System.Runtime.InteropServices;
 
 namespace Orvane
 {
-    /// <summary>The rules by kind of reader.</summary>
+    /// <summary>What differs between the kinds of reader.</summary>
     public static class ReaderRules
     {
         /// <summary>True for the kinds whose answers end in a status word.</summary>
@@ -15,14 +15,14 @@ namespace Orvane
             return kind != ReaderKind.Fm8201 && kind != ReaderKind.Tcp && kind != ReaderKind.Icr;
         }
 
-        /// <summary>The most octets of a command that go out to a reader of this kind.</summary>
+        /// <summary>The most octets of a command to a reader of this kind.</summary>
         public static int LongestCommand(ReaderKind kind)
         {
             if (kind == ReaderKind.D8 || kind == ReaderKind.Wd) return 255;
             return kind == ReaderKind.S5009 || kind == ReaderKind.S5009Ats ? 133 : 4096;
         }
 
-        /// <summary>The most octets of data that an answer brings in beside its status word.</summary>
+        /// <summary>The most octets of data in an answer, without its status word.</summary>
         public static int MostData(ReaderKind kind)
         {
             if (kind == ReaderKind.S5009 || kind == ReaderKind.S5009Ats) return 126;
@@ -50,36 +50,37 @@ namespace Orvane
         /// <summary>Hexadecimal text.</summary>
         public string Data { get; }
 
-        /// <summary>Four digits; empty where it isn't known, or the kind has none.</summary>
+        /// <summary>Four digits; empty if it is not known or the kind has none.</summary>
         public string StatusWord { get; }
 
-        /// <summary>The exchange ended in 9000; on a kind without status word, it has worked. Otherwise
-        /// StatusWord is the answer's first two octets: the beginning of data, if there was any.</summary>
+        /// <summary>True if the exchange ended in 9000 or, for a kind without status words, succeeded.
+        /// Otherwise StatusWord is the answer's first two octets: the beginning of the data, if there is
+        /// any.</summary>
         public bool Ok { get; }
 
         /// <summary>The data's octets.</summary>
         public byte[] Octets { get { return Conversions.ToOctets(Data); } }
 
-        /// <summary>Sorts what SendCommand gave by the kind of the reader; null if there was no
+        /// <summary>Splits the text from SendCommand by the rules of the kind; null if there was no
         /// answer.</summary>
         public static Response Read(ReaderKind kind, int result, string text)
         {
             if (!ReaderRules.HasStatusWord(kind)) return result != 0 ? new Response(text, "", true) : null;
             if (result == 0)
             {
-                // An answer that ends in 9000 does not fail: one that begins so must not look like success.
+                // This answer does not end in 9000: if it begins so, it must not look like success.
                 return text == "" ? null : new Response("", text == "9000" ? "" : text, false);
             }
             bool keeps = kind == ReaderKind.Wd || kind == ReaderKind.S5009 || kind == ReaderKind.S5009Ats;
             bool replies = kind == ReaderKind.TyUsb || kind == ReaderKind.TyCom;
-            // What the kinds 1 and 2 replied is data in any case; the others give 9000 for none.
+            // For the kinds 1 and 2 all text is data; the others give 9000 if there is no data.
             bool ends = keeps ? text.EndsWith("9000", StringComparison.Ordinal) : !replies && text == "9000";
             return new Response(ends ? text.Substring(0, text.Length - 4) : text, "9000", true);
         }
     }
 
-    /// <summary>One of the sixteen readers that a process can have open. Dispose of it: one that is
-    /// forgotten stays open, since closing it could come between two calls of another.</summary>
+    /// <summary>One of the sixteen readers that a process can have open. Dispose of it: a forgotten reader
+    /// stays open, because closing it could fall between two calls to another.</summary>
     public sealed class Reader : IDisposable
     {
         private const int Closed = 16;
@@ -102,7 +103,7 @@ namespace Orvane
         }
 
         /// <summary>The readers of one kind.</summary>
-        /// <param name="ports">How many to offer where ports can't be asked for.</param>
+        /// <param name="ports">How many to list if the kind cannot find its ports.</param>
         public static List<ReaderInfo> List(ReaderKind kind, int ports = 0)
         {
             if (ports < 0 || ports > 256) throw new DataException("a list has 0 to 256 ports");
@@ -124,7 +125,7 @@ namespace Orvane
             };
         }
 
-        /// <summary>Opens by name, as List gives it; a payment HSM by its address.</summary>
+        /// <summary>Opens the reader of this name, as List gives it; a payment HSM by its address.</summary>
         public static Reader Open(ReaderKind kind, string name)
         {
             Native.Checked(name);
@@ -138,7 +139,7 @@ namespace Orvane
             }
         }
 
-        /// <summary>Opens by port.</summary>
+        /// <summary>Opens the reader on this port.</summary>
         public static Reader OpenPort(ReaderKind kind, int port)
         {
             return new Reader(kind, "port " + port, () => Native.OpenReader(port, kind, 9600));
@@ -148,8 +149,8 @@ namespace Orvane
 
         public bool IsOpen { get { return number != Closed; } }
 
-        /// <summary>Brings up the card and gives its ATR in hexadecimal, or what the kind gives instead. A
-        /// card in a PC/SC reader is not reset.</summary>
+        /// <summary>Wakes the card and gives its ATR in hexadecimal, or what the kind gives instead. Does not
+        /// reset a card in a PC/SC reader.</summary>
         public string Reset()
         {
             var atr = new byte[1025];
@@ -161,7 +162,7 @@ namespace Orvane
             return Native.Text(atr);
         }
 
-        /// <summary>Chooses a card slot; what a slot means is up to the kind.</summary>
+        /// <summary>Chooses a card slot. Its meaning depends on the kind.</summary>
         public void ChooseSlot(byte slot)
         {
             lock (Native.Gate)
@@ -171,10 +172,10 @@ namespace Orvane
             }
         }
 
-        /// <summary>Sends a command of hexadecimal digits; blanks may stand between them. Throws
-        /// DataException, with nothing sent, for anything else, below four octets (but for kinds without
-        /// status word), and above what the reader takes. Where a payment HSM has not answered the reader is
-        /// closed, so that an answer that comes late is not taken for the next command's.</summary>
+        /// <summary>Sends a command of hexadecimal digits, blanks allowed. Throws DataException and sends
+        /// nothing for any other text, for less than four octets (except for kinds without status words), and
+        /// for more than the reader takes. If a payment HSM does not answer, the reader is closed, so that a
+        /// late answer is not taken for the next command's.</summary>
         public Response Send(string hex) { return Send(Conversions.ToOctets(hex)); }
 
         /// <summary>Sends the octets of a command. Otherwise the same.</summary>
@@ -199,8 +200,8 @@ namespace Orvane
             throw new ReaderException("no answer from the card or its reader");
         }
 
-        /// <summary>Closes the reader, also where its library refuses: that is thrown then. Closed already:
-        /// nothing.</summary>
+        /// <summary>Closes the reader. Throws if its library refuses, but the reader is then closed too. Does
+        /// nothing on a closed reader.</summary>
         public void Close()
         {
             lock (Native.Gate)
@@ -209,7 +210,7 @@ namespace Orvane
             }
         }
 
-        /// <summary>Closes the reader, whatever its library says.</summary>
+        /// <summary>Closes the reader and ignores a refusal of its library.</summary>
         public void Dispose()
         {
             lock (Native.Gate)
@@ -236,9 +237,8 @@ namespace Orvane
     /// <summary>Stand-ins for the libraries of reader makers.</summary>
     public static class Simulators
     {
-        /// <summary>Puts the simulators beside this assembly, or in a folder, into the places of the
-        /// vendors' libraries, for the rest of the process. Call it before a reader is listed or
-        /// opened.</summary>
+        /// <summary>Replaces the vendors' libraries by the simulators beside this assembly or in a folder,
+        /// for the rest of the process. Call it before a reader is listed or opened.</summary>
         public static void Load(string folder = null)
         {
             folder = folder ?? Path.Combine(Path.GetDirectoryName(typeof(Simulators).Assembly.Location), "simulators");

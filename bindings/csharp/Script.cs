@@ -4,15 +4,14 @@ using System.Text.RegularExpressions;
 
 namespace Orvane
 {
-    /// <summary>What a statement has come to: one of the classes below.</summary>
+    /// <summary>The result of a statement: one of the classes below.</summary>
     public abstract class Result { }
 
     /// <summary>An empty statement or a comment.</summary>
     public sealed class Nothing : Result { }
 
-    /// <summary>A value was stored: its first 511 bytes. A script command that failed in it has left a
-    /// message or nothing in the value, so let scripts compare the length of what they have
-    /// computed.</summary>
+    /// <summary>A value was stored; this is its first 511 bytes. A failed script command leaves its message
+    /// or nothing in the value, so let scripts compare the lengths of computed values.</summary>
     public sealed class Assignment : Result
     {
         internal Assignment(string value) { Value = value; }
@@ -20,8 +19,7 @@ namespace Orvane
         public string Value { get; }
     }
 
-    /// <summary>An expression that is whole octets in hexadecimal, four at least: to be sent to the
-    /// card.</summary>
+    /// <summary>An expression of whole octets in hexadecimal, at least four: send it to the card.</summary>
     public sealed class Command : Result
     {
         internal Command(string hex) { Hex = hex; }
@@ -29,7 +27,7 @@ namespace Orvane
         public string Hex { get; }
     }
 
-    /// <summary>Any other expression, perhaps empty; nothing for a card.</summary>
+    /// <summary>Any other expression, perhaps empty; do not send it to a card.</summary>
     public sealed class Value : Result
     {
         internal Value(string text) { Text = text; }
@@ -64,7 +62,7 @@ namespace Orvane
     /// <summary>@reset()</summary>
     public sealed class ResetRequest : Result { }
 
-    /// <summary>$ and a text for the host, which has it.</summary>
+    /// <summary>$ and a text for the host; read it from the statement.</summary>
     public sealed class Note : Result { }
 
     /// <summary>@stop()</summary>
@@ -75,17 +73,17 @@ namespace Orvane
     {
         internal Comparison(bool met) { Met = met; }
 
-        /// <summary>It came out as expected.</summary>
+        /// <summary>True if the outcome is the expected one.</summary>
         public bool Met { get; }
     }
 
-    /// <summary>The process's script engine and its variables. Texts that are no UTF-8 come with U+FFFD in
-    /// them.</summary>
+    /// <summary>The process's script engine and its variables. In texts that are not UTF-8, wrong bytes
+    /// become U+FFFD.</summary>
     public static class Script
     {
-        /// <summary>Runs one statement. Throws ScriptException where it failed: an undefined variable in
-        /// it, an argument of a command for the host that is empty or failed, @reset() or @stop() that
-        /// doesn't stand alone, "(", ")" or "," in front, a text above 511 bytes, no memory.</summary>
+        /// <summary>Runs one statement. Throws ScriptException if it fails: an undefined variable, an empty
+        /// or failed argument of a command for the host, @reset() or @stop() that does not stand alone, "(",
+        /// ")" or "," at its beginning, a text above 511 bytes, no memory.</summary>
         public static Result Run(string statement)
         {
             var area = new byte[512];
@@ -115,13 +113,13 @@ namespace Orvane
             }
         }
 
-        /// <summary>Stores a variable. The % of one that scripts can read is part of its name.</summary>
+        /// <summary>Stores a variable. Scripts can read it only if its name begins with %.</summary>
         public static void Set(string name, string value)
         {
             lock (Native.Gate) Check(Native.SetVarValue(Native.Checked(name), Native.Checked(value)), name);
         }
 
-        /// <summary>Tells whether a variable exists.</summary>
+        /// <summary>True if a variable exists.</summary>
         public static bool Has(string name)
         {
             int code;
@@ -130,8 +128,8 @@ namespace Orvane
             return code == (int)ScriptCode.Done;
         }
 
-        /// <summary>The whole value of a variable, in its own case. The name begins with %. On its way the
-        /// value passes through the variable ORVANE.PIECE, which no script can read.</summary>
+        /// <summary>The whole value of a variable, with its letters' case. The name begins with %. Reads the
+        /// value in pieces, through the variable ORVANE.PIECE, which no script can read.</summary>
         public static string Get(string name)
         {
             if (!Regex.IsMatch(Native.Checked(name), @"^%[^ \t(),]*$"))

@@ -5,7 +5,7 @@ using System.Linq;
 
 namespace Orvane
 {
-    /// <summary>Takes BER-TLV data apart; every element of the tree, a child too, is found under its
+    /// <summary>Parses BER-TLV data. Every element of the tree, also a child, is found under its
     /// tag.</summary>
     public sealed class TagTree : IDisposable
     {
@@ -32,8 +32,8 @@ namespace Orvane
             GC.SuppressFinalize(this);
         }
 
-        /// <summary>Adds what a hexadecimal text holds. Throws DataException at the first element that is
-        /// malformed; what stands before it is kept.</summary>
+        /// <summary>Adds the elements of a hexadecimal text. Throws DataException at the first malformed
+        /// element; those before it are kept.</summary>
         public void Parse(string hex)
         {
             lock (use)
@@ -107,9 +107,9 @@ namespace Orvane
         private static bool loaded, changed;
         private static int fileRecords, added;
 
-        /// <summary>The whole list. How many records there are is known where a file was read or flushed
-        /// through this class, and no other code of the process uses the dictionary. Throws DataException
-        /// before a first flush, and if another program changed the file while it was read.</summary>
+        /// <summary>The whole list. Its size is known if only this class uses the dictionary in this process.
+        /// Throws DataException if records were added and there is no file yet (flush first), and if another
+        /// program changed the file while it was read.</summary>
         public static List<TagEntry> List()
         {
             lock (Native.Gate)
@@ -147,8 +147,8 @@ namespace Orvane
             }
         }
 
-        /// <summary>Puts a record in the place of the one with exactly its tag, or adds it. False if the tag
-        /// is there in another case.</summary>
+        /// <summary>Replaces the record with exactly this tag, or adds it. False if the tag is there in
+        /// another case.</summary>
         public static bool Replace(TagEntry entry)
         {
             lock (Native.Gate)
@@ -169,7 +169,7 @@ namespace Orvane
             }
         }
 
-        /// <summary>Writes the list to the file. Whether it could is not told.</summary>
+        /// <summary>Writes the list to the file. A failed write is not reported.</summary>
         public static void Flush()
         {
             lock (Native.Gate)
@@ -180,7 +180,7 @@ namespace Orvane
             }
         }
 
-        // The library reads the file in the first call that finds it, and doesn't tell how much it was.
+        // The library reads the file in the first call that finds it, and does not say how much it was.
         private static void LoadFile()
         {
             if (loaded) return;
@@ -192,7 +192,7 @@ namespace Orvane
             fileRecords = Math.Max(fileRecords, Math.Max(before.Records, after.Records));
         }
 
-        // What the library would read now: as many records as the file says, but each has three octets.
+        // What the library would read now: the stated number of records, each of at least three octets.
         private struct FileNow
         {
             public bool Read;
@@ -204,7 +204,7 @@ namespace Orvane
             {
                 try
                 {
-                    // A file without a count, which is no regular one perhaps, is not opened.
+                    // Does not open a file too short for a count: it may not be a regular one.
                     if (new FileInfo("dictdata.bin").Length < 4) return new FileNow();
                     var octets = new byte[4];
                     using (var file = new FileStream("dictdata.bin", FileMode.Open, FileAccess.Read,

@@ -1,4 +1,4 @@
-// What each of these is for stands in index.d.ts.
+// index.d.ts describes each of these.
 export * from './lib/conversions.js';
 export * from './lib/errors.js';
 export {

@@ -1,4 +1,4 @@
-"""The wheel fits any Python 3 of the platform whose library script/package has put into it."""
+"""Builds a wheel for any Python 3 on the platform of the library that script/package put into it."""
 import pathlib
 
 from setuptools import Distribution, setup

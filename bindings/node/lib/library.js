@@ -1,4 +1,4 @@
-// The functions of orvane.h, and how texts go there and back.
+// The functions of orvane.h, and the conversion of texts for them.
 import { existsSync } from 'node:fs';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
@@ -9,7 +9,7 @@ export const windows = process.platform === 'win32';
 export const folder = fileURLToPath(
   new URL(`../native/${process.platform}-${process.arch}`, import.meta.url));
 
-// The package's own library, else that of the system.
+// The package's own library, or else the system's.
 const own = join(folder, windows ? 'orvane.dll' : 'liborvane.so');
 const library = koffi.load(existsSync(own) ? own : windows ? 'orvane.dll' : 'liborvane.so.1');
 
@@ -55,15 +55,15 @@ export const native = Object.fromEntries([
   'int32_t FlushTagdict()',
 ].map((declaration) => [declaration.match(/(\w+)\(/)[1], library.func(declaration)]));
 
-// UTF-8 with a zero behind it.
+// UTF-8 with a terminating zero.
 export function encode(text) {
   if (typeof text !== 'string') throw new DataError(`not a text: ${text}`);
   if (text.includes('\0')) throw new DataError('a text has a zero octet in it');
   return Buffer.from(`${text}\0`);
 }
 
-// The name of a reader or a log file. On Windows it is in the ANSI code page, of which Node knows the
-// part that all have in common.
+// The name of a reader or a log file. On Windows it is in the ANSI code page, to which Node cannot
+// convert: only ASCII is accepted, which is the same in all of them.
 export function encodeName(name) {
   const octets = encode(name);
   if (windows && octets.length !== name.length + 1) {
@@ -72,7 +72,7 @@ export function encodeName(name) {
   return octets;
 }
 
-// What was written into an area, up to its terminator.
+// The content of an area, up to its terminator.
 export function bytesOf(area) {
   const end = area.indexOf(0);
   return area.subarray(0, end < 0 ? area.length : end);

@@ -40,10 +40,10 @@ export class Response {
   static read(kind, result, text) {
     if (!hasStatusWord(kind)) return result ? new Response(text, '', true) : undefined;
     if (!result) {
-      // An answer that ends in 9000 does not fail: one that begins so must not look like success.
+      // This answer does not end in 9000: if it begins so, it must not look like success.
       return text ? new Response('', text === '9000' ? '' : text, false) : undefined;
     }
-    // What the kinds 1 and 2 replied is data in any case; the others give 9000 for none.
+    // For the kinds 1 and 2 all text is data; the others give 9000 if there is no data.
     const ends = keepsStatusWord.includes(kind)
       ? text.endsWith('9000') : !repliesData.includes(kind) && text === '9000';
     return new Response(ends ? text.slice(0, -4) : text, '9000', true);

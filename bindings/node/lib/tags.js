@@ -46,7 +46,7 @@ function entryOf(record) {
     .map(([field, [begin, end]]) => [field, textOf(record.subarray(begin, end))]));
 }
 
-// What the library would read now: as many records as the file says, but each has three octets.
+// What the library would read now: the stated number of records, each of at least three octets.
 function look() {
   const nothing = { read: false, records: 0, state: '' };
   let file;
@@ -112,7 +112,7 @@ export class TagDictionary {
     this.#fileRecords = Math.max(this.#fileRecords, look().records);
   }
 
-  // The library reads the file in the first call that finds it, and doesn't tell how much it was.
+  // The library reads the file in the first call that finds it, and does not say how much it was.
   static #load() {
     if (this.#loaded) return;
     const before = look();

@@ -1,6 +1,6 @@
 """Runs card scripts and drives smart-card readers.
 
-A statement's result says by its class what it asks of its host:
+The class of a statement's result says what it asks of the host:
 
     for line in script:
         result = Script.run(line)

@@ -1,4 +1,4 @@
-"""Octets, text, numbers and times. Hexadecimal text of an odd number of digits is refused."""
+"""Octets, text, numbers and times. Hexadecimal text with an odd number of digits is refused."""
 from __future__ import annotations
 
 import ctypes
@@ -9,13 +9,13 @@ from .library import area, decode, encode, encode_name, native
 
 
 def is_decimal(text: str) -> bool:
-    """True if a text is made of the digits 0 to 9 alone, and not empty."""
+    """True if a text has only the digits 0 to 9, at least one."""
     octets = encode(text)
     return bool(octets) and native.CheckAsciiNum(octets, 0, len(octets)) == 0
 
 
 def is_hex(text: str) -> bool:
-    """True if a text is made of hexadecimal digits alone, without blanks, and not empty."""
+    """True if a text has only hexadecimal digits, at least one, and no blanks."""
     octets = encode(text)
     return bool(octets) and native.CheckAsciiNum(octets, 1, len(octets)) == 0
 
@@ -82,7 +82,7 @@ def number_to_octets(number: int) -> bytes:
 
 
 def url_encode(text: str) -> str:
-    """Escapes all but ASCII letters and digits."""
+    """Escapes everything except ASCII letters and digits."""
     octets = encode(text)
     encoded = area(3 * len(octets) + 1)
     native.URLEncode(octets, encoded)
@@ -90,7 +90,7 @@ def url_encode(text: str) -> str:
 
 
 def url_decode(text: str) -> str:
-    """Undoes url_encode, and turns + into a blank. Escapes are not checked."""
+    """Reverses url_encode and turns + into a blank. Does not check the escapes."""
     octets = encode(text)
     length = at = 0
     while at < len(octets):
@@ -102,21 +102,21 @@ def url_decode(text: str) -> str:
 
 
 def stamp() -> int:
-    """The stamp of the present second: the Unix time less 28800."""
+    """The stamp of the current second: the Unix time minus 28800."""
     value = ctypes.c_uint32()
     native.GetTimeStampInt(ctypes.byref(value))
     return value.value
 
 
 def stamp_text(milliseconds: bool = False) -> str:
-    """The same in decimal, with three digits of milliseconds behind it if they are wanted."""
+    """The same in decimal, followed by three digits of milliseconds on request."""
     text = area(15)
     native.GetTimeStampStr(text, int(milliseconds))
     return text.value.decode()
 
 
 def time_text() -> str:
-    """The present time, YYYY-MM-DD hh:mm:ss, in UTC."""
+    """The current time in UTC, YYYY-MM-DD hh:mm:ss."""
     text = area(33)
     native.GetTimeStr(text)
     return text.value.decode()
@@ -132,7 +132,7 @@ def time_of(stamp: int) -> str:
 
 
 def time_of_text(stamp_text: str, milliseconds: bool = False) -> str:
-    """The time of a text of stamp_text(True), with its milliseconds behind a colon if wanted."""
+    """The time of a text from stamp_text(True), with a colon and milliseconds on request."""
     if not 4 <= len(encode(stamp_text)) <= 25:
         raise DataError("no stamp with milliseconds")
     text = area(37)
@@ -141,7 +141,7 @@ def time_of_text(stamp_text: str, milliseconds: bool = False) -> str:
 
 
 def log_text(path: str, text: str) -> None:
-    """Appends a text to a file, as it is."""
+    """Appends a text to a file. On Windows each line feed becomes CR LF."""
     native.AsciiLog(encode_name(path), encode(text))
 
 

@@ -1,14 +1,14 @@
-"""What can't be done is raised. A status word other than 9000 is an answer, and no failure."""
+"""Failures are exceptions. A status word other than 9000 is an answer, not a failure."""
 from __future__ import annotations
 
 
 class Error(Exception):
-    """What every failure is."""
+    """The base of all failures."""
 
 
 class ScriptError(Error):
-    """A statement that failed, with its code of RunScript, SetVarValue or GetVarValue. Statements with
-    the codes 1 to 8 can fail too: the text is then the message that they left."""
+    """A failed statement, with its code from RunScript, SetVarValue or GetVarValue. A statement with a
+    code from 1 to 8 can fail too: the text is then the message that it left."""
 
     def __init__(self, code: int, message: str) -> None:
         super().__init__(message)
@@ -20,4 +20,4 @@ class ReaderError(Error):
 
 
 class DataError(Error, ValueError):
-    """Input that is refused before anything is done with it."""
+    """Input that is refused before it is used."""

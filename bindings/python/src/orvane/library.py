@@ -1,4 +1,4 @@
-"""The functions of orvane.h, and how texts go there and back. For the package's own use."""
+"""The functions of orvane.h, and the conversion of texts for them. For the package's own use."""
 from __future__ import annotations
 
 import ctypes
@@ -13,7 +13,7 @@ from .errors import DataError
 WINDOWS = sys.platform == "win32"
 FOLDER = pathlib.Path(__file__).resolve().parent / "native"
 
-# One thread at a time is in the library: it has none of its own.
+# Only one thread at a time may call the library: it has no locks of its own.
 lock = threading.RLock()
 
 
@@ -28,7 +28,7 @@ class TagdictRecord(ctypes.Structure):
 
 
 def _load() -> ctypes.CDLL:
-    """The package's own library, else that of the system."""
+    """The package's own library, or else the system's."""
     own = FOLDER / ("orvane.dll" if WINDOWS else "liborvane.so")
     return ctypes.CDLL(str(own) if own.exists() else "orvane.dll" if WINDOWS else "liborvane.so.1")
 
@@ -87,7 +87,7 @@ def _checked(octets: bytes) -> bytes:
 
 
 def encode(text: str) -> bytes:
-    """UTF-8. Octets that are none come and go as surrogates, so that nothing is lost."""
+    """Text as UTF-8. Octets that are not UTF-8 become surrogates and back: nothing is lost."""
     return _checked(text.encode("utf-8", "surrogateescape"))
 
 

@@ -1,4 +1,4 @@
-"""The fixture card: an open reader whose card is awake."""
+"""The fixture card: an open reader, ready for commands."""
 from __future__ import annotations
 
 import ctypes
@@ -31,7 +31,7 @@ def pytest_configure(config: pytest.Config) -> None:
 
 
 class _Recording:
-    """The simulated card of PC/SC's simulator, or what stands in its place."""
+    """The recording that PC/SC's simulator replays."""
 
     def __init__(self, file: str, any_order: bool) -> None:
         load_simulators()
@@ -59,8 +59,8 @@ def _orvane_recording(pytestconfig: pytest.Config) -> Optional[_Recording]:
 
 @pytest.fixture
 def card(pytestconfig: pytest.Config, _orvane_recording: Optional[_Recording]) -> Iterator[Reader]:
-    """An open reader that has been reset; it is closed behind the test. Where the card is a recording,
-    a command that was not as recorded is an error behind the test."""
+    """An open reader after reset(). It is closed after the test. If the card is a recording, a command
+    that differs from it is an error after the test."""
     address = pytestconfig.getoption("--orvane-reader")
     if not address:
         load_simulators()

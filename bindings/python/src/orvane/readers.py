@@ -39,14 +39,14 @@ def has_status_word(kind: int) -> bool:
 
 
 def longest_command(kind: int) -> int:
-    """The most octets of a command that go out to a reader of this kind."""
+    """The most octets of a command to a reader of this kind."""
     if kind in (ReaderKind.D8, ReaderKind.WD):
         return 255
     return 133 if kind in (ReaderKind.S5009, ReaderKind.S5009_ATS) else 4096
 
 
 def most_data(kind: int) -> int:
-    """The most octets of data that an answer brings in beside its status word."""
+    """The most octets of data in an answer, without its status word."""
     if kind in (ReaderKind.S5009, ReaderKind.S5009_ATS):
         return 126
     return 256 if kind in _REPLIES_DATA else 254
@@ -61,9 +61,10 @@ class ReaderInfo:
 
 @dataclass(frozen=True)
 class Response:
-    """A card's answer. data is hexadecimal text; status_word four digits, empty where it isn't known
-    or the kind has none. ok: the exchange ended in 9000; on a kind without status word, it has worked.
-    Otherwise status_word is the answer's first two octets: the beginning of data, if there was any."""
+    """A card's answer. data is hexadecimal text; status_word is four digits, empty if it is not known
+    or the kind has none. ok is true if the exchange ended in 9000 or, for a kind without status words,
+    succeeded. Otherwise status_word is the answer's first two octets: the beginning of the data, if
+    there is any."""
     data: str
     status_word: str
     ok: bool
@@ -74,26 +75,26 @@ class Response:
 
     @staticmethod
     def read(kind: int, result: int, text: str) -> Optional["Response"]:
-        """Sorts what SendCommand gave by the kind of the reader; none if there was no answer."""
+        """Splits the text from SendCommand by the rules of the kind; none if there was no answer."""
         if not has_status_word(kind):
             return Response(text, "", True) if result else None
         if not result:
-            # An answer that ends in 9000 does not fail: one that begins so must not look like success.
+            # This answer does not end in 9000: if it begins so, it must not look like success.
             return Response("", "" if text == "9000" else text, False) if text else None
-        # What the kinds 1 and 2 replied is data in any case; the others give 9000 for none.
+        # For the kinds 1 and 2 all text is data; the others give 9000 if there is no data.
         ends = (text.endswith("9000") if kind in _KEEPS_STATUS_WORD
                 else kind not in _REPLIES_DATA and text == "9000")
         return Response(text[:-4] if ends else text, "9000", True)
 
 
 class Reader:
-    """One of the sixteen readers that a process can have open. Use it in a with statement, or close
-    it: one that is forgotten stays open."""
+    """One of the sixteen readers that a process can have open. Use it in a with statement, or close it:
+    a forgotten reader stays open."""
 
     _taken: Set[int] = set()
 
     def __init__(self, kind: ReaderKind, what: str, opening: Callable[[], int]) -> None:
-        """For open and open_port."""
+        """Called by open and open_port."""
         self.kind = ReaderKind(kind)
         self._number: Optional[int] = None
         with lock:
@@ -108,7 +109,7 @@ class Reader:
 
     @staticmethod
     def list(kind: ReaderKind, ports: int = 0) -> "List[ReaderInfo]":
-        """The readers of one kind. ports is how many to offer where ports can't be asked for."""
+        """The readers of one kind. ports is how many to list if the kind cannot find its ports."""
         if not 0 <= ports <= 256:
             raise DataError("a list has 0 to 256 ports")
         records = (library.ReaderRecord * max(ports + 1, 64))()
@@ -119,13 +120,13 @@ class Reader:
 
     @staticmethod
     def open(kind: ReaderKind, name: str) -> "Reader":
-        """Opens by name, as list gives it; a payment HSM by its address."""
+        """Opens the reader of this name, as list gives it; a payment HSM by its address."""
         octets = library.encode_name(name)
         return Reader(kind, name, lambda: int(native.OpenReaderA(octets, kind)))
 
     @staticmethod
     def open_port(kind: ReaderKind, port: int) -> "Reader":
-        """Opens by port."""
+        """Opens the reader on this port."""
         return Reader(kind, f"port {port}", lambda: int(native.OpenReader(port, kind, 9600)))
 
     @property
@@ -133,8 +134,8 @@ class Reader:
         return self._number is not None
 
     def reset(self) -> str:
-        """Brings up the card and gives its ATR in hexadecimal, or what the kind gives instead. A card
-        in a PC/SC reader is not reset."""
+        """Wakes the card and gives its ATR in hexadecimal, or what the kind gives instead. Does not
+        reset a card in a PC/SC reader."""
         atr = area(1025)
         with lock:
             self._select()
@@ -143,7 +144,7 @@ class Reader:
         return atr.value.decode()
 
     def choose_slot(self, slot: int) -> None:
-        """Chooses a card slot, 0 to 255; what a slot means is up to the kind."""
+        """Chooses a card slot, 0 to 255. Its meaning depends on the kind."""
         if not 0 <= slot <= 255:
             raise DataError(f"there is no slot {slot}")
         with lock:
@@ -151,10 +152,10 @@ class Reader:
             native.ChangeSlot(b"%02X" % slot)
 
     def send(self, command: Union[str, bytes, bytearray]) -> Response:
-        """Sends a command: hexadecimal digits, between which blanks may stand, or octets. Raises
-        DataError, with nothing sent, for anything else, below four octets (but for kinds without
-        status word), and above what the reader takes. Where a payment HSM has not answered the reader
-        is closed, so that an answer that comes late is not taken for the next command's."""
+        """Sends a command: hexadecimal digits, blanks allowed, or octets. Raises DataError and sends
+        nothing for any other text, for less than four octets (except for kinds without status words),
+        and for more than the reader takes. If a payment HSM does not answer, the reader is closed, so
+        that a late answer is not taken for the next command's."""
         octets = to_octets(command) if isinstance(command, str) else bytes(command)
         answer = area(8193)
         with lock:
@@ -172,8 +173,8 @@ class Reader:
         return response
 
     def close(self) -> None:
-        """Closes the reader, also where its library refuses: that is raised then. Closed already:
-        nothing."""
+        """Closes the reader. Raises if its library refuses, but the reader is then closed too. Does
+        nothing on a closed reader."""
         with lock:
             if self.is_open and not self._release():
                 raise ReaderError("the reader's library refuses to close it")
@@ -185,7 +186,7 @@ class Reader:
                  trace: Optional[TracebackType]) -> None:
         self.close()
 
-    # Closing here could come between two calls of another reader.
+    # Closing here could fall between two calls to another reader.
     def __del__(self) -> None:
         if getattr(self, "_number", None) is not None:
             warnings.warn("a reader was not closed", ResourceWarning, source=self)
@@ -202,13 +203,13 @@ class Reader:
         return bool(native.CloseReader())
 
 
-# Those that are loaded, by the name of the vendor's library.
+# The loaded simulators, by the name of the vendor's library.
 simulators: Dict[str, ctypes.CDLL] = {}
 
 
 def load_simulators(folder: Union[str, pathlib.Path, None] = None) -> None:
-    """Puts the simulators of the package, or of a folder, into the places of the vendors' libraries,
-    for the rest of the process. Call it before a reader is listed or opened."""
+    """Replaces the vendors' libraries by the simulators of the package or of a folder, for the rest of
+    the process. Call it before a reader is listed or opened."""
     folder = pathlib.Path(folder) if folder else library.FOLDER / "simulators"
     modules = sorted(folder.glob("*.dll" if library.WINDOWS else "*.so"))
     if not modules:

@@ -1,4 +1,4 @@
-"""Statements, what they come to, and variables."""
+"""Statements, their results, and variables."""
 from __future__ import annotations
 
 import enum
@@ -38,20 +38,20 @@ class Nothing:
 
 @dataclass(frozen=True)
 class Assignment:
-    """A value was stored: its first 511 bytes. A script command that failed in it has left a message
-    or nothing in the value, so let scripts compare the length of what they have computed."""
+    """A value was stored; this is its first 511 bytes. A failed script command leaves its message or
+    nothing in the value, so let scripts compare the lengths of computed values."""
     value: str
 
 
 @dataclass(frozen=True)
 class Command:
-    """An expression that is whole octets in hexadecimal, four at least: to be sent to the card."""
+    """An expression of whole octets in hexadecimal, at least four: send it to the card."""
     hex: str
 
 
 @dataclass(frozen=True)
 class Value:
-    """Any other expression, perhaps empty; nothing for a card."""
+    """Any other expression, perhaps empty; do not send it to a card."""
     text: str
 
 
@@ -80,7 +80,7 @@ class ResetRequest:
 
 @dataclass(frozen=True)
 class Note:
-    """$ and a text for the host, which has it."""
+    """$ and a text for the host; read it from the statement."""
 
 
 @dataclass(frozen=True)
@@ -90,7 +90,7 @@ class Stop:
 
 @dataclass(frozen=True)
 class Comparison:
-    """@compare(left, right, expected); met tells whether it came out as expected."""
+    """@compare(left, right, expected); met is true if the outcome is the expected one."""
     met: bool
 
 
@@ -142,9 +142,9 @@ class Script:
 
     @staticmethod
     def run(statement: str) -> Result:
-        """Runs one statement. Raises ScriptError where it failed: an undefined variable in it, an
-        argument of a command for the host that is empty or failed, @reset() or @stop() that doesn't
-        stand alone, "(", ")" or "," in front, a text above 511 bytes, no memory."""
+        """Runs one statement. Raises ScriptError if it fails: an undefined variable, an empty or failed
+        argument of a command for the host, @reset() or @stop() that does not stand alone, "(", ")" or
+        "," at its beginning, a text above 511 bytes, no memory."""
         result = area(512)
         with lock:
             code = native.RunScript(encode(statement), result)
@@ -163,13 +163,13 @@ class Script:
 
     @staticmethod
     def set(name: str, value: str) -> None:
-        """Stores a variable. The % of one that scripts can read is part of its name."""
+        """Stores a variable. Scripts can read it only if its name begins with %."""
         with lock:
             _check(native.SetVarValue(encode(name), encode(value)), name)
 
     @staticmethod
     def has(name: str) -> bool:
-        """Tells whether a variable exists."""
+        """True if a variable exists."""
         with lock:
             code = int(native.GetVarValue(encode(name)))
         if code != ScriptCode.UNDEFINED_VARIABLE:
@@ -178,8 +178,8 @@ class Script:
 
     @staticmethod
     def get(name: str) -> str:
-        """The whole value of a variable, in its own case. The name begins with %. On its way the
-        value passes through the variable ORVANE.PIECE, which no script can read."""
+        """The whole value of a variable, with its letters' case. The name begins with %. Reads the
+        value in pieces, through the variable ORVANE.PIECE, which no script can read."""
         if not name.startswith("%") or re.search(r"[ \t(),]", name):
             raise DataError("a variable that can be read has a name with % in front and no separator")
         value, piece = b"", area(512)

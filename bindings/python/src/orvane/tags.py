@@ -12,7 +12,7 @@ from .library import TagdictRecord, area, decode, encode, lock, native
 
 
 class TagTree:
-    """Takes BER-TLV data apart; every element of the tree, a child too, is found under its tag."""
+    """Parses BER-TLV data. Every element of the tree, also a child, is found under its tag."""
 
     def __init__(self, hex: Optional[str] = None) -> None:
         self._parser = native.TagParsing_Init()
@@ -23,8 +23,8 @@ class TagTree:
             self.parse(hex)
 
     def parse(self, hex: str) -> None:
-        """Adds what a hexadecimal text holds. Raises DataError at the first element that is malformed;
-        what stands before it is kept."""
+        """Adds the elements of a hexadecimal text. Raises DataError at the first malformed element;
+        those before it are kept."""
         with lock:
             if not native.TagParsing_Parse(self._parser, encode(hex)):
                 raise DataError("malformed BER-TLV data")
@@ -57,11 +57,11 @@ def _entry(record: TagdictRecord) -> TagEntry:
     return TagEntry(decode(record.tag), decode(record.short_text), decode(record.long_text))
 
 
-_File = Tuple[bool, int, int, int]  # whether it can be read; its records, size and time
+_File = Tuple[bool, int, int, int]  # readable; number of records, size, time
 
 
 def _look() -> _File:
-    """What the library would read now: as many records as the file says, but each has three octets."""
+    """What the library would read now: the stated number of records, each of at least three octets."""
     try:
         if not os.path.isfile("dictdata.bin"):
             return False, 0, 0, 0
@@ -80,9 +80,9 @@ class TagDictionary:
 
     @classmethod
     def list(cls) -> "List[TagEntry]":
-        """The whole list. How many records there are is known where a file was read or flushed through
-        this class, and no other code of the process uses the dictionary. Raises DataError before a
-        first flush, and if another program changed the file while it was read."""
+        """The whole list. Its size is known if only this class uses the dictionary in this process.
+        Raises DataError if records were added and there is no file yet (flush first), and if another
+        program changed the file while it was read."""
         with lock:
             cls._load()
             if not cls._loaded and not cls._added:
@@ -116,8 +116,8 @@ class TagDictionary:
 
     @classmethod
     def replace(cls, entry: TagEntry) -> bool:
-        """Puts a record in the place of the one with exactly its tag, or adds it. False if the tag is
-        there in another case."""
+        """Replaces the record with exactly this tag, or adds it. False if the tag is there in another
+        case."""
         with lock:
             cls._load()
             cls._added += 1
@@ -132,7 +132,7 @@ class TagDictionary:
 
     @classmethod
     def flush(cls) -> None:
-        """Writes the list to the file. Whether it could is not told."""
+        """Writes the list to the file. A failed write is not reported."""
         with lock:
             cls._load()
             native.FlushTagdict()
@@ -140,7 +140,8 @@ class TagDictionary:
 
     @classmethod
     def _load(cls) -> None:
-        """The library reads the file in the first call that finds it, and doesn't tell how much it was."""
+        """The library reads the file in the first call that finds it, and does not say how much it
+        was."""
         if cls._loaded:
             return
         before = _look()
