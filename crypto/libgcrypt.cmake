@@ -1,5 +1,5 @@
-# The target libgcrypt, if it is to be had. For Windows it is linked in as an archive: there
-# its file would be looked for beside the program, not beside the module that needs it.
+# The target libgcrypt, if the library is there. For Windows it is linked statically: Windows
+# would look for its DLL beside the program, not beside the module that needs it.
 include_guard(GLOBAL)
 find_package(PkgConfig QUIET)
 if(PkgConfig_FOUND AND NOT CMAKE_CROSSCOMPILING)
