@@ -15,7 +15,7 @@ namespace host {
 // lacks. No message quotes a value.
 std::vector<std::pair<std::string, std::string>> Definitions(const Options& options);
 
-// Stores them, and reports to `secrets` those that hold secrets.
+// Stores the variables and makes them known to `secrets`.
 void StoreDefinitions(const std::vector<std::pair<std::string, std::string>>& definitions,
                       Secrets& secrets);
 

@@ -45,7 +45,7 @@ std::string MaskExpectation(const Expectation& expectation);
 
 // How a response differs from what was expected: the octets of both around the place, with a mark
 // below, as lines that begin with a line feed. Empty if the response matches. Of several patterns,
-// the one that matches furthest is compared. Takes the current values of the variables. Throws
+// the one that matches furthest is compared. values holds the values of its variables. Throws
 // Failure (kScriptFault) if a value is no pattern.
 std::string PartingFrom(const Expectation& expectation, const Response& response,
                         const std::map<std::string, std::string>& values);
