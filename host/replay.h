@@ -18,7 +18,7 @@ recordings::Recording ReadRecordingFile(const std::string& file);
 // the first command that differs from the recording. Only one may exist at a time.
 class Replay : public ExchangeListener {
  public:
-  // Throws like ReadRecordingFile, also for a recording without cards.
+  // Throws like ReadRecordingFile, also for a recording of a payment HSM.
   Replay(const std::string& file, bool anyOrder);
   Replay(const Replay&) = delete;
   Replay& operator=(const Replay&) = delete;

@@ -48,8 +48,8 @@ class Session {
 
   void Open(std::string_view address, bool hide = false);
   void ResetCard();
-  // Sends a command that comes from no statement. Throws Failure (kExpectationFailed) if there is a
-  // pattern and the response's status word does not match it.
+  // Sends a command that comes from no statement. Throws Failure (kExpectationFailed) if the
+  // response does not match `expected`, a pattern; an empty one accepts any response.
   void Send(std::string_view digits, std::string_view expected = "");
 
   // Looks ahead at a statement that will run, after those that it has looked at. True if the value
