@@ -12,8 +12,8 @@ inline constexpr int64_t kVersion = 1;
 
 enum class EventType { kRecording, kOpen, kAtr, kReset, kExchange, kControl, kClose };
 
-// What one line of a recording tells; docs/limits.md lists the lines. Texts are UTF-8, octets
-// upper-case hexadecimal digits. What a line does not say is empty.
+// One line of a recording; docs/limits.md lists the lines. Texts are UTF-8, octets are upper-case
+// hexadecimal digits. A member that the line lacks is empty.
 struct Event {
   EventType type = EventType::kRecording;
 
