@@ -636,7 +636,9 @@ class TagTree {
   /// Adds what a hexadecimal text holds. Throws DataError at the first element that is malformed;
   /// what stands before it is kept.
   void Parse(TextArgument hex) {
-    if (TagParsing_Parse(parser_.get(), hex.Get()) == 0) throw DataError("malformed BER-TLV data");
+    if (TagParsing_Parse(parser_.get(), hex.Get()) == 0) {
+      throw DataError("malformed BER-TLV data, or a tag above one octet");
+    }
   }
 
   /// The value of the last element with a tag, in hexadecimal; none if there is no such element.

@@ -39,7 +39,7 @@ namespace Orvane
             lock (use)
             {
                 if (Native.TagParsing_Parse(parser, Native.Bytes(hex)) == 0)
-                    throw new DataException("malformed BER-TLV data");
+                    throw new DataException("malformed BER-TLV data, or a tag above one octet");
             }
             GC.KeepAlive(this);
         }

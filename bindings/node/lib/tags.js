@@ -16,7 +16,7 @@ export class TagTree {
 
   parse(hex) {
     if (!native.TagParsing_Parse(this.#parser, encode(hex))) {
-      throw new DataError('malformed BER-TLV data');
+      throw new DataError('malformed BER-TLV data, or a tag above one octet');
     }
   }
 

@@ -27,7 +27,7 @@ class TagTree:
         those before it are kept."""
         with lock:
             if not native.TagParsing_Parse(self._parser, encode(hex)):
-                raise DataError("malformed BER-TLV data")
+                raise DataError("malformed BER-TLV data, or a tag above one octet")
 
     def find(self, tag: str) -> Optional[str]:
         """The value of the last element with a tag, in hexadecimal; none if there is no such element."""
