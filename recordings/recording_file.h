@@ -17,7 +17,7 @@ class RecordingFile {
   ~RecordingFile();
 
   // Creates or empties the file. Until this object is gone, no other process can open it for
-  // recording. On POSIX a file that is created for secrets is readable for its owner alone. Gives
+  // recording. On POSIX only its owner can read a regular file with secrets. Gives
   // the empty text, or why it failed.
   std::string Open(const std::filesystem::path& file, bool secret);
 

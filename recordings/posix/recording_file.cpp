@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,6 +12,11 @@ namespace recordings {
 namespace {
 
 std::string Reason() { return std::generic_category().message(errno); }
+
+bool IsRegularFile(int descriptor) {
+  struct stat status;
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
 
 }  // namespace
 
@@ -27,6 +33,8 @@ std::string RecordingFile::Open(const std::filesystem::path& file, bool secret) 
   if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     return "another session is being recorded to it";
   }
+  // A file that was there before may be one that others read.
+  if (secret && IsRegularFile(descriptor) && fchmod(descriptor, 0600) != 0) return Reason();
   // A file without a length, such as a pipe, refuses this.
   if (ftruncate(descriptor, 0) != 0 && errno != EINVAL) return Reason();
   return "";
