@@ -29,8 +29,9 @@ copybutton_prompt_is_regexp = True
 
 html_theme = "furo"
 html_title = f"Orvane {version}"
-html_static_path = ["style.css"]
+html_static_path = ["style.css", "marks.js"]
 html_css_files = ["style.css"]
+html_js_files = ["marks.js"]
 html_copy_source = False
 html_show_sphinx = html_show_copyright = False
 html_use_index = False
@@ -54,15 +55,19 @@ def plain_scripts(app, page, template, context, doctree):
 
 
 def bundle(app, exception):
-    """Puts what Debian's furo imports in the place where it does so, and the licences beside it all."""
+    """Puts what Debian's furo imports or lacks in its place, and the licences beside it all."""
     if app.builder.name != "html":
         return
     static = pathlib.Path(app.outdir, "_static")
     script, style = static / "scripts/furo.js", static / "styles/furo.css"
     scrolling = script.with_name("gumshoe-patched.js").read_text()
     script.write_text(re.sub("^import .*", lambda match: scrolling, script.read_text()))
-    style.write_text(re.sub(r"@import url\((/javascript/.*?)\);", lambda match: pathlib.Path("/usr/share" + match[1]).read_text(),
-                            style.read_text()))
+    rules = re.sub(r"@import url\((/javascript/.*?)\);", lambda match: pathlib.Path("/usr/share" + match[1]).read_text(),
+                   style.read_text())
+    if "prefers-color-scheme" not in rules:  # Debian 12 lacks the browser's own choice of dark
+        dark = re.search(r'body\[data-theme="dark"\] (\{.*?\})', rules, re.S)[1]
+        rules += '@media screen and (prefers-color-scheme: dark) { body:not([data-theme="light"]) %s }\n' % dark
+    style.write_text(rules)
     (static / "licences").mkdir(exist_ok=True)
     for package in ("furo", "node-normalize.css", "python3-sphinx-copybutton", "python3-sphinx-inline-tabs", "sphinx-common"):
         licence = pathlib.Path("/usr/share/doc", package, "copyright")

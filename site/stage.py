@@ -78,7 +78,7 @@ def stage(name):
 functions = reference.Pages(read("include/orvane.h"), read("site/examples.c"))
 shutil.rmtree(folder, ignore_errors=True)
 folder.mkdir(parents=True)
-for file in ("conf.py", "style.css"):
+for file in ("conf.py", "style.css", "marks.js"):
     shutil.copyfile(root / "site" / file, folder / file)
 write("VERSION", [version])
 for page in pages:

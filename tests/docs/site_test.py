@@ -26,6 +26,8 @@ for style in site.rglob("*.css"):
     for address in re.findall(r"(?:url\(|@import )[\"']?((?!data:)[^\"')]+)", style.read_text(encoding="utf-8")):
         expect((style.parent / address).is_file(), f"{style.name} reads {address}")
 expect("sendcommand" in (site / "searchindex.js").read_text(encoding="utf-8"), "the index of the search lacks a function")
+expect("prefers-color-scheme: dark" in (site / "_static/styles/furo.css").read_text(encoding="utf-8"),
+       "the pages stay light in a browser that asks for dark ones")
 
 # Each function has a manual page, which names each parameter.
 prototypes = re.findall(r"ORVANE_API [^;]*?(\w+)\(([^;]*)\);", (root / "include/orvane.h").read_text(encoding="utf-8"))
