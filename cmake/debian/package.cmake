@@ -11,7 +11,7 @@ function(set_package component name section)
 endfunction()
 set_package(library liborvane${PROJECT_VERSION_MAJOR} libs [[
 card scripts and smart-card readers - shared library
-Runs a small card-script language one statement at a time, drives eleven
+Runs a small card-script language one statement at a time, drives ten
 kinds of card reader behind one interface, takes BER-TLV apart, and converts
 between octets, text and times. Its default crypto module and its module for
 PC/SC readers come with it.
