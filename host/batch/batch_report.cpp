@@ -94,6 +94,7 @@ void PrintStatus(std::ostream& out, const std::vector<RowRecord>& records) {
 
 TestReport ReportOf(const std::string& name, const std::vector<RowRecord>& records) {
   TestReport report;
+  report.counted = "row";
   TestFile& file = report.files.emplace_back();
   file.name = name;
   std::optional<Moment> begin, end;

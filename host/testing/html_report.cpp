@@ -58,6 +58,7 @@ class PageData {
                        {"cases", std::move(cases)}});
     }
     return {{"files", std::move(files)},
+            {"counted", report.counted},
             {"duration", Milliseconds(report.duration)},
             {"readers", report.readers},
             {"words", words_},
@@ -131,7 +132,7 @@ std::string ForScript(const Json& data) {
 std::string HtmlReport(const TestReport& report) {
   const CaseCounts counts = Count(report);
   std::string title = std::to_string(counts.failed + counts.broken) + " of " +
-                      Counted(counts.all, "case") + " failed";
+                      Counted(counts.all, report.counted) + " failed";
   for (const TestFile& file : report.files) title += ", " + file.name;
   std::string page =
       "<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"

@@ -75,6 +75,7 @@ struct TestReport {
   std::vector<TestFile> files;
   std::set<std::string> readers;  // the readers that were opened, and what replaced a card
   Duration duration{};
+  std::string counted = "case";  // what a case of it is to people
 };
 
 CaseCounts Count(const TestFile& file);

@@ -42,9 +42,9 @@ function header() {
   const bad = count("failed") + count("broken");
   const ran = cases.length - count("idle");
   const title = make("h1", bad ? "failed" : "passed",
-    bad ? `${bad} of ${counted(ran, "case")} failed` : count("passed") ? `${counted(count("passed"), "case")} passed` : "Nothing was checked");
+    bad ? `${bad} of ${counted(ran, report.counted)} failed` : count("passed") ? `${counted(count("passed"), report.counted)} passed` : "Nothing was checked");
   const facts = [files.map((file) => file.name).join(", "), new Date(files[0].begin).toLocaleString(),
-    duration(report.duration), counted(exchanges.length, "command"), ...report.readers];
+    duration(report.duration), ...(exchanges.length ? [counted(exchanges.length, "command")] : []), ...report.readers];
   const share = make("div", "share");
   for (const state of ["failed", "broken", "passed", "unchecked", "idle"]) {
     if (!count(state)) continue;
@@ -268,7 +268,7 @@ for (const file of files) {
   for (const each of cases.filter((one) => one.file === file)) list.append(row(each));
   body.append(list);
 }
-const none = make("p", "none", "No case is like this.");
+const none = make("p", "none", `No ${report.counted} is like this.`);
 Object.assign(none, { id: "none", hidden: true });
 body.append(none);
 document.body.prepend(header(), ...(exchanges.length ? [times()] : []), search(), body);
