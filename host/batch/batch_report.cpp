@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "host/platform.h"
+#include "host/testing/markup.h"
 #include "host/text.h"
 
 namespace host {
@@ -78,8 +79,9 @@ std::string DescribeRow(size_t row, const RowRecord& record) {
   if (!record.reader.empty()) text += "  in " + record.reader;
   if (!record.card.empty()) text += "  card " + record.card;
   if (!record.atr.empty()) text += "  ATR " + record.atr;
-  if (!record.reason.empty()) text += "  " + record.reason;
-  return Printable(text);
+  text = Printable(text);
+  if (!record.reason.empty()) text += "  " + PrintableLines(record.reason);
+  return text;
 }
 
 void PrintStatus(std::ostream& out, const std::vector<RowRecord>& records) {

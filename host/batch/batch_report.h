@@ -13,7 +13,7 @@ namespace host {
 // For example "3 rows: 2 done, 1 failed".
 std::string Numbers(const RowCounts& counts);
 
-// All that is known of a row, in one line.
+// All that is known of a row: a line, and the further lines of its reason.
 std::string DescribeRow(size_t row, const RowRecord& record);
 
 // Prints counts, rate, and the rows that failed, were begun or were given up.

@@ -145,7 +145,8 @@ TEST_F(Batch, KeepsFailuresAndWhyTheyFailed) {
   ExpectInOrder(outcome.err, "orvane: row 2 failed: script:3: not as expected|");
   EXPECT_EQ(outcome.out, "2 rows: 1 done, 1 failed\n");
   const Outcome status = RunOrvane("batch --journal journal --status");
-  ExpectInOrder(status.out, "2 rows: 1 done, 1 failed\n|failed  row 2  begun 20|script:3: not as");
+  ExpectInOrder(status.out,
+                "2 rows: 1 done, 1 failed\n|failed  row 2  begun 20|script:3: not as|\n  left ");
   ExpectInOrder(ReadText("page"), "1 of 2 rows failed|script:3: not as expected");
   ExpectInOrder(ReadText("logs/row-2.log"), "00 20 00 80  08  ** (8 bytes)   VERIFY|");
   for (const char* file : {"journal", "page", "logs/row-1.log", "logs/row-2.log"}) {
