@@ -46,6 +46,7 @@ OperandCheck::Result OperandCheck::Operands(const Wanted* wanted) {
       break;
     }
     const Value operand = Operand();
+    if (wanted != nullptr) CheckText(statement_.words[first], *wanted);
     if (wanted != nullptr && result.sound) {
       result.sound = CheckCharacters({first, at_ - 1}, operand, *wanted);
     }
@@ -93,6 +94,19 @@ std::vector<Value> OperandCheck::Arguments(const Builtin& builtin, bool& sound) 
   }
   if (builtin.count == 0) ++at_;
   return values;
+}
+
+// A text may hold any character, but nobody means a quote around it or a variable inside.
+void OperandCheck::CheckText(const Word& word, const Wanted& wanted) {
+  if (word.kind != WordKind::kLiteral || wanted.parameter.kind != ArgumentKind::kText) return;
+  const std::string text = statement_.TextOf(word);
+  if (text.starts_with('"')) {
+    findings_.Report(Severity::kWarning, word.begin, word.end,
+                     wanted.name + " has quotes: there are none here");
+  } else if (text.find('%') != text.npos) {
+    findings_.Report(Severity::kWarning, word.begin, word.end,
+                     wanted.name + " has a % in a word; a variable needs a blank before it");
+  }
 }
 
 // False if a known character is wrong.

@@ -38,6 +38,7 @@ class OperandCheck {
   Value Operand();
   Value Invoke();
   std::vector<Value> Arguments(const Builtin& builtin, bool& sound);
+  void CheckText(const Word& word, const Wanted& wanted);
   bool CheckCharacters(Words words, const Value& value, const Wanted& wanted);
   bool CheckTogether(const Builtin& builtin, Words words, const std::vector<Value>& values);
 

@@ -40,6 +40,10 @@ TEST(Check, FindsWhatIsWrong) {
        "2:1: warning: nothing reads this value of %B\n"},
       {"@reset()\n00A40000\n@compare(%ATR,%RESP %SW,0)\n%d\n", "", "-D D=00A40000"},
       {"%\xC3\xBC = 1\n@compare(%\xC3\xBC\t, %U, 0)\n", "2:15: error: undefined variable %U\n"},
+      {"@compare(@asc2hex(\"%A\"), @strlen(B%A), 0)\n",
+       "1:19: warning: the text of @asc2hex has quotes: there are none here\n"
+       "1:34: warning: the text of @strlen has a % in a word; a variable needs a blank before it\n",
+       "-D A=1"},
       {"%A = @strlen(1\n@compare(%A,1,1)\n@stop() 00\n",
        "1:6: error: @strlen is not closed with \")\"\n"
        "3:9: error: only a comment can stand behind @stop(...)\n"},
