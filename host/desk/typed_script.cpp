@@ -22,18 +22,20 @@ std::string TypedScript::Text(const std::vector<std::pair<std::string, std::stri
   for (const Line& line : lines_) secrets.Learn(line.statement);
   std::string text;
   size_t assignments = 0;
+  bool leftOut = false;  // of the last statement that runs, and so of what is expected of it
   for (auto line = lines_.begin(); line != lines_.end(); ++line) {
     const auto& [statement, exchange] = *line;
     const bool runs = !statement.IsComment() && statement.form != Form::kHeading;
     const bool hide =
         runs && !showSecrets && (exchange.hidden || secrets.Touches(statement, assignments));
     const std::string shown = hide ? MaskLiterals(statement, exchange.headDigits) : statement.text;
-    const bool leftOut = shown != statement.text;
-    text += (leftOut ? "; left out: " : "") + shown.substr(shown.find_first_not_of(" \t")) + '\n';
+    if (runs) leftOut = shown != statement.text;
+    const bool comment = leftOut && (runs || statement.form == Form::kExpectation);
+    text += (comment ? "; left out: " : "") + shown.substr(shown.find_first_not_of(" \t")) + '\n';
     if (statement.form == Form::kAssignment) ++assignments;
     const bool expected =
         line + 1 != lines_.end() && (line + 1)->statement.form == Form::kExpectation;
-    if (exchange.statusWord.empty() || expected || leftOut) continue;
+    if (exchange.statusWord.empty() || expected || comment) continue;
     text += "; expect " + exchange.statusWord + '\n';
   }
   return text;

@@ -20,7 +20,7 @@ class TypedScript : public ExchangeListener {
 
   // The script, each line with a line feed. Below each command its status word stands as an
   // expectation. The session's initial definitions help to find the secrets: a line that spells one
-  // out becomes a comment with ** in its place, unless secrets are shown.
+  // out becomes a comment with ** in its place, unless secrets are shown; so does what it expects.
   std::string Text(const std::vector<std::pair<std::string, std::string>>& definitions,
                    bool showSecrets) const;
 

@@ -56,8 +56,8 @@ TEST(Shell, SavesWhatWasTypedAndRecords) {
   ExpectRows({
       {":record log\n%A = 11\n%A\n@compare(1,2,1)\n%S = @xor(00A40000,00000000)\nsend %S\n"
        "00A40000 02 3F00\n; expect 6F .. 9000\n%X = 2431323334FFFFFF\n00200080 08 %X\n"
-       "00200080 02 1234\n%C = 00200080021234\n00A40000 02 %P\n:save there\n:save saved\n:record "
-       "more\n",
+       "00200080 02 1234\n; expect 6985\n%C = 00200080021234\n00A40000 02 %P\n:save there\n"
+       ":save saved\n:record more\n",
        "9000|9000|VERIFY",
        "orvane: not as expected: @compare(1,2,1)\n  left   1\n  right  2\n"
        "  they should be equal\norvane: there is a file there already\n"
@@ -67,7 +67,8 @@ TEST(Shell, SavesWhatWasTypedAndRecords) {
   EXPECT_EQ(ReadText("saved"),
             "%A = 11\n%S = @xor(00A40000,00000000)\n%S\n; expect 9000\n00A40000 02 3F00\n"
             "; expect 6F .. 9000\n; left out: %X = **\n00200080 08 %X\n; expect 6985\n"
-            "; left out: 00200080 02 **\n; left out: %C = **\n00A40000 02 %P\n; expect 9000\n");
+            "; left out: 00200080 02 **\n; left out: ; expect 6985\n; left out: %C = **\n"
+            "00A40000 02 %P\n; expect 9000\n");
   EXPECT_TRUE(Shows(ReadText("log"), "00A40000023F00"));
   EXPECT_EQ(ReadText("there"), "1");
 }
