@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/platform.h"
 #include "host/text.h"
 
 namespace host {
@@ -158,7 +159,12 @@ std::string LikelyCause(const Builtin& builtin, const std::vector<std::string>& 
       return "its data is no smaller number than its modulus";
     }
   }
-  return "the module orvane_crypto is not there, or it refuses, as in FIPS mode";
+  // The library has loaded it before, if it can be loaded.
+  const FoundModule crypto = FindModule("orvane_crypto", Lookup::kInOwnFolders);
+  const std::string found = Printable(crypto.message);
+  return crypto.module != nullptr
+             ? "the crypto module " + found + " refuses, as in FIPS mode, or lacks an export"
+             : "the crypto module can't be loaded: " + found;
 }
 
 std::string_view HintAt(char wrong) {
