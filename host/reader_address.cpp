@@ -116,6 +116,14 @@ ReaderAddress ReadReaderAddress(std::string_view text, int32_t defaultKind) {
   return address;
 }
 
+size_t ReadReaderNumber(std::string_view text) {
+  size_t number = kReaders;
+  if (IsDecimal(text)) std::from_chars(text.data(), text.data() + text.size(), number);
+  if (number < kReaders) return number;
+  throw Failure(kReaderFault,
+                "there is no reader number \"" + Printable(text) + "\": they run from 0 to 15");
+}
+
 std::string MatchReaderName(const std::string& name, const std::vector<std::string>& listed) {
   if (std::find(listed.begin(), listed.end(), name) != listed.end()) return name;
   const std::string wanted = WithoutBlanks(name);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -40,6 +41,11 @@ bool FitsKind(const ReaderAddress& address);
 // Throws Failure (kReaderFault) for an empty name, an unknown kind, or a port that is no 32-bit
 // number.
 ReaderAddress ReadReaderAddress(std::string_view text, int32_t defaultKind);
+
+constexpr size_t kReaders = 16;  // open side by side, numbered from 0
+
+// The meaning of the text of @setreader. Throws Failure (kReaderFault) for what is no such number.
+size_t ReadReaderNumber(std::string_view text);
 
 // The listed name that is meant: the equal one; else the only one that differs only in blanks,
 // since the language removes blanks from a literal; else the name itself.

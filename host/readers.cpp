@@ -3,7 +3,6 @@
 #include <orvane.h>
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 
 #include "host/failure.h"
@@ -113,13 +112,8 @@ bool Readers::Simulated() const {
 }
 
 void Readers::Select(std::string_view number) {
-  size_t index = places_.size();
-  if (IsDecimal(number)) std::from_chars(number.data(), number.data() + number.size(), index);
-  if (index >= places_.size() || SetReader(static_cast<uint32_t>(index)) == 0) {
-    throw Failure(kReaderFault,
-                  "there is no reader number \"" + Printable(number) + "\": they run from 0 to 15");
-  }
-  current_ = index;
+  current_ = ReadReaderNumber(number);
+  SetReader(static_cast<uint32_t>(current_));
 }
 
 ReaderAddress Readers::OpenDefault() {

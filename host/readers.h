@@ -98,7 +98,7 @@ class Readers {
   std::set<std::string> coldResets_;  // the readers whose cards had one
   bool used_ = false;
   size_t current_ = 0;
-  std::array<std::optional<Place>, 16> places_;
+  std::array<std::optional<Place>, kReaders> places_;
 };
 
 }  // namespace host

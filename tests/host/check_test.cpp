@@ -47,6 +47,12 @@ TEST(Check, FindsWhatIsWrong) {
       {"%A = @strlen(1\n@compare(%A,1,1)\n@stop() 00\n",
        "1:6: error: @strlen is not closed with \")\"\n"
        "3:9: error: only a comment can stand behind @stop(...)\n"},
+      // Where no run gets any further: these end with the code of readers.
+      {"@OPENREADER(9:COM1)\n@setreader(16)\n@setreader(15)\n@OPENREADER(5:)\n",
+       "1:1: warning: there is no reader kind 9; there are: 1 tyusb, 2 tycom, 3 pcsc, 4 wd, 5 d8, "
+       "6 fm8201, 7 s5009, 8 s5009ats, 10 tcp, 11 icr, 12 bsit\n"
+       "2:1: warning: there is no reader number \"16\": they run from 0 to 15\n"
+       "4:1: warning: the reader's name is empty\n"},
       // What values hold, through whatever is made of them.
       {"%X = 01O3\n%Y = %X\n00A40000 02 %Y\n",
        "3:13: error: the command" + none + "character 3 of %Y\n"},
@@ -86,7 +92,7 @@ TEST(Check, FindsWhatIsWrong) {
        "5:1: warning: Lc says 20 bytes of data, and 9 stand behind it\n"
        "7:1: warning: Lc says 20 bytes of data, and at least 24 stand behind it\n"},
       // For the host.
-      {"@OPENREADER(" + std::string(512, '1') + ")\n@setslot(1)\n@setslot(%X)\n",
+      {"@OPENREADER(" + std::string(512, 'a') + ")\n@setslot(1)\n@setslot(%X)\n",
        "1:1: error: the argument has more than 511 characters, the most that a command can hand "
        "over to its host\n2:1: error: a slot is two hexadecimal digits, such as 00 or 0C\n",
        "-D X=0c"},
