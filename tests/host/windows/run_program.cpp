@@ -38,9 +38,13 @@ int RunInFolder(const std::string& program, const std::string& given) {
   start.hStdOutput = noOutput ? nullptr : Open("out", GENERIC_WRITE, CREATE_ALWAYS);
   start.hStdError = noError ? nullptr : Open("err", GENERIC_WRITE, CREATE_ALWAYS);
   PROCESS_INFORMATION process{};
-  const bool started = CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                      nullptr, &start, &process) != 0;
-  const DWORD error = GetLastError();
+  bool started = false;
+  DWORD error = ERROR_INTERNAL_ERROR;  // what Wine gives now and then on a busy machine
+  for (int tries = 0; !started && error == ERROR_INTERNAL_ERROR && tries < 5; ++tries) {
+    started = CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                             &start, &process) != 0;
+    error = GetLastError();
+  }
   for (const HANDLE file : {start.hStdInput, start.hStdOutput, start.hStdError}) CloseHandle(file);
   if (!started) {
     throw std::runtime_error("can't start " + program + ": error " + std::to_string(error));
