@@ -94,6 +94,19 @@ bool FitsKind(const ReaderAddress& address) {
   return address.name.find(KindAt(address.kind).marker) != std::string::npos;
 }
 
+std::optional<int32_t> OpenedPort(const ReaderAddress& address) {
+  constexpr int32_t kD8Usb = 100;
+  const std::string_view marker = KindAt(address.kind).marker;
+  const size_t at = address.name.find(marker);
+  std::optional<int32_t> port = address.port;
+  if (!port && !marker.empty() && address.kind != ReaderKindTcp && at != std::string::npos) {
+    const std::string digits = address.name.substr(at + marker.size());
+    port = ReadNumber(digits.substr(0, digits.find_first_not_of("0123456789"))).value_or(0);
+  }
+  // The driver takes one from all ports but this one.
+  return address.kind == ReaderKindD8 && port == kD8Usb + 1 ? kD8Usb : port;
+}
+
 std::string ReaderAddress::Shown() const {
   const std::string what = port ? "port " + std::to_string(*port) : Printable(name);
   return what + " (" + std::string(KindName(kind)) + ")";

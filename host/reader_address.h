@@ -38,6 +38,10 @@ struct ReaderAddress {
 // True if the kind's driver can read the name.
 bool FitsKind(const ReaderAddress& address);
 
+// The port that the kind's driver opens: the address's own, or the number in its name. None if it
+// opens the name itself.
+std::optional<int32_t> OpenedPort(const ReaderAddress& address);
+
 // Throws Failure (kReaderFault) for an empty name, an unknown kind, or a port that is no 32-bit
 // number.
 ReaderAddress ReadReaderAddress(std::string_view text, int32_t defaultKind);

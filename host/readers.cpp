@@ -83,6 +83,23 @@ std::vector<std::string> ListReaders(int32_t kind, int32_t ports) {
   return names;
 }
 
+std::string IdentityOf(ReaderAddress address) {
+  const bool pcsc = address.kind == ReaderKindPcsc;
+  if (!address.port && (pcsc || address.name != WithoutBlanks(address.name))) {
+    const std::vector<std::string> listed = ListReaders(address.kind, 0);
+    address.name = MatchReaderName(address.name, listed);
+    const auto found = std::find(listed.begin(), listed.end(), address.name);
+    if (pcsc && found != listed.end()) {
+      address.port = static_cast<int32_t>(found - listed.begin()) + 1;
+    }
+  }
+  if (address.kind == ReaderKindS5009Ats) address.kind = ReaderKindS5009;
+  std::string what = address.name;
+  if (address.kind == ReaderKindWd) what.erase(0, 2);  // its library does not get these
+  if (const std::optional<int32_t> port = OpenedPort(address)) what = std::to_string(*port);
+  return std::to_string(address.kind) + ':' + what;
+}
+
 void Readers::CloseAll() {
   for (size_t number = 0; number < places_.size(); ++number) {
     if (!places_[number] || !places_[number]->open) continue;

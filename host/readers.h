@@ -27,6 +27,11 @@ void FeedSimulator(int32_t kind, const std::string& serialNumber);
 // The readers of one kind. If its ports cannot be found out, gives this many.
 std::vector<std::string> ListReaders(int32_t kind, int32_t ports);
 
+// A text that is the same for all addresses of one reader. Lists the readers of the kind if it
+// takes that: for PC/SC, and for names with blanks. A reader that is not listed has the address as
+// it is written.
+std::string IdentityOf(ReaderAddress address);
+
 // The sixteen readers of the library, as scripts use them. Every failure is thrown as Failure
 // (kReaderFault). The destructor closes all open readers.
 class Readers {

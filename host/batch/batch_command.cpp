@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -16,6 +17,7 @@
 #include "host/batch/worker.h"
 #include "host/failure.h"
 #include "host/platform.h"
+#include "host/readers.h"
 #include "host/script.h"
 #include "host/testing/html_report.h"
 #include "host/testing/report_file.h"
@@ -26,6 +28,25 @@ namespace {
 
 void Refuse(bool wrong, const std::string& message) {
   if (wrong) throw Failure(kUsageFault, message);
+}
+
+// Two workers must not write to the same card. A simulated reader is one for each of them.
+void CheckReaders(const Options& options) {
+  const std::vector<std::string>& readers = options.batch.readers;
+  if (readers.size() < 2) return;
+  std::map<std::string, std::string> named;
+  for (const std::string& reader : readers) {
+    std::string identity = reader;
+    try {
+      const ReaderAddress address = ReadReaderAddress(reader, options.kind);
+      if (options.simulate && !KindLibrary(address.kind).empty()) continue;
+      identity = IdentityOf(address);
+    } catch (const Failure&) {  // its worker tells what is wrong with the address
+    }
+    const auto [other, isNew] = named.emplace(identity, reader);
+    Refuse(!isNew,
+           "a reader is named twice: " + Printable(other->second) + ", " + Printable(reader));
+  }
 }
 
 // A worker gets its orders on standard input, so no file can come from there.
@@ -43,12 +64,8 @@ void CheckCommandLine(const Options& options) {
   Refuse(options.file == "-" || options.batch.table == "-" ||
              std::find(variables.begin(), variables.end(), "-") != variables.end(),
          "a batch reads nothing from standard input");
-  std::vector<std::string> readers = options.batch.readers;
-  std::sort(readers.begin(), readers.end());
-  const auto twice = std::adjacent_find(readers.begin(), readers.end());
-  Refuse(!options.simulate && twice != readers.end(),
-         "a reader is named twice: " + (twice != readers.end() ? Printable(*twice) : ""));
-  Refuse(!options.record.empty() && readers.size() > 1 &&
+  CheckReaders(options);
+  Refuse(!options.record.empty() && options.batch.readers.size() > 1 &&
              options.record.find("%p") == options.record.npos,
          "several readers can't be recorded to one file: --record with %p in the name makes a file "
          "a reader");

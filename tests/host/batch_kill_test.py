@@ -97,6 +97,9 @@ with tempfile.TemporaryDirectory() as folder:
     # A card that stays in its reader is none for the next row, nor for the next run. Simulators that
     # are found as makers' libraries are change no cards.
     held = {**os.environ, "LD_LIBRARY_PATH": os.path.join(os.path.dirname(program), "simulators")}
+    pair = ["-r", "3:1", "-r", "SimulatedReader 0"]
+    batch = subprocess.run([*command[:2], *command[3:8], *pair], env=held, capture_output=True, text=True)
+    assert batch.returncode == 2 and "named twice: 3:1, SimulatedReader 0" in batch.stderr, batch
     for reader in ("3:Simulated Reader 0", "5:COM1"):
         os.remove("journal")
         for _ in range(2):

@@ -195,6 +195,39 @@ TEST_F(Batch, WorksWithSeveralReaders) {
   }
 }
 
+TEST_F(Batch, RefusesTwoAddressesOfOneReader) {
+  WriteFile("script", kScript);
+  WriteFile("table", kTable);
+  const struct {
+    const char *options, *named;
+  } rows[] = {
+      {"-r 5:COM1 -r 3:7 -r 5:1", "5:COM1, 5:1"},
+      {"-k d8 -r COM1 -r 5:01", "COM1, 5:01"},
+      {"-r '5:COM100(D8USB)' -r 5:101", "5:COM100(D8USB), 5:101"},
+      {"-r '5: COM1 ' -r 5:1", "5: COM1 , 5:1"},
+      {"-r 7:COM2 -r 8:2", "7:COM2, 8:2"},
+      {"-r 4:WDUSB1 -r 4:XXUSB1", "4:WDUSB1, 4:XXUSB1"},
+      {"-r 3:nowhere -r nowhere", "3:nowhere, nowhere"},
+      {"-r 99:1 -r 99:1", "99:1, 99:1"},
+      {"--simulate -r 10:127.0.0.1:1 -r 10:127.0.0.1:1", "10:127.0.0.1:1, 10:127.0.0.1:1"},
+  };
+  for (const auto& row : rows) {
+    const Outcome outcome =
+        RunOrvane(std::string("batch script --table table --journal journal ") + row.options);
+    EXPECT_EQ(outcome.exitCode, 2) << row.named;
+    EXPECT_EQ(outcome.err, std::string("orvane: a reader is named twice: ") + row.named + '\n');
+    EXPECT_FALSE(std::filesystem::exists("journal"));
+  }
+  // No reader opens, but none is another one. Simulated readers are one a process.
+  for (const char* options :
+       {"-r 5:1 -r 5:0 -r 2:1 -r 7:0 -r 7:1 -r 3:0 -r 3:nowhere", "--simulate -r 3:1 -r 3:1"}) {
+    const Outcome outcome =
+        RunOrvane(std::string("batch script --table table --journal journal ") + options);
+    EXPECT_FALSE(Shows(outcome.err, "named twice")) << outcome.err;
+    EXPECT_EQ(outcome.exitCode, options[1] == 'r' ? 4 : 0) << outcome.err;
+  }
+}
+
 TEST_F(Batch, TellsWhatACardDidNotCome) {
   const Outcome outcome = Run(kScript, kTable, "-r 12:BSIT:2 --timeout 1");
   EXPECT_EQ(outcome.exitCode, 4);
