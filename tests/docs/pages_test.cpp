@@ -43,7 +43,7 @@ TEST_P(DocsPage, GivesWhatItSays) {
   RunExamples(ReadText("docs/" + GetParam() + ".md"), u8"" DEFAULT_CRYPTO);
 }
 
-INSTANTIATE_TEST_SUITE_P(, DocsPage, testing::ValuesIn(Pages()), [](const auto& page) {
+INSTANTIATE_TEST_SUITE_P(Every, DocsPage, testing::ValuesIn(Pages()), [](const auto& page) {
   return std::regex_replace(page.param, std::regex("\\W"), "_");
 });
 
