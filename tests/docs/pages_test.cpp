@@ -59,6 +59,16 @@ TEST(Docs, LanguageHasEveryCommandInARowAndInAnExample) {
   for (const std::string& command : commands) EXPECT_EQ(tested.count(command), 1U) << command;
 }
 
+TEST(Docs, AndListsHaveEveryCommand) {
+  const auto commands = Matches(ReadText("src/commands/builtin.cpp"), "\\{\"(@\\w+)\", ");
+  for (const char* file : {"docs/cheat-sheet.md", "fuzz/statements.dict", "host/builtin.cpp",
+                           "host/desk/vocabulary.cpp", "tests/memory/memory_test.cpp"}) {
+    const Names words = UpperCased(Matches(ReadText(file), "(@\\w+)"));
+    for (const std::string& command : commands)
+      EXPECT_EQ(words.count(command), 1U) << file << ": " << command;
+  }
+}
+
 TEST(Docs, CallingTellsWhatEveryExportGives) {
   const std::string page = ReadText("docs/calling.md");
   const std::string table = page.substr(page.find("## What comes back"));
