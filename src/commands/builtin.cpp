@@ -17,29 +17,30 @@ constexpr std::size_t kLongestValue = 16 << 20;
 struct CommandEntry {
   std::string_view keyword;    // in upper case
   std::int32_t argumentCount;  // only zero or non-zero matters: the bodies read what they need
+  std::int32_t commandId;      // the number of the command: its place in the table, from 1
   CommandBody* body;
 };
 
 constexpr CommandEntry kCommandTable[] = {
-    {"@RESET", 0, ResetRequest},
-    {"@STOP", 0, StopRequest},
-    {"@STRMID", 3, StrMid},
-    {"@STRMIDH", 3, StrMidH},
-    {"@COMPARE", 2, Compare},
-    {"@SETREADER", 1, SetReaderRequest},
-    {"@SETSLOT", 1, SetSlotRequest},
-    {"@STRLEN", 1, StrLen},
-    {"@STRLENH", 1, StrLenH},
-    {"@DES", 3, Des},
-    {"@DESCBC", 4, DesCbc},
-    {"@MAC", 4, Mac},
-    {"@XOR", 2, Xor},
-    {"@ASC2HEX", 1, AscToHex},
-    {"@HEX2ASC", 1, HexToAsc},
-    {"@SUBKEY", 2, SubKey},
-    {"@OPENREADER", 1, OpenReaderRequest},
-    {"@RSAPUBENC", 3, RsaPubEnc},
-    {"@HASH", 1, Hash},
+    {"@RESET", 0, 1, ResetRequest},
+    {"@STOP", 0, 2, StopRequest},
+    {"@STRMID", 3, 3, StrMid},
+    {"@STRMIDH", 3, 4, StrMidH},
+    {"@COMPARE", 2, 5, Compare},
+    {"@SETREADER", 1, 6, SetReaderRequest},
+    {"@SETSLOT", 1, 7, SetSlotRequest},
+    {"@STRLEN", 1, 8, StrLen},
+    {"@STRLENH", 1, 9, StrLenH},
+    {"@DES", 3, 10, Des},
+    {"@DESCBC", 4, 11, DesCbc},
+    {"@MAC", 4, 12, Mac},
+    {"@XOR", 2, 13, Xor},
+    {"@ASC2HEX", 1, 14, AscToHex},
+    {"@HEX2ASC", 1, 15, HexToAsc},
+    {"@SUBKEY", 2, 16, SubKey},
+    {"@OPENREADER", 1, 17, OpenReaderRequest},
+    {"@RSAPUBENC", 3, 18, RsaPubEnc},
+    {"@HASH", 1, 19, Hash},
 };
 
 // Null if the word is no keyword.
