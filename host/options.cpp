@@ -248,6 +248,8 @@ void DescribeBatch(CLI::App& batch, Options& options) {
   batch.add_flag("--skip-begun", options.batch.skipBegun, "Abandon rows that did not end")
       ->excludes(retry);
   batch.add_flag("--retry-failed", options.batch.retryFailed, "Begin rows again that failed");
+  batch.add_flag("--fail-fast", options.failFast,
+                 "Begin no more rows once one has failed; the same command goes on");
   batch.add_option("-r,--reader", options.batch.readers, "A reader; each has a process of its own")
       ->type_name("READER")
       ->allow_extra_args(false);

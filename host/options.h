@@ -58,7 +58,7 @@ struct Options {
   bool times = false;     // trace
   bool replace = false;   // tags add
   bool tap = false;       // test
-  bool failFast = false;  // test
+  bool failFast = false;  // test, batch
   bool verbose = false;   // test
   bool simulate = false;
   bool anyOrder = false;  // goes with replay

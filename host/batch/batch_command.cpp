@@ -188,7 +188,7 @@ class Batch {
           at < options_.batch.readers.size() ? options_.batch.readers[at] : "the only reader",
           arguments);
     }
-    return supervisor.Run(digest_, fresh);
+    return supervisor.Run(digest_, fresh, options_.failFast);
   }
 
   // If standard output fails, the rows that are begun still run to their end.

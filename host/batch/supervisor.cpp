@@ -28,7 +28,8 @@ void Supervisor::Start(const std::string& reader, const std::vector<std::string>
   workers_.push_back(std::move(worker));
 }
 
-int Supervisor::Run(const std::string& scriptDigest, bool fresh) {
+int Supervisor::Run(const std::string& scriptDigest, bool fresh, bool failFast) {
+  failed_ = store_.Count()[RowState::kFailed];
   const Json begin = {
       {"do", "begin"}, {"script", scriptDigest}, {"columns", store_.Columns()}, {"fresh", fresh}};
   for (const auto& worker : workers_) WriteLine(worker->process->Input(), begin.dump());
@@ -38,6 +39,7 @@ int Supervisor::Run(const std::string& scriptDigest, bool fresh) {
     std::optional<LineQueue::Line> line = lines_.Next(kBetweenLooks);
     for (; line; line = lines_.Next(std::chrono::milliseconds(0))) Take(*line);
     HeedInterrupts();
+    if (failFast) HeedFailures();
     HandOut();
     store_.Flush();
     SendAnswers();
@@ -47,6 +49,8 @@ int Supervisor::Run(const std::string& scriptDigest, bool fresh) {
     }
     hooks_.show(readers);
   }
+  // Trouble that has left no row begun is not why rows are left.
+  if (failing_ && !leftBegun_ && code_ <= kReaderFault) return kExpectationFailed;
   return code_;
 }
 
@@ -89,6 +93,7 @@ void Supervisor::TakeEnd(Worker& worker, const std::string& text) {
       FindRowState(message.at("state").get<std::string>()).value_or(RowState::kBegun);
   const std::string reason = message.at("reason");
   store_.End(row, state, reason);
+  leftBegun_ = leftBegun_ || state == RowState::kBegun;
   worker.reader.doing = "changes the card";
   hooks_.ended(row, state, reason);
 }
@@ -105,6 +110,7 @@ void Supervisor::Died(Worker& worker) {
   const size_t row = *std::exchange(worker.reader.row, std::nullopt);
   const std::string reason = "its worker has ended" + (how.empty() ? "" : ", " + how);
   store_.End(row, RowState::kBegun, reason);
+  leftBegun_ = true;
   code_ = std::max<int>(code_, kReaderFault);
   hooks_.ended(row, RowState::kBegun, reason);
 }
@@ -152,6 +158,20 @@ void Supervisor::HeedInterrupts() {
   hooks_.tell(interrupts == 1 ? "stops once the rows that are begun are done; Ctrl-C halts them"
                               : "halts");
   Stop(interrupts == 1 ? kStop : kHalt);
+}
+
+// A failed row that another station lets wait again counts no more.
+void Supervisor::HeedFailures() {
+  if (failing_) return;
+  const size_t failed = store_.Count()[RowState::kFailed];
+  failing_ = failed > failed_;
+  failed_ = std::min(failed_, failed);
+  if (!failing_) return;
+  if (store_.Waits()) {
+    hooks_.tell(
+        "stops: a row has failed; rows that are begun come to their end, the others stay waiting");
+  }
+  Finish();
 }
 
 }  // namespace host

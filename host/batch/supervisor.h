@@ -32,10 +32,11 @@ class Supervisor {
   // Starts a worker process with these arguments.
   void Start(const std::string& reader, const std::vector<std::string>& arguments);
 
-  // Runs until no row waits and none is worked on, or until all workers have ended. Gives the exit
-  // code: 0; 4 or 5 after a worker's trouble; 130 after Ctrl-C. Throws Failure (kFileFault) if the
-  // store cannot be written; then the workers halt.
-  int Run(const std::string& scriptDigest, bool fresh);
+  // Runs until no row waits and none is worked on, or until all workers have ended. With failFast
+  // it begins no row once another one has failed, here or at another station. Gives the exit code:
+  // 0; 1 if that is why it has ended; 4 or 5 after a worker's trouble; 130 after Ctrl-C. Throws
+  // Failure (kFileFault) if the store cannot be written; then the workers halt.
+  int Run(const std::string& scriptDigest, bool fresh, bool failFast);
 
   // Begins no more rows.
   void Finish();
@@ -58,6 +59,7 @@ class Supervisor {
   void SendAnswers();
   void Stop(const char* how);
   void HeedInterrupts();
+  void HeedFailures();
 
   JobStore& store_;
   Hooks hooks_;
@@ -65,6 +67,9 @@ class Supervisor {
   std::vector<std::pair<Worker*, std::string>> answers_;  // sent when the store is flushed
   LineQueue lines_;
   int interrupts_ = 0;
+  size_t failed_ = 0;       // rows, before the first one that fails now
+  bool failing_ = false;    // a row has failed, so no further one begins
+  bool leftBegun_ = false;  // a row of this run
   int code_ = 0;
 };
 

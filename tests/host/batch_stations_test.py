@@ -83,6 +83,15 @@ with tempfile.TemporaryDirectory() as folder:
         again = run(*station)
         assert again.returncode == (2 if left else 0), again
         assert run(*station, "--skip-begun").returncode == 0
+        failing = address.replace("postgres?", "failing?")
+        subprocess.run(["psql", address, "-qc", "CREATE DATABASE failing"], check=True)
+        with open("script", "w") as file:
+            file.write("@reset()\n00A40000\n@compare(%NUMBER,0000000000000020,0)\n")
+        run("load", "script", "--table", "table", "--jobs", failing, check=True)
+        stations = [subprocess.Popen([program, "batch", "script", "--simulate", "--fail-fast", "--jobs", failing],
+                                     env={**os.environ, "ORVANE_CARD_TIME": "50000"}) for _ in range(2)]
+        assert [each.wait() for each in stations] == [1, 1]
+        assert re.search(r", 1 failed, \d+ waiting\n", run("--status", "--jobs", failing).stdout)
         print(f"{rows} rows in {seconds:.1f} s: {dict(check(address))}")
     finally:
         server(place, "pg_ctl", "-m", "immediate", "stop")

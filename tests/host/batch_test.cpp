@@ -159,6 +159,36 @@ TEST_F(Batch, KeepsFailuresAndWhyTheyFailed) {
   EXPECT_TRUE(Shows(ReadText("journal").substr(before), "\"state\":\"begun\""));
 }
 
+TEST_F(Batch, EndsWithTheFirstRowThatFails) {
+  const std::string stops =
+      "stops: a row has failed; rows that are begun come to their end, the others stay waiting\n";
+  const char* const script = "@reset()\n00A40000\n@compare(%N,2,0)\n@compare(%N,3,0)\n";
+  const Outcome first = Run(script, "N\n1\n2\n3\n4\n", "--fail-fast");
+  EXPECT_EQ(first.exitCode, 1);
+  EXPECT_EQ(first.out, "4 rows: 1 done, 1 failed, 2 waiting\n");
+  ExpectInOrder(first.err, "row 2 failed|orvane: " + stops);
+  EXPECT_EQ(Run("--fail-fast").out, "4 rows: 1 done, 2 failed, 1 waiting\n");
+  const Outcome last = Run("--fail-fast");  // no row fails now
+  EXPECT_EQ(last.out + last.err, "4 rows: 2 done, 2 failed\n");
+  EXPECT_EQ(last.exitCode, 1);
+  EXPECT_EQ(Run("--fail-fast --retry-failed").out, "4 rows: 2 done, 1 failed, 1 waiting\n");
+
+  // With several readers the rows that are begun end; trouble that leaves no row begun is not why
+  // rows are left. With the last row that waits, nothing is left to stop.
+  std::filesystem::remove("journal");
+  std::string table = "N\n";
+  for (int row = 1; row <= 200; ++row) table += std::to_string(row) + '\n';
+  const Outcome several = Run(script, table, "--fail-fast -r 3:1 -r 5:COM1 -r 1:nowhere");
+  EXPECT_EQ(several.exitCode, 1) << several.err;
+  EXPECT_TRUE(Shows(several.err, stops)) << several.err;
+  EXPECT_FALSE(Shows(several.out, "begun")) << several.out;
+  EXPECT_TRUE(Shows(several.out, "waiting")) << several.out;
+  std::filesystem::remove("journal");
+  const Outcome only = Run(script, "N\n2\n", "--fail-fast");
+  EXPECT_EQ(only.exitCode, 1);
+  EXPECT_FALSE(Shows(only.err, stops)) << only.err;
+}
+
 TEST_F(Batch, RefusesACardThatBelongsToAnotherRow) {
   // Without waiting for cards, and of simulated ones, there is no other card to come.
   for (const char* options : {"", "--no-wait"}) {
