@@ -177,6 +177,7 @@ class Batch {
                       [&](size_t row, RowState state, const std::string& reason) {
                         progress_.RowEnded();
                         if (state == RowState::kDone) return;
+                        leftBegun_ = leftBegun_ || state == RowState::kBegun;
                         Tell(supervisor,
                              "row " + std::to_string(row) + " " + NameOf(state) + ": " + reason);
                       }});
@@ -212,9 +213,10 @@ class Batch {
     if (progress_.Shown()) Guarded(supervisor, [&] { progress_.Show(store_->Count(), readers); });
   }
 
-  static int CodeOf(int code, const RowCounts& counts) {
+  // A row that another station works on is not left.
+  int CodeOf(int code, const RowCounts& counts) {
     if (code == kInterrupted || code == kFileFault) return code;
-    if (counts[RowState::kWaiting] + counts[RowState::kBegun] > 0) {
+    if (counts[RowState::kWaiting] > 0 || leftBegun_ || !store_->LeftBegun().empty()) {
       return code != kDone ? code : kReaderFault;
     }
     return counts[RowState::kFailed] > 0 ? kExpectationFailed : kDone;
@@ -227,6 +229,7 @@ class Batch {
   std::unique_ptr<JobStore> store_;
   std::optional<ReportFile> html_;
   BatchProgress progress_;
+  bool leftBegun_ = false;         // whether a row of this run has no known end
   std::optional<Failure> output_;  // why nothing more can be shown
 };
 

@@ -92,6 +92,20 @@ with tempfile.TemporaryDirectory() as folder:
                                      env={**os.environ, "ORVANE_CARD_TIME": "50000"}) for _ in range(2)]
         assert [each.wait() for each in stations] == [1, 1]
         assert re.search(r", 1 failed, \d+ waiting\n", run("--status", "--jobs", failing).stdout)
+        slow = address.replace("postgres?", "slow?")
+        subprocess.run(["psql", address, "-qc", "CREATE DATABASE slow"], check=True)
+        with open("table", "w") as file:
+            file.write("NUMBER\n1\n2\n")
+        with open("script", "w") as file:
+            file.write("@compare(%NUMBER,0,0)\n@reset()\n00A40000\n")
+        run("load", "script", "--table", "table", "--jobs", slow, check=True)
+        works = ["script", "--simulate", "-q", "--jobs", slow]
+        other = subprocess.Popen([program, "batch", *works],
+                                 env={**os.environ, "ORVANE_CARD_TIME": "2000000"})
+        while "1 begun" not in run("--status", "--jobs", slow).stdout:
+            time.sleep(0.02)
+        assert run(*works).returncode == 0  # the row of the other station is not left
+        assert other.wait() == 0
         print(f"{rows} rows in {seconds:.1f} s: {dict(check(address))}")
     finally:
         server(place, "pg_ctl", "-m", "immediate", "stop")
