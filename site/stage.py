@@ -61,14 +61,14 @@ def stage(name):
             shutil.copyfile(root / file, folder / staged(file))
         return f"[{words}]({staged(file)}{anchor})"
 
-    # A link that stands alone: the program stands there itself.
+    # A link that is an item by itself: the program stands there itself.
     def program(match):
         words, target, suffix = match.groups()
         language = languages[suffix]
         code = read(os.path.join(here, target))
         return f"````{{tab}} {language}\n`{words}`\n```{language.lower()}\n{code}```\n````"
 
-    text = re.sub(rf"^\[(.*)\]\((\S*({'|'.join(map(re.escape, languages))}))\)$", program, text, flags=re.M)
+    text = re.sub(rf"^- \[(.*)\]\((\S*({'|'.join(map(re.escape, languages))}))\)$", program, text, flags=re.M)
     text = re.sub(r"\[([^]]*)\]\(([^)#:\s]+)(#[^)\s]*)?\)", link, text)
     if name.startswith("docs/"):
         text = re.sub(rf"(?<!\[)`({'|'.join(each.name for each in functions.functions)})`", r"[`\1`](functions/\1.md)", text)
