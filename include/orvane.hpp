@@ -12,14 +12,13 @@
  *   }
  *
  * Rules for all of it:
- *  - What can't be done is thrown: ScriptError by a statement that failed, ReaderError where a
- *    reader or card doesn't answer, DataError for input that can't be meant. A status word other
- *    than 9000 is an answer, and no failure.
- *  - Texts that the library writes into an area of a known size come back in an object of it:
- *    nothing is allocated beside what a std::string or std::vector in a signature says.
+ *  - Failures are thrown: ScriptError if a statement failed, ReaderError if a reader or card doesn't
+ *    answer, DataError if input is refused. A status word other than 9000 is an answer, no failure.
+ *  - A text of limited size comes back in an object of that size. Only functions with a std::string
+ *    or std::vector in their signature allocate memory.
  *  - Hexadecimal text is as in orvane.h, but an odd number of digits is refused.
- *  - The rules of orvane.h for threads hold. Readers that something else in the process opens, by
- *    orvane.h's own functions or from another DLL, take the numbers of these: use one way.
+ *  - The rules of orvane.h for threads hold. Open readers through this header only:
+ *    readers opened by the functions of orvane.h, or from another DLL, take the same numbers.
  */
 #ifndef ORVANE_HPP
 #define ORVANE_HPP
@@ -48,7 +47,7 @@ namespace orvane {
 
 /* ---- Failures and texts ---- */
 
-/// What every failure is.
+/// The base of all failures.
 class Error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -77,8 +76,8 @@ class DataError : public Error {
   using Error::Error;
 };
 
-/// A text that is handed over, zero-terminated and without another zero: a literal, a std::string,
-/// or a FixedText.
+/// A text as an argument: a literal, a std::string or a FixedText. It is zero-terminated, and has
+/// no other zero.
 class TextArgument {
  public:
   TextArgument(const char* text) : text_(text == nullptr ? "" : text) {}
@@ -92,7 +91,7 @@ class TextArgument {
   const char* text_;
 };
 
-/// A text in an area of its own, with room for Room characters and a terminator.
+/// A text with its own memory: room for Room characters and a terminator.
 template <size_t Room>
 class FixedText {
  public:
@@ -126,7 +125,7 @@ inline bool IsHex(std::string_view text) {
   return !text.empty() && CheckAsciiNum(text.data(), 1, static_cast<int32_t>(text.size())) == 0;
 }
 
-/// Writes 2 * octets.size() digits, for which text has room, and gives their number.
+/// Writes 2 * octets.size() digits into text, which needs that room. Gives their number.
 inline size_t ToHex(std::span<const uint8_t> octets, std::span<char> text) {
   if (text.size() < 2 * octets.size()) throw DataError("no room for the hexadecimal text");
   HexToAscii(octets.data(), text.data(), static_cast<int32_t>(octets.size()));
@@ -140,7 +139,7 @@ inline std::string ToHex(std::span<const uint8_t> octets) {
   return text;
 }
 
-/// Writes the octets of a hexadecimal text, for which octets has room, and gives their number.
+/// Writes the octets of a hexadecimal text into octets, which needs the room. Gives their number.
 inline size_t ToOctets(std::string_view hex, std::span<uint8_t> octets) {
   const size_t digits = hex.size() - static_cast<size_t>(std::count(hex.begin(), hex.end(), ' '));
   if (digits % 2 != 0) throw DataError("hexadecimal text of " + std::to_string(digits) + " digits");
@@ -288,21 +287,22 @@ inline void LogHex(TextArgument path, std::span<const uint8_t> octets) {
 
 /* ---- Scripts ---- */
 
-/// What RunScript's text of a statement fits in.
+/// The text that RunScript gives for a statement.
 using StatementText = FixedText<511>;
 
 /// An empty statement or a comment.
 struct Nothing {};
-/// A value was stored: its first 511 bytes. A script command that failed in it has left a message
-/// or nothing in the value, so let scripts compare the length of what they have computed.
+/// A value was stored; these are its first 511 bytes. If a script command in it has failed, the
+/// value has a message or nothing in its place. So scripts should compare the length of computed
+/// values.
 struct Assignment {
   StatementText value;
 };
-/// An expression that is whole octets in hexadecimal, four at least: to be sent to the card.
+/// An expression of whole octets in hexadecimal, at least four: send it to the card.
 struct Command {
   StatementText hex;
 };
-/// Any other expression, perhaps empty; nothing for a card.
+/// Any other expression, perhaps empty: not for a card.
 struct Value {
   StatementText text;
 };
@@ -320,7 +320,7 @@ struct OpenRequest {
 };
 /// @reset()
 struct ResetRequest {};
-/// $ and a text for the host, which has it.
+/// $ and a text for the host; read it from the statement.
 struct Note {};
 /// @stop()
 struct Stop {};
@@ -329,7 +329,7 @@ struct Comparison {
   bool met;  // as expected
 };
 
-/// What a statement has come to.
+/// The result of a statement.
 using Result = std::variant<Nothing, Assignment, Command, Value, ReaderChoice, SlotChoice,
                             OpenRequest, ResetRequest, Note, Stop, Comparison>;
 
@@ -371,7 +371,7 @@ class Script {
     }
   }
 
-  /// Stores a variable. The % of one that scripts can read is part of its name.
+  /// Stores a variable. The % of a script's variable is part of its name.
   static void Set(TextArgument name, TextArgument value) {
     Check(SetVarValue(name.Get(), value.Get()), name);
   }
@@ -383,8 +383,8 @@ class Script {
     return code == ScriptDone;
   }
 
-  /// The whole value of a variable, in its own case. The name begins with %. On its way the value
-  /// passes through the variable ORVANE.PIECE, which no script can read.
+  /// The whole value of a variable, in its own case. The name begins with %. This uses the
+  /// variable ORVANE.PIECE, which no script can read.
   static std::string Get(TextArgument name) {
     if (!name.View().starts_with('%') || name.View().find_first_of(" \t(),") != std::string::npos) {
       throw DataError("a variable that can be read has a name with % in front and no separator");
@@ -450,7 +450,7 @@ constexpr size_t MostData(int32_t kind) {
   return kind == ReaderKindTyUsb || kind == ReaderKindTyCom ? 256 : 254;
 }
 
-/// A card's answer, in views of what SendCommand gave.
+/// A card's answer: views of what SendCommand gave.
 struct ResponseParts {
   std::string_view data;        // hexadecimal text
   std::string_view statusWord;  // four digits; empty where it isn't known, or the kind has none
@@ -458,7 +458,7 @@ struct ResponseParts {
             // statusWord is the answer's first two octets: the beginning of data, if there was any
 };
 
-/// Sorts what SendCommand gave by the kind of the reader; none if there was no answer.
+/// Splits what SendCommand gave, by the kind of reader. None if there was no answer.
 inline std::optional<ResponseParts> ReadResponse(int32_t kind, int32_t result,
                                                  std::string_view text) {
   constexpr std::string_view kSuccess = "9000";
@@ -505,7 +505,7 @@ class Response {
 /// One of the sixteen readers that a process can have open; closes itself.
 class Reader {
  public:
-  /// The readers of one kind. ports is how many to offer where ports can't be asked for.
+  /// The readers of one kind. ports is the number of ports to offer if the kind can't list its own.
   static std::vector<ReaderInfo> List(ReaderKind kind, int32_t ports = 0) {
     if (ports < 0 || ports > 256) throw DataError("a list has 0 to 256 ports");
     std::vector<ReaderInfo> list(static_cast<size_t>((std::max)(ports + 1, 64)));
@@ -588,8 +588,8 @@ class Reader {
     throw ReaderError("no answer from the card or its reader");
   }
 
-  /// Closes the reader, also where its library refuses: that is thrown then. Closed already:
-  /// nothing.
+  /// Closes the reader. If its library refuses, it counts as closed, and this throws. A closed
+  /// reader stays closed.
   void Close() {
     if (IsOpen() && !Release()) throw ReaderError("the reader's library refuses to close it");
   }
@@ -625,7 +625,7 @@ class Reader {
 
 /* ---- Tags ---- */
 
-/// Takes BER-TLV data apart; every element of the tree, a child too, is found under its tag.
+/// Parses BER-TLV data. Find gives every element of the tree, children too, by its tag.
 class TagTree {
  public:
   TagTree() : parser_(TagParsing_Init()) {
@@ -656,8 +656,8 @@ class TagTree {
   std::unique_ptr<TagParser, Free> parser_;
 };
 
-/// A record of the dictionary. Throws DataError for a text that its field does not hold whole: 19,
-/// 199 and 1,023 bytes.
+/// A record of the dictionary. Throws DataError for a text that is longer than its field: 19, 199
+/// and 1,023 bytes.
 inline TagdictData MakeTagEntry(TextArgument tag, TextArgument shortText,
                                 TextArgument longText = "") {
   TagdictData entry{};
@@ -674,9 +674,9 @@ inline TagdictData MakeTagEntry(TextArgument tag, TextArgument shortText,
 /// The process's dictionary of tags, in the file dictdata.bin of the current folder.
 class TagDictionary {
  public:
-  /// The whole list. How many records there are is known where a file was read or flushed through
-  /// this class, and no other code of the process uses the dictionary. Throws DataError before a
-  /// first flush, and if another program changed the file while it was read.
+  /// The whole list. It needs a file that this class has read or flushed, and no other code of the
+  /// process may use the dictionary: else the number of records is not known. Throws DataError
+  /// before a first flush, and if another program changed the file while it was read.
   static std::vector<TagdictData> List() {
     Load();
     if (!loaded_ && added_ == 0) return {};
@@ -718,7 +718,7 @@ class TagDictionary {
     return DeleteTagdictData(tag.Get()) != 0;
   }
 
-  /// Writes the list to the file. Whether it could is not told.
+  /// Writes the list to the file. A failure is not reported.
   static void Flush() {
     Load();
     FlushTagdict();
