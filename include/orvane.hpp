@@ -12,13 +12,14 @@
  *   }
  *
  * Rules for all of it:
- *  - Failures are thrown: ScriptError if a statement failed, ReaderError if a reader or card doesn't
- *    answer, DataError if input is refused. A status word other than 9000 is an answer, no failure.
- *  - A text of limited size comes back in an object of that size. Only functions with a std::string
- *    or std::vector in their signature allocate memory.
+ *  - Failures are thrown: ScriptError if a statement failed, ReaderError if a reader or card
+ *    doesn't answer, DataError if input is refused. A status word other than 9000 is an answer, and
+ *    no failure.
+ *  - A text of limited size comes back in an object of that size. Memory is allocated only for a
+ *    std::string or std::vector that stands in a signature.
  *  - Hexadecimal text is as in orvane.h, but an odd number of digits is refused.
- *  - The rules of orvane.h for threads hold. Open readers through this header only:
- *    readers opened by the functions of orvane.h, or from another DLL, take the same numbers.
+ *  - The rules of orvane.h for threads hold. Open readers through this header only: readers that the
+ *    functions of orvane.h or another DLL open take the same numbers.
  */
 #ifndef ORVANE_HPP
 #define ORVANE_HPP
