@@ -18,8 +18,8 @@
  *  - A text of limited size comes back in an object of that size. Memory is allocated only for a
  *    std::string or std::vector that stands in a signature.
  *  - Hexadecimal text is as in orvane.h, but an odd number of digits is refused.
- *  - The rules of orvane.h for threads hold. Open readers through this header only: readers that the
- *    functions of orvane.h or another DLL open take the same numbers.
+ *  - The rules of orvane.h for threads hold. Open readers through this header only: readers that
+ * the functions of orvane.h or another DLL open take the same numbers.
  */
 #ifndef ORVANE_HPP
 #define ORVANE_HPP
