@@ -263,8 +263,8 @@ ORVANE_API int32_t CloseReader(void);
  * application and open keys survive this call, and also a close and open. They end when the card is
  * pulled, or when PC/SC's own SCardReconnect with SCARD_UNPOWER_CARD is called before OpenReaderA.
  *
- * ReaderKindWd sends the command 00 12 00 00 00, and gives the reply with its status word instead
- * of an ATR. */
+ * ReaderKindWd sends the command 00 12 00 00 00. Instead of an ATR it gives the whole reply, with
+ * the status word if the library returns one there. */
 ORVANE_API int32_t Reset(char* atrHex);
 
 /* Chooses the card slot of the current reader.
