@@ -118,8 +118,9 @@ const CLI::Validator kKindNames(ReadKind, "");
 
 void AddKind(CLI::App& command, Options& options) {
   command
-      .add_option("-k,--kind", options.kind,
-                  "Kind of readers named without one, a number or a name (pcsc)")
+      .add_option(
+          "-k,--kind", options.kind,
+          "The kind of readers that are named without one: a number or a name; by default pcsc")
       ->type_name("KIND")
       ->transform(kKindNames);
 }
@@ -131,18 +132,17 @@ void AddReaderName(CLI::App& command, Options& options, const char* help) {
 
 void AddSimulation(CLI::App& command, Options& options) {
   command.add_flag("--simulate", options.simulate,
-                   "Put simulators in the place of all vendor libraries");
-  CLI::Option* replay =
-      command
-          .add_option_function<std::string>(
-              "--replay",
-              [&options](const std::string& file) {
-                options.replay = file;
-                options.simulate = true;
-              },
-              "Simulate, with a recording in the card's place. At the first command that is not "
-              "as recorded the program ends, with exit code 1")
-          ->type_name("FILE");
+                   "Use simulated cards and readers instead of real ones");
+  CLI::Option* replay = command
+                            .add_option_function<std::string>(
+                                "--replay",
+                                [&options](const std::string& file) {
+                                  options.replay = file;
+                                  options.simulate = true;
+                                },
+                                "Simulate, and play a recording instead of the card. The program "
+                                "ends with exit code 1 at the first command that differs")
+                            ->type_name("FILE");
   command
       .add_flag("--any-order", options.anyOrder, "Let commands come earlier than they are recorded")
       ->needs(replay);
@@ -152,7 +152,7 @@ void AddSimulation(CLI::App& command, Options& options) {
                   "number")
       ->type_name("FILE");
   command.add_flag("--cold-reset", options.coldReset,
-                   "Take the power from a card and give it back before its PC/SC reader is opened");
+                   "Switch a card's power off and on before its PC/SC reader opens");
 }
 
 void AddReader(CLI::App& command, Options& options) {
@@ -168,7 +168,7 @@ void AddTrace(CLI::App& command, Options& options) {
 }
 
 void AddTlv(CLI::App& command, Options& options) {
-  command.add_flag("--tlv", options.tlv, "Take answers of BER-TLV data apart");
+  command.add_flag("--tlv", options.tlv, "Show answers of BER-TLV data as trees");
 }
 
 void AddTag(CLI::App& command, Options& options) {
@@ -176,7 +176,7 @@ void AddTag(CLI::App& command, Options& options) {
 }
 
 void AddQuiet(CLI::App& command, Options& options) {
-  command.add_flag("-q,--quiet", options.quiet, "Show nothing but failures");
+  command.add_flag("-q,--quiet", options.quiet, "Show only failures");
 }
 
 void AddDefinitions(CLI::App& command, Options& options) {
@@ -185,7 +185,8 @@ void AddDefinitions(CLI::App& command, Options& options) {
     return command.add_option(name, values, help)->type_name(type)->allow_extra_args(false);
   };
   add("-D", options.definitions,
-      "Set the variable %NAME. Whoever lists the machine's processes sees the value", "NAME=VALUE")
+      "Set the variable %NAME. Other users can see the value in the list of processes",
+      "NAME=VALUE")
       ->check(CheckDefinition);
   add("--vars", options.variableFiles, "Set the variables of a file of lines NAME=VALUE", "FILE");
   add("--env", options.environment, "Set %NAME to the environment's NAME", "NAME")
@@ -206,9 +207,10 @@ void DescribeTest(CLI::App& test, Options& options) {
   test.add_flag("-v,--verbose", options.verbose, "Show what orvane run shows");
   test.add_option("--junit", options.junit, "Write a report for CI servers, as JUnit's XML")
       ->type_name("FILE");
-  test.add_option("--html", options.html, "Write a report for people, a page that stands alone")
+  test.add_option("--html", options.html,
+                  "Write a report for people, one page that needs no other file")
       ->type_name("FILE");
-  test.add_flag("--tap", options.tap, "Print nothing but the Test Anything Protocol");
+  test.add_flag("--tap", options.tap, "Print only the Test Anything Protocol");
   test.footer(
       "\nA case ends with its first expectation that does not hold, and the next one begins; what "
       "it left in\nvariables stays. Trouble with reader or card ends the file.\n"
@@ -220,14 +222,14 @@ void DescribeTest(CLI::App& test, Options& options) {
 }
 
 void DescribeBatch(CLI::App& batch, Options& options) {
-  batch.add_option("FILE", options.file, "The script, which runs once a row");
+  batch.add_option("FILE", options.file, "The script, which runs once for each row");
   batch
       .add_option("--table", options.batch.table,
                   "The rows: RFC 4180, the first line names the columns, which become variables")
       ->type_name("FILE");
   batch
       .add_option("--key", options.batch.key,
-                  "The column that no two rows have the same of; without it the first")
+                  "The column whose value differs in each row; by default the first")
       ->type_name("COLUMN");
   batch
       .add_option("--journal", options.batch.journal,
@@ -244,10 +246,10 @@ void DescribeBatch(CLI::App& batch, Options& options) {
   load.callback([&options] { options.batch.load = true; });
   batch.add_flag("--status", options.batch.status, "Show what the journal says, and run nothing");
   CLI::Option* retry = batch.add_flag("--retry-begun", options.batch.retryBegun,
-                                      "Begin rows again that did not end");
+                                      "Begin again the rows that did not end");
   batch.add_flag("--skip-begun", options.batch.skipBegun, "Abandon rows that did not end")
       ->excludes(retry);
-  batch.add_flag("--retry-failed", options.batch.retryFailed, "Begin rows again that failed");
+  batch.add_flag("--retry-failed", options.batch.retryFailed, "Begin again the rows that failed");
   batch.add_flag("--fail-fast", options.failFast,
                  "Begin no more rows once one has failed; the same command goes on");
   batch.add_option("-r,--reader", options.batch.readers, "A reader; each has a process of its own")
@@ -255,14 +257,16 @@ void DescribeBatch(CLI::App& batch, Options& options) {
       ->allow_extra_args(false);
   batch
       .add_option("--timeout", options.batch.timeout,
-                  "How many seconds a reader waits for a card to come or go; without it for ever")
+                  "The seconds that a reader waits for a card to come or go; by default for ever")
       ->type_name("SECONDS")
       ->check(CLI::Range(1, 1'000'000));
   batch.add_flag("--no-wait", options.batch.noWait,
                  "Do not wait for a card to go: a feeder has changed it by the next reset");
-  batch.add_option("--log-dir", options.batch.logFolder, "Write a trace a row, row-N.log")
+  batch.add_option("--log-dir", options.batch.logFolder, "Write a trace of each row, row-N.log")
       ->type_name("FOLDER");
-  batch.add_option("--html", options.html, "Write a report for people, a page that stands alone")
+  batch
+      .add_option("--html", options.html,
+                  "Write a report for people, one page that needs no other file")
       ->type_name("FILE");
   batch.add_option("--worker", options.batch.worker)->group("");  // for the program's own use
   batch.footer(
@@ -315,7 +319,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTlv(run, options);
   AddQuiet(run, options);
 
-  CLI::App& check = *app.add_subcommand("check", "Find what is wrong with scripts, without a card");
+  CLI::App& check = *app.add_subcommand("check", "Find mistakes in scripts, without a card");
   check.add_option("FILE", options.files, "A script; - is standard input")->required();
   AddDefinitions(check, options);
   AddReaderName(check, options, "The reader that the script finds; it is not opened");
@@ -337,7 +341,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddQuiet(test, options);
 
   CLI::App& batch =
-      *app.add_subcommand("batch", "Run a script on card after card, a table's row each");
+      *app.add_subcommand("batch", "Run a script on card after card, once for each row of a table");
   DescribeBatch(batch, options);
   AddKind(batch, options);
   AddDefinitions(batch, options);
@@ -352,8 +356,8 @@ void DescribeOptions(CLI::App& app, Options& options) {
       ->required();
   apdu.add_option("--expect", options.expected,
                   "What every answer should be: 9000, X for any digit, several as in "
-                  "\"61XX or 9000\", with data as in \"6F .. 9000\". At the first other one the "
-                  "program ends, with exit code 1")
+                  "\"61XX or 9000\", with data as in \"6F .. 9000\". The program ends with exit "
+                  "code 1 at the first answer that differs")
       ->type_name("PATTERN")
       ->check(CheckPattern);
   apdu.footer(
@@ -366,7 +370,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
   AddTrace(apdu, options);
   AddTlv(apdu, options);
 
-  CLI::App& shell = *app.add_subcommand("shell", "Take statements interactively");
+  CLI::App& shell = *app.add_subcommand("shell", "Run statements as they are typed");
   AddDefinitions(shell, options);
   AddReader(shell, options);
   AddTrace(shell, options);
@@ -381,9 +385,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
           ->type_name("OTHER");
   CLI::Option* script = trace.add_flag(
       "--script", options.asScript, "Print a script that repeats it and expects what was recorded");
-  trace
-      .add_option("--pcap", options.pcap,
-                  "Write what Wireshark takes apart as ISO/IEC 7816; hidden data is 00")
+  trace.add_option("--pcap", options.pcap, "Write a capture for Wireshark; hidden data are 00")
       ->type_name("OUT")
       ->excludes(diff, script);
   script->excludes(diff);
@@ -399,7 +401,7 @@ void DescribeOptions(CLI::App& app, Options& options) {
 
   std::vector<std::string> kinds = DecodedKinds();
   kinds.emplace_back("tlv");
-  CLI::App& decode = *app.add_subcommand("decode", "Show what data of a card says, field by field");
+  CLI::App& decode = *app.add_subcommand("decode", "Explain data of a card, field by field");
   decode
       .add_option("WHAT", options.decodedKind,
                   "atr, dol, afl, aip, tvr, cvm (a list of verification methods), sw, apdu or tlv")
@@ -413,13 +415,12 @@ void DescribeOptions(CLI::App& app, Options& options) {
   DescribeTags(*app.add_subcommand("tags", "Edit the dictionary of tags, dictdata.bin"), options);
 
   CLI::App& readers = *app.add_subcommand("readers", "List readers");
-  readers.add_option("-k,--kind", options.listedKind, "List this kind alone")
+  readers.add_option("-k,--kind", options.listedKind, "List only this kind")
       ->type_name("KIND")
       ->transform(kKindNames);
   readers
       .add_option("--ports", options.ports,
-                  "Also offer this many ports of the kinds whose "
-                  "ports can't be asked for")
+                  "Also offer this many ports of the kinds that can't list theirs")
       ->type_name("N")
       ->check(CLI::Range(1, 256));
   readers.add_flag("--simulate", options.simulate, "List the simulated readers");
