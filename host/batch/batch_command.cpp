@@ -177,7 +177,6 @@ class Batch {
                       [&](size_t row, RowState state, const std::string& reason) {
                         progress_.RowEnded();
                         if (state == RowState::kDone) return;
-                        leftBegun_ = leftBegun_ || state == RowState::kBegun;
                         Tell(supervisor,
                              "row " + std::to_string(row) + " " + NameOf(state) + ": " + reason);
                       }});
@@ -189,7 +188,9 @@ class Batch {
           at < options_.batch.readers.size() ? options_.batch.readers[at] : "the only reader",
           arguments);
     }
-    return supervisor.Run(digest_, fresh, options_.failFast);
+    const int code = supervisor.Run(digest_, fresh, options_.failFast);
+    leftBegun_ = supervisor.HasLeftBegun();
+    return code;
   }
 
   // If standard output fails, the rows that are begun still run to their end.
@@ -229,7 +230,7 @@ class Batch {
   std::unique_ptr<JobStore> store_;
   std::optional<ReportFile> html_;
   BatchProgress progress_;
-  bool leftBegun_ = false;         // whether a row of this run has no known end
+  bool leftBegun_ = false;         // what the supervisor says of this run
   std::optional<Failure> output_;  // why nothing more can be shown
 };
 

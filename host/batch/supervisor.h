@@ -38,6 +38,9 @@ class Supervisor {
   // Failure (kFileFault) if the store cannot be written; then the workers halt.
   int Run(const std::string& scriptDigest, bool fresh, bool failFast);
 
+  // True if a row of this run has no known end.
+  bool HasLeftBegun() const { return leftBegun_; }
+
   // Begins no more rows.
   void Finish();
 
@@ -67,9 +70,9 @@ class Supervisor {
   std::vector<std::pair<Worker*, std::string>> answers_;  // sent when the store is flushed
   LineQueue lines_;
   int interrupts_ = 0;
-  size_t failed_ = 0;       // rows, before the first one that fails now
-  bool failing_ = false;    // a row has failed, so no further one begins
-  bool leftBegun_ = false;  // a row of this run
+  size_t failed_ = 0;     // the rows that had failed before this run
+  bool failing_ = false;  // a row has failed, so no further one begins
+  bool leftBegun_ = false;
   int code_ = 0;
 };
 
